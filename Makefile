@@ -1,0 +1,63 @@
+# The front door. `make run` and `make test` install what they need on a Debian 12 machine.
+.DEFAULT_GOAL := build
+.PHONY: run build build-release build-windows test bench unbuilt sanitize check format layering \
+        exports packages packages-test clean
+
+JOBS ?= $(shell nproc)
+release := build/release/bin
+windows := build/windows/bin
+build_preset = cmake --preset $(1) && cmake --build --preset $(1) -j $(JOBS)
+
+# The main job: summary and smoothed series of the air-quality data.
+run: packages
+	$(call build_preset,release) --target tesselc
+	$(release)/tesselc examples/airquality.tc examples/airquality.csv
+
+# Both platforms; nothing is run.
+build: build-release build-windows
+
+build-release: packages-test
+	$(call build_preset,release)
+
+build-windows: packages-test
+	$(call build_preset,windows)
+
+# Every test on both platforms, the second even where the first has failures.
+test: build
+	ctest --preset release -j $(JOBS); linux=$$?; \
+	ctest --preset windows -j $(JOBS) && exit $$linux
+
+# Members through the real call path, and the same work done by other libraries.
+bench: build-release
+	@if [ -x bench/run.sh ]; then bench/run.sh; else echo "bench/run.sh is not there yet"; fi
+
+# Members and classes the library declares but does not have yet.
+unbuilt: packages
+	$(call build_preset,release)
+	$(release)/unbuilt_members
+
+# Every Linux test under AddressSanitizer and UndefinedBehaviorSanitizer.
+sanitize: packages-test
+	$(call build_preset,debug)
+	ctest --preset debug -j $(JOBS)
+
+check: format layering exports
+
+format: packages-test
+	tools/check_format.sh
+
+layering: packages-test
+	tools/check_layering.py
+
+exports: build
+	tools/check_exports.sh $(release)/libVELABaseTypes.so
+	tools/check_exports.sh $(windows)/VELABaseTypes.dll
+
+packages:
+	@tools/install_packages.sh packages.txt
+
+packages-test:
+	@tools/install_packages.sh packages.txt packages-test.txt
+
+clean:
+	rm -rf build
