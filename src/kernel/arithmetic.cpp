@@ -1,0 +1,264 @@
+#include "kernel/arithmetic.h"
+
+#include <cmath>
+#include <concepts>
+#include <type_traits>
+
+#include "kernel/line_start.h"
+#include "kernel/power.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "kernel/arithmetic.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+#ifndef VELA_KERNEL_ARITHMETIC_TABLE
+#define VELA_KERNEL_ARITHMETIC_TABLE
+namespace vela::kernel {
+
+template <class T>
+struct ElementFunctions {
+  void (*elements)(Op op, T* x, const T* y, std::size_t count, bool guard_multiply) = nullptr;
+  void (*broadcast)(Op op, T* x, T y, std::size_t count, bool guard_multiply) = nullptr;
+};
+
+}  // namespace vela::kernel
+#endif
+
+HWY_BEFORE_NAMESPACE();
+namespace vela::kernel::HWY_NAMESPACE {
+namespace {
+
+// The largest magnitude that the divide and multiply guards let through; a little below the largest
+// double.
+constexpr double kGuardLimit = 1.7e+308;
+
+// Elements whose powers are computed at a time.
+constexpr std::size_t kPowerBlock = 256;
+
+template <class T>
+constexpr T kStoredMissing = ConvertElement<T>(kMissing);
+
+// Wide enough that no product of two narrow elements overflows the signed type they promote to.
+template <class T>
+using Wrapping = std::make_unsigned_t<std::common_type_t<T, int>>;
+
+// Each operation gives its plain result and tells where a floating result is withheld because it
+// would overflow. Both are always computed and then selected from, so that the loops become vector
+// code.
+
+struct Unguarded {
+  template <class T>
+  static bool Overflows(T /*x*/, T /*y*/) {
+    return false;
+  }
+};
+
+struct Assign : Unguarded {
+  template <class T>
+  static T Of(T /*x*/, T y) {
+    return y;
+  }
+};
+
+struct Add : Unguarded {
+  template <class T>
+  static T Of(T x, T y) {
+    if constexpr (std::integral<T>) return static_cast<T>(Wrapping<T>(x) + Wrapping<T>(y));
+    return x + y;
+  }
+};
+
+struct Subtract : Unguarded {
+  template <class T>
+  static T Of(T x, T y) {
+    if constexpr (std::integral<T>) return static_cast<T>(Wrapping<T>(x) - Wrapping<T>(y));
+    return x - y;
+  }
+};
+
+struct Multiply : Unguarded {
+  template <class T>
+  static T Of(T x, T y) {
+    if constexpr (std::integral<T>) return static_cast<T>(Wrapping<T>(x) * Wrapping<T>(y));
+    return x * y;
+  }
+};
+
+struct GuardedMultiply : Multiply {
+  template <class T>
+  static bool Overflows(T x, T y) {
+    const double magnitude = std::abs(static_cast<double>(x));
+    const double limit = kGuardLimit / magnitude;
+    return (magnitude >= 1) & (limit <= std::abs(static_cast<double>(y)));
+  }
+};
+
+struct Divide {
+  template <class T>
+  static T Of(T x, T y) {
+    if constexpr (std::integral<T>) {
+      if (y == 0) return 0;
+      if constexpr (std::signed_integral<T>) {
+        if (y == -1) return Subtract::Of(T{0}, x);
+      }
+    }
+    return static_cast<T>(x / y);
+  }
+  template <class T>
+  static bool Overflows(T x, T y) {
+    const double divisor = std::abs(static_cast<double>(y));
+    const double limit = divisor * kGuardLimit;
+    return (divisor < 1) & (limit <= std::abs(static_cast<double>(x)));
+  }
+};
+
+template <class T>
+struct Elements {
+  const T* data;
+  T operator[](std::size_t i) const { return data[i]; }
+};
+
+template <class T>
+struct Broadcast {
+  T value;
+  T operator[](std::size_t /*i*/) const { return value; }
+};
+
+template <class Operation, class T>
+bool MakesMissing(T x, T y) {
+  if constexpr (std::same_as<Operation, Assign>) return std::isnan(y) | IsMissing(y);
+  return std::isunordered(x, y) | IsMissing(x) | IsMissing(y) | Operation::Overflows(x, y);
+}
+
+// x and the operands are the same storage or apart, so no iteration depends on another.
+template <class Operation, class T, class Operands>
+void LoopFrom(std::size_t begin, std::size_t end, T* x, Operands y) {
+#pragma GCC ivdep
+  for (std::size_t i = begin; i < end; ++i) {
+    const T operand = y[i];
+    const T result = Operation::Of(x[i], operand);
+    if constexpr (std::integral<T>) {
+      x[i] = result;
+    } else {
+      x[i] = MakesMissing<Operation>(x[i], operand) ? kStoredMissing<T> : result;
+    }
+  }
+}
+
+template <class Operation, class T, class Operands>
+void Loop(T* x, std::size_t count, Operands y) {
+  const std::size_t lead = ElementsBeforeLine(x, count);
+  LoopFrom<Operation>(0, lead, x, y);
+  LoopFrom<Operation>(lead, count, x, y);
+}
+
+// x[i] to the power y[i] for the elements of one block.
+template <class T>
+void PowerBlock(std::span<T> x, std::span<const double> y) {
+  if constexpr (std::same_as<T, double>) {
+    CheckedPower(x, y, x);
+  } else {
+    std::array<double, kPowerBlock> buffer;
+    const std::span<double> powers = std::span(buffer).first(x.size());
+    Convert<double, T>(x, powers);
+    if constexpr (std::floating_point<T>) {
+      CheckedPower(powers, y, powers);
+      Convert<T, double>(powers, x);
+    } else {
+      // 0 to a negative power is a division by 0; everything else saturates.
+      Power(powers, y, powers);
+      for (std::size_t i = 0; i < x.size(); ++i) {
+        x[i] = (x[i] == 0) & (y[i] < 0) ? T{0} : ConvertElement<T>(powers[i]);
+      }
+    }
+  }
+}
+
+template <class T, class Operands>
+void PowerLoop(T* x, std::size_t count, Operands y) {
+  std::array<double, kPowerBlock> exponents;
+  for (std::size_t begin = 0; begin < count; begin += kPowerBlock) {
+    const std::size_t size = std::min(kPowerBlock, count - begin);
+    for (std::size_t i = 0; i < size; ++i) exponents[i] = static_cast<double>(y[begin + i]);
+    PowerBlock(std::span(x + begin, size), std::span<const double>(exponents).first(size));
+  }
+}
+
+template <class T, class Operands>
+void ApplyAny(Op op, T* x, std::size_t count, Operands y, bool guard_multiply) {
+  switch (op) {
+    case Op::kAssign:
+      return Loop<Assign>(x, count, y);
+    case Op::kAdd:
+      return Loop<Add>(x, count, y);
+    case Op::kSubtract:
+      return Loop<Subtract>(x, count, y);
+    case Op::kMultiply:
+      if constexpr (std::floating_point<T>) {
+        if (guard_multiply) return Loop<GuardedMultiply>(x, count, y);
+      }
+      return Loop<Multiply>(x, count, y);
+    case Op::kDivide:
+      return Loop<Divide>(x, count, y);
+    case Op::kPower:
+      return PowerLoop(x, count, y);
+  }
+}
+
+template <class T>
+void ApplyElements(Op op, T* x, const T* y, std::size_t count, bool guard_multiply) {
+  ApplyAny(op, x, count, Elements<T>{y}, guard_multiply);
+}
+
+template <class T>
+void ApplyBroadcast(Op op, T* x, T y, std::size_t count, bool guard_multiply) {
+  ApplyAny(op, x, count, Broadcast<T>{y}, guard_multiply);
+}
+
+template <class... T>
+constexpr PerElementType<ElementFunctions> MakeFunctions(std::tuple<TypeTag<T>...> /*types*/) {
+  return {ElementFunctions<T>{&ApplyElements<T>, &ApplyBroadcast<T>}...};
+}
+
+const PerElementType<ElementFunctions>& AllFunctions() {
+  static constexpr auto kFunctions = MakeFunctions(PerElementType<TypeTag>());
+  return kFunctions;
+}
+
+}  // namespace
+}  // namespace vela::kernel::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vela::kernel {
+
+HWY_EXPORT(AllFunctions);
+
+namespace {
+
+template <class T>
+const ElementFunctions<T>& FunctionsFor() {
+  return std::get<ElementFunctions<T>>(HWY_DYNAMIC_DISPATCH(AllFunctions)());
+}
+
+}  // namespace
+
+template <Element T>
+void Apply(Op op, std::span<T> x, std::span<const T> y, bool guard_multiply) {
+  FunctionsFor<T>().elements(op, x.data(), y.data(), x.size(), guard_multiply);
+}
+
+template <Element T>
+void ApplyScalar(Op op, std::span<T> x, T y, bool guard_multiply) {
+  FunctionsFor<T>().broadcast(op, x.data(), y, x.size(), guard_multiply);
+}
+
+#define VELA_KERNEL_INSTANTIATE(T)                                 \
+  template void Apply(Op, std::span<T>, std::span<const T>, bool); \
+  template void ApplyScalar(Op, std::span<T>, T, bool);
+VELA_KERNEL_FOR_SIMPLE_TYPES(VELA_KERNEL_INSTANTIATE)
+#undef VELA_KERNEL_INSTANTIATE
+
+}  // namespace vela::kernel
+#endif

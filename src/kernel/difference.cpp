@@ -1,0 +1,79 @@
+#include "kernel/difference.h"
+
+#include <cstddef>
+
+#include "kernel/convert.h"
+#include "kernel/line_start.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "kernel/difference.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace vela::kernel::HWY_NAMESPACE {
+namespace {
+
+template <class T>
+T DifferenceOf(T later, T earlier) {
+  return ConvertElement<T>(static_cast<double>(later) - static_cast<double>(earlier));
+}
+
+// Front to back, so that in place an element is replaced only after its last use.
+template <class T>
+void InPlaceLoop(T* x, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) x[i] = DifferenceOf(x[i + 1], x[i]);
+}
+
+template <class T>
+void ApartLoop(const T* HWY_RESTRICT x, T* HWY_RESTRICT result, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) result[i] = DifferenceOf(x[i + 1], x[i]);
+}
+
+template <class T>
+void DifferenceLoop(const T* x, T* result, std::size_t count) {
+  const std::size_t lead = ElementsBeforeLine(result, count);
+  if (x == result) {
+    InPlaceLoop(result, lead);
+    InPlaceLoop(result + lead, count - lead);
+  } else {
+    ApartLoop(x, result, lead);
+    ApartLoop(x + lead, result + lead, count - lead);
+  }
+}
+
+template <class T>
+using Function = void (*)(const T* x, T* result, std::size_t count);
+
+template <class... T>
+constexpr PerElementType<Function> MakeFunctions(std::tuple<TypeTag<T>...> /*types*/) {
+  return {&DifferenceLoop<T>...};
+}
+
+const PerElementType<Function>& DifferenceFunctions() {
+  static constexpr auto kFunctions = MakeFunctions(PerElementType<TypeTag>());
+  return kFunctions;
+}
+
+}  // namespace
+}  // namespace vela::kernel::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vela::kernel {
+
+HWY_EXPORT(DifferenceFunctions);
+
+template <Element T>
+void Difference(std::span<const T> x, std::span<T> result) {
+  using Loop = void (*)(const T*, T*, std::size_t);
+  const Loop loop = std::get<Loop>(HWY_DYNAMIC_DISPATCH(DifferenceFunctions)());
+  loop(x.data(), result.data(), result.size());
+}
+
+#define VELA_KERNEL_INSTANTIATE(T) template void Difference(std::span<const T>, std::span<T>);
+VELA_KERNEL_FOR_SIMPLE_TYPES(VELA_KERNEL_INSTANTIATE)
+#undef VELA_KERNEL_INSTANTIATE
+
+}  // namespace vela::kernel
+#endif

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <span>
+
+namespace vela::kernel {
+
+/// Elements per block: few enough to stay in the first-level cache, enough to hide the work per
+/// block.
+inline constexpr std::size_t kBlockSize = 1024;
+
+/// Calls visit(block, offset) for consecutive blocks of at most kBlockSize elements of x, read as
+/// doubles, until it returns false. Doubles are passed in place, other types through a buffer on
+/// the stack.
+template <class T, class Visit>
+void ForEachDoubleBlock(std::span<const T> x, Visit visit) {
+  [[maybe_unused]] std::array<double, std::same_as<T, double> ? 1 : kBlockSize> buffer;
+  for (std::size_t offset = 0; offset < x.size(); offset += kBlockSize) {
+    const auto block = x.subspan(offset, std::min(kBlockSize, x.size() - offset));
+    if constexpr (std::same_as<T, double>) {
+      if (!visit(block, offset)) return;
+    } else {
+      std::transform(block.begin(), block.end(), buffer.begin(),
+                     [](T value) { return static_cast<double>(value); });
+      if (!visit(std::span<const double>(buffer.data(), block.size()), offset)) return;
+    }
+  }
+}
+
+}  // namespace vela::kernel

@@ -1,0 +1,194 @@
+#include "kernel/find.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+
+#include "kernel/double_blocks.h"
+#include "kernel/missing.h"
+
+#ifndef VELA_KERNEL_FIND_TABLE
+#define VELA_KERNEL_FIND_TABLE
+namespace vela::kernel {
+
+// For each byte the positions of its set bits, lowest first, padded with 0.
+using BitPositions = std::array<std::array<std::uint8_t, 8>, 256>;
+inline constexpr BitPositions kBitPositions = [] {
+  BitPositions table{};
+  for (unsigned byte = 0; byte < 256; ++byte) {
+    std::size_t count = 0;
+    for (std::uint8_t bit = 0; bit < 8; ++bit) {
+      if (byte >> bit & 1) table[byte][count++] = bit;
+    }
+  }
+  return table;
+}();
+
+}  // namespace vela::kernel
+#endif
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "kernel/find.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace vela::kernel::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
+
+struct EqualTo {
+  double value;
+
+  template <class D, class V>
+  HWY_INLINE auto operator()(D d, V x) const {
+    return hn::Eq(x, hn::Set(d, value));
+  }
+};
+
+struct Near {
+  double value, tolerance;
+
+  template <class D, class V>
+  HWY_INLINE auto operator()(D d, V x) const {
+    const auto near = hn::Le(hn::Abs(hn::Sub(x, hn::Set(d, value))), hn::Set(d, tolerance));
+    return hn::And(near, hn::Ne(x, hn::Set(d, kMissing)));
+  }
+};
+
+struct Inside {
+  double low, high;
+
+  template <class D, class V>
+  HWY_INLINE auto operator()(D d, V x) const {
+    const auto inside = hn::And(hn::Ge(x, hn::Set(d, low)), hn::Le(x, hn::Set(d, high)));
+    return hn::And(inside, hn::Ne(x, hn::Set(d, kMissing)));
+  }
+};
+
+// One bit for each of 8 elements, set where they match.
+template <class Matches>
+HWY_INLINE unsigned MatchByte(const double* HWY_RESTRICT x, Matches matches) {
+  const hn::CappedTag<double, 8> d;
+  unsigned byte = 0;
+  for (std::size_t i = 0; i < 8; i += hn::Lanes(d)) {
+    std::uint8_t bits[8];
+    hn::StoreMaskBits(d, matches(d, hn::LoadU(d, x + i)), bits);
+    byte |= static_cast<unsigned>(bits[0]) << i;
+  }
+  return byte;
+}
+
+// Writes base plus the positions of the set bits, and whatever up to 8 indices in all.
+HWY_INLINE void WritePositions(unsigned byte, std::uint32_t base, std::uint32_t* found) {
+  const hn::CappedTag<std::uint32_t, 8> d;
+  const hn::Rebind<std::uint8_t, decltype(d)> bytes_tag;
+  for (std::size_t i = 0; i < 8; i += hn::Lanes(d)) {
+    const auto positions = hn::PromoteTo(d, hn::LoadU(bytes_tag, kBitPositions[byte].data() + i));
+    hn::StoreU(hn::Add(positions, hn::Set(d, base)), d, found + i);
+  }
+}
+
+// Counts the matches in x and writes their indices, counted from base, as far as they fit. At most
+// kBlockSize elements.
+template <class Matches>
+std::size_t Collect(const double* HWY_RESTRICT x, std::size_t n, Matches matches, std::size_t base,
+                    std::uint32_t* HWY_RESTRICT found, std::size_t capacity) {
+  std::size_t count = 0;
+  std::size_t i = 0;
+  for (; i + 64 <= n && count + 64 <= capacity; i += 64) {
+    std::array<unsigned, 8> bytes;
+    unsigned any = 0;
+    for (std::size_t k = 0; k < 8; ++k) any |= bytes[k] = MatchByte(x + i + 8 * k, matches);
+    if (any == 0) continue;
+    for (std::size_t k = 0; k < 8; ++k) {
+      WritePositions(bytes[k], static_cast<std::uint32_t>(base + i + 8 * k), found + count);
+      count += static_cast<std::size_t>(std::popcount(bytes[k]));
+    }
+  }
+  if (capacity == 0) {
+    for (; i + 8 <= n; i += 8) {
+      count += static_cast<std::size_t>(std::popcount(MatchByte(x + i, matches)));
+    }
+  }
+  const hn::CappedTag<double, 1> one;
+  for (; i < n; ++i) {
+    if (hn::AllFalse(one, matches(one, hn::LoadU(one, x + i)))) continue;
+    if (count < capacity) found[count] = static_cast<std::uint32_t>(base + i);
+    ++count;
+  }
+  return count;
+}
+
+std::size_t CollectEqual(const double* x, std::size_t n, double value, double /*unused*/,
+                         std::size_t base, std::uint32_t* found, std::size_t capacity) {
+  return Collect(x, n, EqualTo{value}, base, found, capacity);
+}
+
+std::size_t CollectNear(const double* x, std::size_t n, double value, double tolerance,
+                        std::size_t base, std::uint32_t* found, std::size_t capacity) {
+  return Collect(x, n, Near{value, tolerance}, base, found, capacity);
+}
+
+std::size_t CollectInside(const double* x, std::size_t n, double low, double high, std::size_t base,
+                          std::uint32_t* found, std::size_t capacity) {
+  return Collect(x, n, Inside{low, high}, base, found, capacity);
+}
+
+}  // namespace vela::kernel::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vela::kernel {
+namespace {
+
+HWY_EXPORT(CollectEqual);
+HWY_EXPORT(CollectNear);
+HWY_EXPORT(CollectInside);
+
+using Collector = std::size_t (*)(const double* x, std::size_t n, double a, double b,
+                                  std::size_t base, std::uint32_t* found, std::size_t capacity);
+
+template <class T>
+std::size_t Find(std::span<const T> x, Collector collect, double a, double b, FindScope scope,
+                 std::span<std::uint32_t> found) {
+  const std::size_t end = std::min(scope.end, x.size());
+  const std::size_t start = std::min(scope.start, end);
+  const auto range = x.subspan(start, end - start);
+  std::size_t count = 0;
+  ForEachDoubleBlock(range, [&](std::span<const double> block, std::size_t offset) {
+    const auto free = found.subspan(std::min(count, found.size()));
+    count += collect(block.data(), block.size(), a, b, start + offset, free.data(), free.size());
+    return !(scope.first_only && count > 0);
+  });
+  return scope.first_only ? std::min<std::size_t>(count, 1) : count;
+}
+
+}  // namespace
+
+template <Element T>
+std::size_t FindEqual(std::span<const T> x, double value, double tolerance, FindScope scope,
+                      std::span<std::uint32_t> found) {
+  // The difference of two infinities is NaN: compare them directly.
+  const bool exact = tolerance == 0.0 || IsMissing(value) || std::isinf(value);
+  const Collector collect =
+      exact ? HWY_DYNAMIC_DISPATCH(CollectEqual) : HWY_DYNAMIC_DISPATCH(CollectNear);
+  return Find(x, collect, value, tolerance, scope, found);
+}
+
+template <Element T>
+std::size_t FindInRange(std::span<const T> x, double low, double high, FindScope scope,
+                        std::span<std::uint32_t> found) {
+  return Find(x, HWY_DYNAMIC_DISPATCH(CollectInside), low, high, scope, found);
+}
+
+#define VELA_KERNEL_INSTANTIATE(T)                                                   \
+  template std::size_t FindEqual<T>(std::span<const T>, double, double, FindScope,   \
+                                    std::span<std::uint32_t>);                       \
+  template std::size_t FindInRange<T>(std::span<const T>, double, double, FindScope, \
+                                      std::span<std::uint32_t>);
+VELA_KERNEL_FOR_SIMPLE_TYPES(VELA_KERNEL_INSTANTIATE)
+#undef VELA_KERNEL_INSTANTIATE
+
+}  // namespace vela::kernel
+#endif

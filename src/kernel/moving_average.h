@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+namespace vela::kernel {
+
+/// out[i] becomes the mean of the elements of x[i - r .. i + r] that are not missing, where r is
+/// `half` cut so that the window stays inside x on both sides; a window of missing elements only
+/// gives the missing value. out.size() must be x.size(), and the two must not overlap.
+///
+/// Each window is summed from its own elements, never by taking old ones off a running sum: a NaN
+/// or an infinity shows in exactly the windows that hold it, and rounding errors do not build up
+/// along x. Time per element grows with the logarithm of the window, and not at all beyond a few
+/// hundred elements; scratch is a few windows at most.
+void MovingAverage(std::span<const double> x, std::size_t half, std::span<double> out);
+
+}  // namespace vela::kernel

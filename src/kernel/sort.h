@@ -1,0 +1,71 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "kernel/element_types.h"
+#include "kernel/missing.h"
+
+namespace vela::kernel {
+
+/// Sorts in place. NaN comes last in either order; -0.0 and 0.0 are both kept, -0.0 being the less;
+/// the missing value sorts as the number it is. O(n log n) whatever the data; no scratch memory.
+template <Element T>
+void Sort(std::span<T> values, bool ascending);
+
+/// As Sort, and indices[k] follows the element it belongs to. Stable in either order: equal values
+/// (-0.0 and 0.0 among them), and NaNs, keep the order they had. indices.size() must be
+/// values.size(), at most 2^32, else std::invalid_argument. O(n log n); scratch 12 bytes per
+/// element.
+template <Element T>
+void SortWithIndices(std::span<T> values, std::span<std::uint32_t> indices, bool ascending);
+
+/// Stable sort by any strict weak ordering; indices, when not empty, follow the elements and must
+/// be as many. O(n log n); scratch a copy of both.
+template <class T, class Less>
+void SortBy(std::span<T> values, std::span<std::uint32_t> indices, Less less) {
+  if (indices.empty()) {
+    std::stable_sort(values.begin(), values.end(), less);
+    return;
+  }
+  std::vector<std::pair<T, std::uint32_t>> pairs;
+  pairs.reserve(values.size());
+  for (std::size_t k = 0; k < values.size(); ++k) pairs.emplace_back(values[k], indices[k]);
+  std::stable_sort(pairs.begin(), pairs.end(),
+                   [&less](const auto& a, const auto& b) { return less(a.first, b.first); });
+  for (std::size_t k = 0; k < values.size(); ++k) {
+    std::tie(values[k], indices[k]) = std::move(pairs[k]);
+  }
+}
+
+/// Swaps the elements that is_missing picks to the front, or to the back, and returns how many
+/// there are; indices, when not empty, are swapped alike and must be as many. The others do not
+/// keep their order: each missing element trades places with the nearest element of the other
+/// side's end. One pass, no allocation.
+template <class T, class Predicate>
+std::size_t PartitionMissing(std::span<T> values, std::span<std::uint32_t> indices, bool to_front,
+                             Predicate is_missing) {
+  const std::size_t n = values.size();
+  std::size_t count = 0;
+  for (std::size_t step = 0; step < n; ++step) {
+    const std::size_t k = to_front ? step : n - 1 - step;
+    if (!is_missing(values[k])) continue;
+    const std::size_t to = to_front ? count : n - 1 - count;
+    std::swap(values[k], values[to]);
+    if (!indices.empty()) std::swap(indices[k], indices[to]);
+    ++count;
+  }
+  return count;
+}
+
+template <class T>
+std::size_t PartitionMissing(std::span<T> values, std::span<std::uint32_t> indices, bool to_front) {
+  return PartitionMissing(values, indices, to_front, [](T value) { return IsMissing(value); });
+}
+
+}  // namespace vela::kernel

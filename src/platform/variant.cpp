@@ -1,0 +1,152 @@
+#if !defined(_WIN32)
+
+#include "platform/automation.h"
+
+namespace {
+
+bool IsValidType(VARTYPE type) {
+  const VARTYPE base = type & VT_TYPEMASK;
+  if (type & (VT_VECTOR | VT_RESERVED)) return false;
+  if ((type & (VT_ARRAY | VT_BYREF)) && base <= VT_NULL) return false;
+  return base != 15 && (base < VT_VOID || base == VT_RECORD || base == VT_CLSID);
+}
+
+// Gives the bytes that value shares with its source an owner of their own.
+HRESULT OwnContent(VARIANT* value) {
+  if (value->vt & VT_BYREF) return S_OK;
+  if (value->vt & VT_ARRAY) return SafeArrayCopy(value->parray, &value->parray);
+  switch (value->vt) {
+    case VT_BSTR:
+      value->bstrVal = SysAllocStringByteLen(reinterpret_cast<const char*>(value->bstrVal),
+                                             SysStringByteLen(value->bstrVal));
+      return value->bstrVal == nullptr ? E_OUTOFMEMORY : S_OK;
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      if (value->punkVal != nullptr) value->punkVal->AddRef();
+      return S_OK;
+    case VT_RECORD:
+      return value->pvRecord == nullptr ? S_OK : E_NOTIMPL;
+    default:
+      return S_OK;
+  }
+}
+
+template <typename T>
+void Load(VARIANT& target, const void* address) {
+  std::memcpy(&target.llVal, address, sizeof(T));
+}
+
+// What a VT_BYREF value points at, still owned by where it lies.
+HRESULT Dereference(const VARIANT& source, VARIANT& target) {
+  const VARTYPE type = source.vt & static_cast<VARTYPE>(~VT_BYREF);
+  if (source.byref == nullptr) return E_INVALIDARG;
+  target = {};
+  if (type == VT_DECIMAL) {
+    target.decVal = *source.pdecVal;
+    target.vt = type;
+    return S_OK;
+  }
+  target.vt = type;
+  if (type & VT_ARRAY) {
+    target.parray = *source.pparray;
+    return S_OK;
+  }
+  switch (type) {
+    case VT_I1:
+    case VT_UI1:
+      Load<BYTE>(target, source.byref);
+      return S_OK;
+    case VT_I2:
+    case VT_UI2:
+    case VT_BOOL:
+      Load<SHORT>(target, source.byref);
+      return S_OK;
+    case VT_I4:
+    case VT_UI4:
+    case VT_INT:
+    case VT_UINT:
+    case VT_R4:
+    case VT_ERROR:
+      Load<LONG>(target, source.byref);
+      return S_OK;
+    case VT_I8:
+    case VT_UI8:
+    case VT_R8:
+    case VT_CY:
+    case VT_DATE:
+      Load<LONGLONG>(target, source.byref);
+      return S_OK;
+    case VT_BSTR:
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      Load<void*>(target, source.byref);
+      return S_OK;
+    default:
+      return E_INVALIDARG;
+  }
+}
+
+}  // namespace
+
+void VariantInit(VARIANT* value) { *value = {}; }
+
+HRESULT VariantClear(VARIANT* value) {
+  if (value == nullptr) return E_INVALIDARG;
+  if (!IsValidType(value->vt)) return DISP_E_BADVARTYPE;
+  if (!(value->vt & VT_BYREF)) {
+    if (value->vt & VT_ARRAY) {
+      const HRESULT result = SafeArrayDestroy(value->parray);
+      if (FAILED(result)) return result;
+    } else if (value->vt == VT_BSTR) {
+      SysFreeString(value->bstrVal);
+    } else if ((value->vt == VT_DISPATCH || value->vt == VT_UNKNOWN) && value->punkVal != nullptr) {
+      value->punkVal->Release();
+    }
+  }
+  value->vt = VT_EMPTY;
+  return S_OK;
+}
+
+HRESULT VariantCopy(VARIANT* destination, const VARIANT* source) {
+  if (destination == nullptr || source == nullptr) return E_INVALIDARG;
+  if (!IsValidType(source->vt)) return DISP_E_BADVARTYPE;
+  if (destination == source) return S_OK;
+  HRESULT result = VariantClear(destination);
+  if (FAILED(result)) return result;
+  *destination = *source;
+  result = OwnContent(destination);
+  if (FAILED(result)) destination->vt = VT_EMPTY;
+  return result;
+}
+
+HRESULT VariantCopyInd(VARIANT* destination, const VARIANT* source) {
+  if (destination == nullptr || source == nullptr) return E_INVALIDARG;
+  if (!IsValidType(source->vt)) return DISP_E_BADVARTYPE;
+  const VARIANT* target = source;
+  if (target->vt == (VT_BYREF | VT_VARIANT)) {
+    target = target->pvarVal;
+    // A reference to a reference to a value is one level too many.
+    if (target == nullptr || target->vt == (VT_BYREF | VT_VARIANT)) return E_INVALIDARG;
+    if (!IsValidType(target->vt)) return DISP_E_BADVARTYPE;
+  }
+  // The copy is made before destination is cleared, which may own what source refers to.
+  VARIANT shared = *target;
+  if (target->vt & VT_BYREF) {
+    const HRESULT result = Dereference(*target, shared);
+    if (FAILED(result)) return result;
+  } else if (target == destination) {
+    return S_OK;
+  }
+  VARIANT copy = shared;
+  HRESULT result = OwnContent(&copy);
+  if (FAILED(result)) return result;
+  result = VariantClear(destination);
+  if (FAILED(result)) {
+    VariantClear(&copy);
+    return result;
+  }
+  *destination = copy;
+  return S_OK;
+}
+
+#endif

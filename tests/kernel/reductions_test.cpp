@@ -1,0 +1,112 @@
+#include <cfloat>
+
+#include "kernel/min_max.h"
+#include "kernel/product.h"
+#include "kernel/sum.h"
+#include "tests/kernel/sample_data.h"
+
+namespace vela::kernel {
+namespace {
+
+template <class T>
+class ReductionTest : public ::testing::Test {};
+TYPED_TEST_SUITE(ReductionTest, SimpleTypes);
+
+TYPED_TEST(ReductionTest, SumIsAsAccurateAsALoop) {
+  for (auto& sample : Samples<TypeParam>()) {
+    Unaligned<TypeParam> x(sample);
+    long double expected = 0, size = 0;
+    for (const TypeParam value : x.span()) {
+      if (IsMissing(value)) continue;
+      expected += static_cast<double>(value);
+      size += std::fabs(static_cast<double>(value));
+    }
+    const double sum = Sum(std::span<const TypeParam>(x.span()));
+    if (std::isfinite(static_cast<double>(size))) {
+      EXPECT_LE(std::fabs(static_cast<double>(sum - expected)),
+                static_cast<double>(size) * DBL_EPSILON * 8)
+          << sample.size();
+    } else {
+      EXPECT_TRUE(Same(sum, static_cast<double>(expected))) << sample.size();
+    }
+  }
+}
+
+TEST(SumTest, ErrorDoesNotGrowWithLength) {
+  const std::vector<double> x(3'000'000, 0.1);
+  EXPECT_NEAR(Sum(std::span<const double>(x)), 300'000.0, 1e-9);
+}
+
+TEST(SumTest, FloatsNearTheMissingValueAreNumbers) {
+  const std::vector<float> x = {1.0f, static_cast<float>(kMissing)};
+  EXPECT_EQ(MinMax(std::span<const float>(x)).count, 2u);
+  EXPECT_EQ(Product(std::span<const float>(x), true, false).used, 2u);
+}
+
+// The rules, one element at a time.
+template <class T>
+MinMaxResult MinMaxReference(std::span<const T> x) {
+  MinMaxResult result;
+  const auto at = [&](std::ptrdiff_t k) { return x[static_cast<std::size_t>(k)]; };
+  for (std::size_t k = 0; k < x.size(); ++k) {
+    if (IsMissing(x[k])) continue;
+    ++result.count;
+    const auto here = static_cast<std::ptrdiff_t>(k);
+    if (result.min_index < 0 || at(result.min_index) > x[k]) result.min_index = here;
+    if (result.max_index < 0 || x[k] > at(result.max_index)) result.max_index = here;
+  }
+  if (result.count > 0) {
+    result.min = static_cast<double>(at(result.min_index));
+    result.max = static_cast<double>(at(result.max_index));
+  }
+  return result;
+}
+
+TYPED_TEST(ReductionTest, MinMaxFindsFirstPositions) {
+  for (auto& sample : Samples<TypeParam>()) {
+    Unaligned<TypeParam> copy(sample);
+    const std::span<const TypeParam> x = copy.span();
+    const MinMaxResult expected = MinMaxReference(x), result = MinMax(x);
+    EXPECT_TRUE(Same(result.min, expected.min) && Same(result.max, expected.max)) << x.size();
+    EXPECT_EQ(result.min_index, expected.min_index) << x.size();
+    EXPECT_EQ(result.max_index, expected.max_index) << x.size();
+    EXPECT_EQ(result.count, expected.count) << x.size();
+  }
+}
+
+TEST(MinMaxTest, SixtyFourBitIntegersCompareExactly) {
+  std::vector<std::int64_t> x(100, std::int64_t{1} << 60);
+  x[40] += 1;
+  x[70] -= 1;
+  const MinMaxResult result = MinMax(std::span<const std::int64_t>(x));
+  EXPECT_EQ(result.max_index, 40);
+  EXPECT_EQ(result.min_index, 70);
+}
+
+TEST(ProductTest, Rules) {
+  const struct {
+    std::vector<double> x;
+    bool skip_missing, guard;
+    double value;
+    std::size_t used;
+  } cases[] = {
+      {{}, true, false, kMissing, 0},
+      {{kMissing, kMissing}, true, false, kMissing, 0},
+      {{kMissing, 3, 4}, true, false, 12, 2},
+      {{2, kMissing}, false, false, 2 * kMissing, 2},
+      {{2, kNaN, kMissing}, true, true, kNaN, 2},
+      {{1e300, 1e10}, true, false, kInf, 2},
+      {{1e300, 1e10, 0}, true, true, kMissing, 3},
+      {{1e300, 1e8}, true, true, 1e308, 2},
+      {{1e300, 1e300, 1e-300}, true, false, kInf, 3},
+      {{0.5, DBL_MAX}, true, true, DBL_MAX / 2, 2},
+  };
+  for (const auto& [x, skip_missing, guard, value, used] : cases) {
+    const ProductResult result = Product(std::span<const double>(x), skip_missing, guard);
+    EXPECT_TRUE(Same(result.value, value)) << result.value << " is not " << value;
+    EXPECT_EQ(result.used, used);
+  }
+}
+
+}  // namespace
+}  // namespace vela::kernel
