@@ -1,0 +1,13 @@
+// Shared by the parts of the call frame that talk to argument objects.
+#pragma once
+
+#include "frame/interface/status.h"
+
+namespace vela::host {
+
+// A refusal by the object means, to the member, an argument of the wrong type.
+constexpr int StatusOfRead(int code) {
+  return code == status::kUnsupported ? status::kBadArguments : code;
+}
+
+}  // namespace vela::host

@@ -1,0 +1,153 @@
+// Construction, assignment, buffers and parts of a text.
+#include "frame/interface/string_utf8.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+
+#include "frame/interface/host_services.h"
+#include "host/text/string_utf8_detail.h"
+#include "host/text/text_buffer.h"
+
+namespace text_buffer = vela::host::text_buffer;
+using vela::host::ClipIndex;
+using vela::host::ViewOf;
+
+CStringUTF8::CStringUTF8() noexcept : data_(text_buffer::Empty()) {}
+
+CStringUTF8::CStringUTF8(const char* text) : data_(text_buffer::New(ViewOf(text))) {}
+
+CStringUTF8::CStringUTF8(const char* text, int length)
+    : data_(text_buffer::New(text == nullptr || length <= 0
+                                 ? std::string_view()
+                                 : std::string_view(text, static_cast<std::size_t>(length)))) {}
+
+CStringUTF8::CStringUTF8(std::string_view text) : data_(text_buffer::New(text)) {}
+
+CStringUTF8::CStringUTF8(const CStringUTF8& other) : data_(text_buffer::Share(other.data_)) {}
+
+CStringUTF8::CStringUTF8(CStringUTF8&& other) noexcept
+    : data_(std::exchange(other.data_, text_buffer::Empty())) {}
+
+CStringUTF8::~CStringUTF8() { text_buffer::Release(data_); }
+
+CStringUTF8& CStringUTF8::operator=(const CStringUTF8& other) {
+  if (data_ == other.data_) return *this;
+  // A locked string takes the bytes, so that it stays locked.
+  if (text_buffer::HeaderOf(data_).references.load(std::memory_order_relaxed) ==
+      text_buffer::kLocked) {
+    text_buffer::Assign(data_, other.View());
+    return *this;
+  }
+  char* const shared = text_buffer::Share(other.data_);
+  text_buffer::Release(data_);
+  data_ = shared;
+  return *this;
+}
+
+CStringUTF8& CStringUTF8::operator=(CStringUTF8&& other) noexcept {
+  if (this == &other) return *this;
+  text_buffer::Release(data_);
+  data_ = std::exchange(other.data_, text_buffer::Empty());
+  return *this;
+}
+
+CStringUTF8& CStringUTF8::operator=(const char* text) {
+  text_buffer::Assign(data_, ViewOf(text));
+  return *this;
+}
+
+CStringUTF8& CStringUTF8::operator=(std::string_view text) {
+  text_buffer::Assign(data_, text);
+  return *this;
+}
+
+int CStringUTF8::GetLength() const { return text_buffer::HeaderOf(data_).length; }
+
+void CStringUTF8::Empty() { text_buffer::Assign(data_, {}); }
+
+char CStringUTF8::GetAt(int index) const {
+  if (index < 0 || index >= GetLength()) throw std::out_of_range("text index");
+  return data_[index];
+}
+
+void CStringUTF8::SetAt(int index, char ch) {
+  if (index < 0 || index >= GetLength()) throw std::out_of_range("text index");
+  text_buffer::Reserve(data_, GetLength());
+  data_[index] = ch;
+}
+
+CStringUTF8 CStringUTF8::Mid(int first) const { return Mid(first, GetLength()); }
+
+CStringUTF8 CStringUTF8::Mid(int first, int count) const {
+  const int from = ClipIndex(first, GetLength());
+  const int taken = std::clamp(count, 0, GetLength() - from);
+  if (taken == GetLength()) return *this;
+  return CStringUTF8(data_ + from, taken);
+}
+
+CStringUTF8 CStringUTF8::Left(int count) const { return Mid(0, count); }
+
+CStringUTF8 CStringUTF8::Right(int count) const {
+  return Mid(GetLength() - ClipIndex(count, GetLength()));
+}
+
+char* CStringUTF8::GetBuffer(int min_length) {
+  text_buffer::Reserve(data_, std::max(min_length, GetLength()));
+  text_buffer::Header& header = text_buffer::HeaderOf(data_);
+  if (header.references.load(std::memory_order_relaxed) != text_buffer::kLocked) {
+    header.references.store(text_buffer::kLent, std::memory_order_relaxed);
+  }
+  return data_;
+}
+
+char* CStringUTF8::GetBufferSetLength(int length) {
+  char* const buffer = GetBuffer(length);
+  text_buffer::HeaderOf(data_).length = std::max(length, 0);
+  buffer[std::max(length, 0)] = '\0';
+  return buffer;
+}
+
+void CStringUTF8::ReleaseBuffer(int new_length) {
+  if (!text_buffer::IsWritable(data_)) {
+    // Nothing was lent; what can still be done is to cut the text.
+    if (new_length >= 0 && new_length < GetLength()) *this = Left(new_length);
+    return;
+  }
+  const int capacity = text_buffer::HeaderOf(data_).capacity;
+  if (new_length < 0) {
+    const void* nul = std::memchr(data_, 0, static_cast<std::size_t>(capacity));
+    new_length =
+        nul == nullptr ? capacity : static_cast<int>(static_cast<const char*>(nul) - data_);
+  }
+  text_buffer::SetLength(data_, std::min(new_length, capacity));
+}
+
+void CStringUTF8::FreeExtra() {
+  const text_buffer::Header& header = text_buffer::HeaderOf(data_);
+  // Memory that the caller of GetBuffer or LockBuffer may still use stays where it is.
+  const bool owned = header.references.load(std::memory_order_acquire) == 1;
+  if (!owned || header.capacity - header.length < 16) return;
+  char* const fitting = text_buffer::New(View());
+  text_buffer::Release(data_);
+  data_ = fitting;
+}
+
+char* CStringUTF8::LockBuffer() {
+  text_buffer::Reserve(data_, GetLength());
+  text_buffer::HeaderOf(data_).references.store(text_buffer::kLocked, std::memory_order_relaxed);
+  return data_;
+}
+
+void CStringUTF8::UnlockBuffer() {
+  auto& references = text_buffer::HeaderOf(data_).references;
+  if (references.load(std::memory_order_relaxed) == text_buffer::kLocked) {
+    references.store(1, std::memory_order_relaxed);
+  }
+}
+
+CStringUTF8 make_str_from_char(char ch) { return CStringUTF8(&ch, 1); }
+
+CStringUTF8 make_str_from_char_array(const char* text, int length) { return {text, length}; }

@@ -1,0 +1,41 @@
+// An object argument as a call frame hands it to a member, or as an operand of Operate2.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/interface/complex.h"
+#include "frame/interface/export.h"
+#include "frame/interface/indices.h"
+
+class CScriptVelaObject;
+
+struct VELAHOST_API tagMSOOBJVECT {
+  static constexpr std::int32_t kNoIndex = -1;
+  static constexpr std::uint32_t kByReference = 1;
+
+  CScriptVelaObject* object = nullptr;  // borrowed: the frame's owner keeps it alive
+  std::uint32_t type_word = 0;
+  MSOINDICES indices;                   // what of the object is meant
+  std::uint32_t flags = 0;
+  OneTCcomplex plain;                   // the value of a plain operand, when object is null
+  void* lent_buffer = nullptr;          // by MSGetBuffer, until MSReleaseBuffer
+
+  tagMSOOBJVECT() = default;
+  // object_index, element and column are kNoIndex where they do not apply.
+  tagMSOOBJVECT(CScriptVelaObject* object, std::uint32_t type_word,
+                std::int32_t object_index = kNoIndex, std::int32_t element = kNoIndex,
+                std::int32_t column = kNoIndex, std::uint32_t flags = 0);
+  tagMSOOBJVECT(CScriptVelaObject* object, std::uint32_t type_word, const MSOINDICES& indices,
+                std::uint32_t flags = 0);
+  // A plain value for Operate2 with the plain-operand bit; type_id is a scalar type id.
+  static tagMSOOBJVECT Plain(const OneTCcomplex& value, std::uint32_t type_id);
+
+  void Copy(const tagMSOOBJVECT& other);
+  // Forgets the object; releases nothing.
+  void Reset();
+};
+
+// Locks the data of the argument's object and returns its first byte, or null when there is none.
+// The pointer stays valid until MSReleaseBuffer; calls do not nest.
+VELAHOST_API void* MSGetBuffer(tagMSOOBJVECT& argument);
+VELAHOST_API void MSReleaseBuffer(tagMSOOBJVECT& argument);

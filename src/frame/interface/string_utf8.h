@@ -1,0 +1,129 @@
+// The host's UTF-8 string: every text in the library is held in one.
+#pragma once
+
+#include <cstdarg>
+#include <string_view>
+
+#include "frame/interface/export.h"
+
+// A reference-counted, copy-on-write, NUL-terminated byte buffer with its length in a header in
+// front; one pointer wide. Copies share the buffer until one of them changes; the count is atomic.
+// Positions and counts are bytes, except in the Char operations, which count UTF-8 characters (a
+// byte that belongs to no valid sequence counts as one character). A null text argument is the
+// empty text. Embedded NULs are kept. Allocation failure throws std::bad_alloc, a text beyond
+// 2^31 - 16 bytes std::length_error; both leave the string as it was.
+class VELAHOST_API CStringUTF8 {
+ public:
+  CStringUTF8() noexcept;
+  CStringUTF8(const char* text);
+  CStringUTF8(const char* text, int length);
+  explicit CStringUTF8(std::string_view text);
+  CStringUTF8(const CStringUTF8& other);  // allocates only for a locked buffer
+  CStringUTF8(CStringUTF8&& other) noexcept;
+  ~CStringUTF8();
+  CStringUTF8& operator=(const CStringUTF8& other);
+  CStringUTF8& operator=(CStringUTF8&& other) noexcept;
+  CStringUTF8& operator=(const char* text);
+  CStringUTF8& operator=(std::string_view text);
+
+  operator const char*() const { return data_; }
+  const char* c_str() const { return data_; }
+  std::string_view View() const { return {data_, static_cast<std::size_t>(GetLength())}; }
+  int GetLength() const;
+  bool IsEmpty() const { return GetLength() == 0; }
+  void Empty();
+
+  // Throw std::out_of_range outside 0 .. length - 1.
+  char GetAt(int index) const;
+  void SetAt(int index, char ch);
+
+  int Compare(const char* text) const;        // by bytes: < 0, 0, > 0
+  int CompareNoCase(const char* text) const;  // by full case folding
+  // Position of the first match at or after start, or -1; a start outside 0 .. length is -1.
+  int Find(char ch, int start = 0) const;
+  int Find(std::string_view sub, int start = 0) const;
+  // Case-insensitive; *matched receives the byte length of the text that matched, which can differ
+  // from the length of sub.
+  int FindNoCase(std::string_view sub, int start = 0, int* matched = nullptr) const;
+  int ReverseFind(char ch) const;
+  int FindOneOf(const char* set) const;
+  // Occurrences of the byte ch.
+  int Count(char ch) const;
+
+  // Clip their arguments to the text; negative counts are 0.
+  CStringUTF8 Mid(int first) const;
+  CStringUTF8 Mid(int first, int count) const;
+  CStringUTF8 Left(int count) const;
+  CStringUTF8 Right(int count) const;
+  // Leading run of characters in (not in) set; the set is of characters, not bytes.
+  CStringUTF8 SpanIncluding(const char* set) const;
+  CStringUTF8 SpanExcluding(const char* set) const;
+
+  // Return the new length. An index below 0 is 0, one past the end is the end.
+  int Insert(int index, char ch);
+  int Insert(int index, std::string_view text);
+  int Delete(int index, int count = 1);
+  // Return how many were replaced or removed. An empty old text replaces nothing.
+  int Replace(char old_ch, char new_ch);
+  int Replace(std::string_view old_text, std::string_view new_text);
+  int Remove(char ch);
+  CStringUTF8& operator+=(std::string_view text);
+  CStringUTF8& operator+=(char ch);
+
+  // White space is Unicode white space; a set is a set of characters.
+  void TrimLeft();
+  void TrimLeft(char ch);
+  void TrimLeft(const char* set);
+  void TrimRight();
+  void TrimRight(char ch);
+  void TrimRight(const char* set);
+
+  // Full Unicode mappings, so that the length can change; invalid bytes stay as they are.
+  void MakeUpper();
+  void MakeLower();
+
+  // printf-style, with the C library's conversions and a "." decimal point in every locale.
+  void Format(const char* format, ...) __attribute__((format(gnu_printf, 2, 3)));
+  void FormatV(const char* format, std::va_list arguments);
+
+  // A private writable buffer of at least min_length bytes and a terminator. Valid until
+  // ReleaseBuffer or the next change.
+  char* GetBuffer(int min_length);
+  // The same, with the text's length set to exactly length.
+  char* GetBufferSetLength(int length);
+  // Sets the length (-1: up to the first NUL), clipped to the buffer.
+  void ReleaseBuffer(int new_length = -1);
+  void FreeExtra();
+  // Keeps copies from sharing the buffer until UnlockBuffer.
+  char* LockBuffer();
+  void UnlockBuffer();
+
+  // The Char operations take and give positions and counts in characters.
+  int CharGetLength() const;
+  int CharDelete(int index, int count = 1);
+  CStringUTF8 CharLeft(int count) const;
+  CStringUTF8 CharRight(int count) const;
+  CStringUTF8 CharMid(int first) const;
+  CStringUTF8 CharMid(int first, int count) const;
+  int CharFind(char ch, int start = 0) const;
+  int CharFind(std::string_view sub, int start = 0, bool case_sensitive = true) const;
+  int CharReverseFind(char ch) const;
+  int CharInsert(int index, char ch);
+  int CharInsert(int index, std::string_view text);
+  // First byte of the character; throws std::out_of_range.
+  char CharGetAt(int index) const;
+  // The whole character as text; throws std::out_of_range.
+  CStringUTF8 CharTextAt(int index) const;
+  void CharSetAt(int index, char ch);
+  void CharSetAt(int index, std::string_view text);
+
+  friend bool operator==(const CStringUTF8& a, const CStringUTF8& b) { return a.View() == b.View(); }
+  friend auto operator<=>(const CStringUTF8& a, const CStringUTF8& b) {
+    return a.View() <=> b.View();
+  }
+
+ private:
+  char* data_;  // first byte of the text; the header lies in front
+};
+
+static_assert(sizeof(CStringUTF8) == sizeof(char*));

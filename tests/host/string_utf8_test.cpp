@@ -1,0 +1,579 @@
+#include "frame/interface/string_utf8.h"
+
+#include <chrono>
+#include <clocale>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <type_traits>
+#include <vector>
+
+#include "frame/interface/host_services.h"
+#include "gmock/gmock.h"
+#include "gtest/gtest.h"
+
+namespace {
+
+using namespace std::string_literals;
+using ::testing::ElementsAre;
+
+std::string Str(const CStringUTF8& text) { return std::string(text.View()); }
+
+bool Shares(const CStringUTF8& a, const CStringUTF8& b) { return a.c_str() == b.c_str(); }
+
+// Applies a change to a text, to a copy that shares its buffer and to one with spare room, which
+// must all end alike, terminated, and leave the shared original as it was.
+std::string After(const std::string& text, const std::function<void(CStringUTF8&)>& change) {
+  const CStringUTF8 original{std::string_view(text)};
+  CStringUTF8 shared = original;
+  CStringUTF8 roomy{std::string_view(text)};
+  roomy += std::string(100, 'x');
+  roomy.Delete(static_cast<int>(text.size()), 100);
+  for (CStringUTF8* each : {&shared, &roomy}) {
+    change(*each);
+    EXPECT_EQ(each->c_str()[each->GetLength()], '\0');
+  }
+  EXPECT_EQ(Str(original), text);
+  EXPECT_EQ(Str(shared), Str(roomy));
+  return Str(shared);
+}
+
+TEST(StringUtf8, NullNegativeAndEmptyArgumentsAreTheEmptyText) {
+  const CStringUTF8 empty;
+  for (const auto& text :
+       {CStringUTF8(nullptr), CStringUTF8(""), CStringUTF8("abc", -1), CStringUTF8(nullptr, 5),
+        CStringUTF8(std::string_view()), make_str_from_char_array(nullptr, 3)}) {
+    EXPECT_TRUE(text.IsEmpty());
+    EXPECT_STREQ(text, "");
+    EXPECT_TRUE(Shares(text, empty)) << "an empty text needs no memory";
+  }
+  CStringUTF8 text("abc");
+  text = static_cast<const char*>(nullptr);
+  EXPECT_TRUE(text.IsEmpty());
+  EXPECT_EQ(text.Compare(nullptr), 0);
+  EXPECT_EQ(text.FindOneOf(nullptr), -1);
+  EXPECT_EQ(Str(make_str_from_char('\0')), "\0"s);
+  EXPECT_EQ(Str(make_str_from_char_array("a\0b", 3)), "a\0b"s);
+}
+
+TEST(StringUtf8, CopiesShareUntilOneChanges) {
+  CStringUTF8 text("shared text");
+  CStringUTF8 copy = text;
+  EXPECT_TRUE(Shares(copy, text));
+  EXPECT_TRUE(Shares(text.Mid(0), text));
+  copy.SetAt(0, 'S');
+  EXPECT_FALSE(Shares(copy, text));
+  EXPECT_EQ(Str(text), "shared text");
+  EXPECT_EQ(Str(copy), "Shared text");
+  const char* const buffer = copy;
+  CStringUTF8 moved = std::move(copy);
+  EXPECT_EQ(moved.c_str(), buffer);
+  EXPECT_TRUE(copy.IsEmpty());
+  copy = moved;
+  copy = std::move(moved);
+  EXPECT_EQ(copy.c_str(), buffer);
+  auto& self = copy;
+  copy = self;
+  EXPECT_EQ(copy.c_str(), buffer);
+}
+
+TEST(StringUtf8, LockedBuffersAreNotShared) {
+  CStringUTF8 text("locked");
+  CStringUTF8 before = text;
+  char* const buffer = text.LockBuffer();
+  EXPECT_FALSE(Shares(text, before));
+  CStringUTF8 copy = text;
+  EXPECT_FALSE(Shares(text, copy));
+  buffer[0] = 'L';
+  EXPECT_EQ(Str(text), "Locked");
+  EXPECT_EQ(Str(copy), "locked");
+  text = before;  // into the locked buffer, or another locked one
+  EXPECT_FALSE(Shares(text, before));
+  text += " and grown far beyond the buffer that it had";
+  text.FreeExtra();
+  CStringUTF8 second = text;
+  EXPECT_FALSE(Shares(text, second));
+  text.Empty();
+  text = "again";
+  CStringUTF8 third = text;
+  EXPECT_FALSE(Shares(text, third));
+  text.UnlockBuffer();
+  CStringUTF8 fourth = text;
+  EXPECT_TRUE(Shares(text, fourth));
+}
+
+TEST(StringUtf8, LentBuffersBelongToOneText) {
+  CStringUTF8 text;
+  char* buffer = text.GetBuffer(20);
+  const CStringUTF8 copy = text;
+  std::strcpy(buffer, "written");
+  text.ReleaseBuffer();
+  EXPECT_EQ(Str(text), "written");
+  EXPECT_EQ(Str(copy), "");
+  EXPECT_TRUE(Shares(CStringUTF8(text), text));
+
+  buffer = text.GetBufferSetLength(9);
+  EXPECT_EQ(Str(text), "written\0\0"s);
+  buffer[8] = '!';
+  text.ReleaseBuffer(100000);
+  EXPECT_LT(text.GetLength(), 100000);
+  EXPECT_EQ(Str(text.Left(9)), "written\0!"s);
+  text.ReleaseBuffer(2);
+  EXPECT_EQ(Str(text), "wr");
+  text.GetBufferSetLength(-5);
+  EXPECT_EQ(Str(text), "");
+  EXPECT_NE(text.GetBuffer(-5), nullptr);
+  EXPECT_THROW(text.GetBuffer(0x7FFFFFFF), std::length_error);
+
+  CStringUTF8 shared("abcdef");
+  const CStringUTF8 other = shared;
+  shared.ReleaseBuffer(3);
+  EXPECT_EQ(Str(shared) + Str(other), "abcabcdef");
+  shared.ReleaseBuffer();
+  EXPECT_EQ(Str(shared), "abc");
+}
+
+TEST(StringUtf8, Indices) {
+  CStringUTF8 text("abc");
+  for (const int index : {-1, 3, 2147483647, -2147483647 - 1}) {
+    EXPECT_THROW(text.GetAt(index), std::out_of_range) << index;
+    EXPECT_THROW(text.SetAt(index, 'x'), std::out_of_range) << index;
+    EXPECT_THROW(text.CharGetAt(index), std::out_of_range) << index;
+    EXPECT_THROW(text.CharTextAt(index), std::out_of_range) << index;
+    EXPECT_THROW(text.CharSetAt(index, 'x'), std::out_of_range) << index;
+  }
+  constexpr int kMax = 2147483647;
+  constexpr int kMin = -kMax - 1;
+  const struct {
+    int first, count;
+    const char* expected;
+  } cases[] = {{0, 2, "ab"}, {1, kMax, "bc"},  {-5, 2, "ab"},  {2, -1, ""},
+               {3, 1, ""},   {kMax, kMax, ""}, {kMin, 1, "a"}, {kMin, kMin, ""}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::to_string(c.first) + "," + std::to_string(c.count));
+    EXPECT_EQ(Str(text.Mid(c.first, c.count)), c.expected);
+    EXPECT_EQ(Str(text.CharMid(c.first, c.count)), c.expected);
+  }
+  for (const auto& [count, left, right] :
+       {std::tuple{0, "", ""}, {1, "a", "c"}, {kMax, "abc", "abc"}, {kMin, "", ""}}) {
+    EXPECT_EQ(Str(text.Left(count)) + Str(text.CharLeft(count)), std::string(left) + left);
+    EXPECT_EQ(Str(text.Right(count)) + Str(text.CharRight(count)), std::string(right) + right);
+  }
+}
+
+TEST(StringUtf8, Edits) {
+  constexpr int kMax = 2147483647;
+  const struct {
+    const char* what;
+    std::string text;
+    std::function<void(CStringUTF8&)> change;
+    std::string expected;
+  } cases[] = {
+      {"insert", "abc", [](auto& s) { EXPECT_EQ(s.Insert(1, "XY"), 5); }, "aXYbc"},
+      {"insert before", "abc", [](auto& s) { s.Insert(-9, 'X'); }, "Xabc"},
+      {"insert behind", "abc", [](auto& s) { s.Insert(kMax, 'X'); }, "abcX"},
+      {"insert NUL", "ab", [](auto& s) { s.Insert(1, '\0'); }, "a\0b"s},
+      {"delete", "abcde", [](auto& s) { EXPECT_EQ(s.Delete(3, 100), 3); }, "abc"},
+      {"delete one", "abc", [](auto& s) { s.Delete(1); }, "ac"},
+      {"delete none", "abc", [](auto& s) { EXPECT_EQ(s.Delete(1, -kMax), 3); }, "abc"},
+      {"delete before", "abc", [](auto& s) { s.Delete(-2, 2); }, "c"},
+      {"delete all", "abc", [](auto& s) { s.Delete(0, kMax); }, ""},
+      {"replace byte", "aXbX", [](auto& s) { EXPECT_EQ(s.Replace('X', '-'), 2); }, "a-b-"},
+      {"replace growing", "aXbX", [](auto& s) { EXPECT_EQ(s.Replace("X", "--"), 2); }, "a--b--"},
+      {"replace shrinking", "aXXbXX", [](auto& s) { s.Replace("XX", ""); }, "ab"},
+      {"replace once each", "aaaaa", [](auto& s) { EXPECT_EQ(s.Replace("aa", "ab"), 2); }, "ababa"},
+      {"replace by longer", "aa", [](auto& s) { s.Replace("a", "aa"); }, "aaaa"},
+      {"replace empty", "abc", [](auto& s) { EXPECT_EQ(s.Replace("", "x"), 0); }, "abc"},
+      {"replace absent", "abc", [](auto& s) { EXPECT_EQ(s.Replace("z", "x"), 0); }, "abc"},
+      {"replace all", "abc", [](auto& s) { s.Replace("abc", ""); }, ""},
+      {"replace with NUL", "a\0b"s, [](auto& s) { s.Replace("\0"s, "--"); }, "a--b"},
+      {"remove", "banana", [](auto& s) { EXPECT_EQ(s.Remove('a'), 3); }, "bnn"},
+      {"remove absent", "abc", [](auto& s) { EXPECT_EQ(s.Remove('z'), 0); }, "abc"},
+      {"append", "abc", [](auto& s) { (s += "de") += 'f'; }, "abcdef"},
+      {"append nothing", "abc", [](auto& s) { s += ""; }, "abc"},
+      // Arguments that are part of the text itself.
+      {"insert itself", "abc", [](auto& s) { s.Insert(1, s.View()); }, "aabcbc"},
+      {"insert part", "abcd", [](auto& s) { s.Insert(0, s.View().substr(2)); }, "cdabcd"},
+      {"append itself", "abc", [](auto& s) { s += s.View(); }, "abcabc"},
+      {"append part", "abc", [](auto& s) { s += s.View().substr(1, 1); }, "abcb"},
+      {"assign part", "abcdef", [](auto& s) { s = s.c_str() + 3; }, "def"},
+      {"assign middle", "abcdef", [](auto& s) { s = s.View().substr(1, 3); }, "bcd"},
+      {"replace itself", "abc", [](auto& s) { s.Replace(s.View(), "x"); }, "x"},
+      {"replace by itself", "aba", [](auto& s) { s.Replace("a", s.View()); }, "abababa"},
+      {"trim by itself", " ab", [](auto& s) { s.TrimLeft(s.c_str()); }, ""},
+      {"format itself", "50", [](auto& s) { s.Format("%s%%%s", s.c_str(), s.c_str()); }, "50%50"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(After(c.text, c.change), c.expected) << c.what;
+}
+
+TEST(StringUtf8, Searches) {
+  const CStringUTF8 text("abcabc\0d"s);
+  EXPECT_EQ(text.GetLength(), 8);
+  EXPECT_EQ(text.Find('c'), 2);
+  EXPECT_EQ(text.Find('c', 3), 5);
+  EXPECT_EQ(text.Find('\0'), 6);
+  EXPECT_EQ(text.Find('a', 8), -1);
+  EXPECT_EQ(text.Find("bc", 2), 4);
+  EXPECT_EQ(text.Find("\0d"s), 6);
+  EXPECT_EQ(text.Find("abd"), -1);
+  EXPECT_EQ(text.Find("", 8), 8);
+  for (const int start : {-1, 9}) {
+    EXPECT_EQ(text.Find("", start), -1);
+    EXPECT_EQ(text.Find('a', start), -1);
+    EXPECT_EQ(text.FindNoCase("a", start), -1);
+    EXPECT_EQ(text.CharFind("", start), -1);
+    EXPECT_EQ(text.CharFind('a', start), -1);
+  }
+  EXPECT_EQ(text.ReverseFind('a'), 3);
+  EXPECT_EQ(text.ReverseFind('x'), -1);
+  EXPECT_EQ(text.FindOneOf("xcb"), 1);
+  EXPECT_EQ(text.Count('a'), 2);
+  EXPECT_LT(text.Compare("abd"), 0);
+  EXPECT_GT(CStringUTF8("\xC3\xA9").Compare("z"), 0) << "bytes are unsigned";
+  EXPECT_LT(CStringUTF8("a"), CStringUTF8("b"));
+
+  // Sets are of characters: é (C3 A9) and è (C3 A8) share a byte.
+  const CStringUTF8 accents("\xC3\xA9\xC3\xA9\xC3\xA8!");
+  EXPECT_EQ(Str(accents.SpanIncluding("!\xC3\xA9")), "\xC3\xA9\xC3\xA9");
+  EXPECT_EQ(Str(accents.SpanExcluding("\xC3\xA8")), "\xC3\xA9\xC3\xA9");
+  EXPECT_EQ(Str(accents.SpanExcluding("")), Str(accents));
+  EXPECT_EQ(accents.FindOneOf("\xC3\xA8"), 4);
+  EXPECT_EQ(accents.FindOneOf("\xC3"), -1);
+}
+
+TEST(StringUtf8, FindAgreesWithPlainSearch) {
+  std::mt19937 random(20);
+  for (int round = 0; round < 20000; ++round) {
+    // Few letters make periodic texts and near misses.
+    const unsigned letters = 1 + random() % 3;
+    std::string text(random() % 40, 'a');
+    for (char& c : text) c = static_cast<char>('a' + random() % letters);
+    std::string sub(1 + random() % 12, 'a');
+    for (char& c : sub) c = static_cast<char>('a' + random() % letters);
+    const auto expected = static_cast<int>(text.find(sub));
+    const CStringUTF8 string{std::string_view(text)};
+    ASSERT_EQ(string.Find(sub), expected) << text << " / " << sub;
+    ASSERT_EQ(string.FindNoCase(sub), expected) << text << " / " << sub;
+    ASSERT_EQ(string.CharFind(sub), expected) << text << " / " << sub;
+  }
+}
+
+TEST(StringUtf8, TrimsUnicodeWhiteSpaceAndSets) {
+  // No-break, ideographic, em and line-separator spaces; a zero-width space is none.
+  const std::string space = " \t\r\n\v\f\xC2\xA0\xE3\x80\x80\xE2\x80\x83\xE2\x80\xA8\xC2\x85";
+  const std::string zero_width = "\xE2\x80\x8B";
+  const std::string text = space + "a" + space + "b" + zero_width + space;
+  EXPECT_EQ(After(text, [](auto& s) { s.TrimLeft(); }), text.substr(space.size()));
+  EXPECT_EQ(After(text, [](auto& s) { s.TrimRight(); }),
+            text.substr(0, text.size() - space.size()));
+  EXPECT_EQ(After(space, [](auto& s) { s.TrimLeft(); }), "");
+  EXPECT_EQ(After(space, [](auto& s) { s.TrimRight(); }), "");
+  EXPECT_EQ(After("xxaxx", [](auto& s) { s.TrimLeft('x'), s.TrimRight('x'); }), "a");
+  const char* const accents = "\xC3\xA9\xC3\xA8";
+  EXPECT_EQ(After("\xC3\xA9\xC3\xAA\xC3\xA8", [&](auto& s) { s.TrimLeft(accents); }),
+            "\xC3\xAA\xC3\xA8");
+  EXPECT_EQ(After("\xC3\xA9\xC3\xAA\xC3\xA8", [&](auto& s) { s.TrimRight(accents); }),
+            "\xC3\xA9\xC3\xAA");
+  EXPECT_EQ(After("\xC3\xA9", [](auto& s) { s.TrimRight('\xA9'); }), "\xC3\xA9")
+      << "a lone byte is no part of a character";
+  EXPECT_EQ(After("a\xA9\xA9", [](auto& s) { s.TrimRight('\xA9'); }), "a");
+}
+
+// "é" 2 bytes, "€" 3, "😀" 4; then bytes that belong to no sequence: a lone continuation, a cut
+// sequence, an overlong form, a surrogate, too large a code point.
+const std::string kValid = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80z";
+const std::string kInvalid =
+    "\x80\xE2\x82"
+    "b\xC0\xAF\xED\xA0\x80\xF4\x90\x80\x80\xFF";
+
+TEST(StringUtf8, CountsCharacters) {
+  EXPECT_EQ(CStringUTF8(kValid).CharGetLength(), 5);
+  EXPECT_EQ(CStringUTF8(kInvalid).CharGetLength(), static_cast<int>(kInvalid.size()));
+  EXPECT_EQ(CStringUTF8(kInvalid + kValid + kInvalid).CharGetLength(),
+            5 + 2 * static_cast<int>(kInvalid.size()));
+  // The same however the text lies across the blocks and windows of the walk.
+  for (int lead = 0; lead < 70; ++lead) {
+    std::string text(static_cast<std::size_t>(lead), 'x');
+    for (int i = 0; i < 2000; ++i) text += "\xE2\x82\xAC";
+    const CStringUTF8 string{std::string_view(text)};
+    ASSERT_EQ(string.CharGetLength(), lead + 2000);
+    ASSERT_EQ(Str(string.CharMid(lead + 1999)), "\xE2\x82\xAC");
+    ASSERT_EQ(Str(string.CharTextAt(lead + 1500)), "\xE2\x82\xAC");
+  }
+}
+
+TEST(StringUtf8, CharacterOperations) {
+  const CStringUTF8 text{std::string_view(kValid)};
+  std::vector<std::string> characters;
+  for (int i = 0; i < 5; ++i) characters.push_back(Str(text.CharTextAt(i)));
+  EXPECT_THAT(characters, ElementsAre("a", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "z"));
+  EXPECT_EQ(text.CharGetAt(2), '\xE2');
+  EXPECT_EQ(Str(text.CharLeft(2)), "a\xC3\xA9");
+  EXPECT_EQ(Str(text.CharRight(2)), "\xF0\x9F\x98\x80z");
+  EXPECT_EQ(Str(text.CharMid(1, 2)), "\xC3\xA9\xE2\x82\xAC");
+  EXPECT_EQ(text.CharFind('z'), 4);
+  EXPECT_EQ(text.CharFind('\xF0'), 3);
+  EXPECT_EQ(text.CharFind('\x9F'), -1) << "no character starts with that byte";
+  EXPECT_EQ(text.CharReverseFind('z'), 4);
+  EXPECT_EQ(text.CharReverseFind('\xC3'), 1);
+  EXPECT_EQ(text.CharReverseFind('\xA9'), -1);
+  EXPECT_EQ(text.CharFind("\xE2\x82\xAC"), 2);
+  EXPECT_EQ(text.CharFind("\xE2\x82\xAC", 3), -1);
+  EXPECT_EQ(text.CharFind("\xA9"), -1) << "half a character";
+  EXPECT_EQ(text.CharFind("", 5), 5);
+  EXPECT_EQ(text.CharFind("\xC3\x89", 0, false), 1);
+  EXPECT_EQ(CStringUTF8("\x80\xC3\xA9\xA9").CharFind("\xA9"), 2);
+
+  EXPECT_EQ(After(kValid, [](auto& s) { EXPECT_EQ(s.CharDelete(1, 3), 2); }), "az");
+  EXPECT_EQ(After(kValid, [](auto& s) { EXPECT_EQ(s.CharInsert(2, "\xC3\xB1"), 6); }),
+            "a\xC3\xA9\xC3\xB1\xE2\x82\xAC\xF0\x9F\x98\x80z");
+  EXPECT_EQ(After(kValid, [](auto& s) { s.CharSetAt(3, 'x'); }), "a\xC3\xA9\xE2\x82\xACxz");
+  EXPECT_EQ(After(kValid, [](auto& s) { s.CharSetAt(0, s.View().substr(1, 5)); }),
+            "\xC3\xA9\xE2\x82\xAC\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80z");
+  EXPECT_EQ(After(kInvalid, [](auto& s) { s.CharDelete(1, 1); }), "\x80" + kInvalid.substr(2));
+}
+
+TEST(StringUtf8, CaseMapping) {
+  const struct {
+    std::string text, upper, lower;
+  } cases[] = {
+      {"abc XYZ 1\0z"s, "ABC XYZ 1\0Z"s, "abc xyz 1\0z"s},
+      {"stra\xC3\x9F"
+       "e",
+       "STRASSE",
+       "stra\xC3\x9F"
+       "e"},
+      {"\xEF\xAC\x81n \xEF\xAC\x83", "FIN FFI", "\xEF\xAC\x81n \xEF\xAC\x83"},
+      // A sigma that ends a word differs in lower case.
+      {"\xCE\x9F\xCE\x94\xCE\x9F\xCE\xA3", "\xCE\x9F\xCE\x94\xCE\x9F\xCE\xA3",
+       "\xCE\xBF\xCE\xB4\xCE\xBF\xCF\x82"},
+      {"\xCE\xA3\xCE\x91\xCE\xA3' \xCE\xA3", "\xCE\xA3\xCE\x91\xCE\xA3' \xCE\xA3",
+       "\xCF\x83\xCE\xB1\xCF\x82' \xCF\x83"},
+      {"A\xCE\xA3'B A\xCC\x81\xCE\xA3\xCC\x81", "A\xCE\xA3'B A\xCC\x81\xCE\xA3\xCC\x81",
+       "a\xCF\x83'b a\xCC\x81\xCF\x82\xCC\x81"},
+      // Invalid bytes bound the context.
+      {"A\xFF\xCE\xA3", "A\xFF\xCE\xA3", "a\xFF\xCF\x83"},
+      // Dotless and dotted i, without a language.
+      {"\xC4\xB1i\xC4\xB0I", "II\xC4\xB0I", "\xC4\xB1ii\xCC\x87i"},
+      // Deseret, four bytes each.
+      {"\xF0\x90\x90\xA8\xF0\x90\x90\x80", "\xF0\x90\x90\x80\xF0\x90\x90\x80",
+       "\xF0\x90\x90\xA8\xF0\x90\x90\xA8"},
+      // Longer and shorter: one becomes three; capital sharp s; a two-byte and a three-byte letter.
+      {"\xCE\x90", "\xCE\x99\xCC\x88\xCC\x81", "\xCE\x90"},
+      {"\xE1\xBA\x9E\xC8\xBA", "\xE1\xBA\x9E\xC8\xBA", "\xC3\x9F\xE2\xB1\xA5"},
+      {"\xC7\x86", "\xC7\x84", "\xC7\x86"},
+      {"\xE9 \xC3\xA9 \xC3 \xE2\x82x", "\xE9 \xC3\x89 \xC3 \xE2\x82X",
+       "\xE9 \xC3\xA9 \xC3 \xE2\x82x"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(After(c.text, [](auto& s) { s.MakeUpper(); }), c.upper) << c.text;
+    EXPECT_EQ(After(c.text, [](auto& s) { s.MakeLower(); }), c.lower) << c.text;
+  }
+  std::string grows;
+  std::string grown;
+  for (int i = 0; i < 5000; ++i) grows += "\xCE\x90", grown += "\xCE\x99\xCC\x88\xCC\x81";
+  EXPECT_EQ(After(grows, [](auto& s) { s.MakeUpper(); }), grown);
+}
+
+std::string Encoded(char32_t c) {
+  const auto byte = [&](unsigned shift) { return static_cast<char>(0x80 | ((c >> shift) & 0x3F)); };
+  if (c < 0x80) return {static_cast<char>(c)};
+  if (c < 0x800) return {static_cast<char>(0xC0 | (c >> 6)), byte(0)};
+  if (c < 0x10000) return {static_cast<char>(0xE0 | (c >> 12)), byte(6), byte(0)};
+  return {static_cast<char>(0xF0 | (c >> 18)), byte(12), byte(6), byte(0)};
+}
+
+std::uint64_t Hash(std::string_view text) {
+  std::uint64_t hash = 0xCBF29CE484222325;
+  for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3;
+  return hash;
+}
+
+// The platforms map case in different ways, and must agree on every code point (Unicode 15) and on
+// where each counts as part of a word.
+TEST(StringUtf8, PlatformsAgreeOnCase) {
+  std::string letters;
+  std::string words;
+  std::string order;
+  for (char32_t c = 1; c < 0x110000; ++c) {
+    if (c >= 0xD800 && c < 0xE000) continue;
+    const std::string letter = Encoded(c);
+    letters += letter + '\n';
+    words += letter + "\xCE\xA3 a" + letter + "\xCE\xA3" + letter + ' ';
+    const CStringUTF8 text{std::string_view(letter)};
+    CStringUTF8 upper = text;
+    upper.MakeUpper();
+    // What folding, as seen through a comparison, makes of the letter against its own capital.
+    order += static_cast<char>('1' + text.CompareNoCase(upper));
+    order += static_cast<char>('1' + text.CompareNoCase("k"));
+  }
+  CStringUTF8 upper{std::string_view(letters)};
+  upper.MakeUpper();
+  CStringUTF8 lower{std::string_view(letters)};
+  lower.MakeLower();
+  CStringUTF8 lower_words{std::string_view(words)};
+  lower_words.MakeLower();
+  EXPECT_EQ(Hash(upper.View()), 0xBDAE34A984EF3CEu);
+  EXPECT_EQ(Hash(lower.View()), 0x7FC0F0D51BFA45E6u);
+  EXPECT_EQ(Hash(lower_words.View()), 0x29BF2CA52867C530u);
+  EXPECT_EQ(Hash(order), 0x28AC57A45264A95Au);
+  EXPECT_EQ(CStringUTF8(letters).CompareNoCase(lower), 0u);
+}
+
+TEST(StringUtf8, IgnoringCase) {
+  const struct {
+    std::string text, sub;
+    int position, size;
+  } finds[] = {{"xABx", "ab", 1, 2},
+               {"the STRASSE",
+                "stra\xC3\x9F"
+                "e",
+                4, 7},
+               {"die Stra\xC3\x9F"
+                "e",
+                "STRASSE", 4, 7},
+               {"a\xC3\x9F", "s", -1, 0},  // half of what it folds to
+               {"as\xC3\x9F", "sss", 1, 3},
+               {"as\xC3\x9F", "ss", 2, 2},  // not the first s with half of the second
+               {"\xE1\xBA\x9E", "ss", 0, 3},
+               {"o\xEF\xAC\x83"
+                "ce",
+                "FFI", 1, 3},
+               {"o\xEF\xAC\x83"
+                "ce",
+                "fi", -1, 0},
+               {"1 \xE2\x84\xAA", "k", 2, 3},  // the Kelvin sign
+               {"\xCE\x9F\xCE\xA3", "\xCE\xBF\xCF\x82", 0, 4},
+               {"\xF0\x90\x90\x80", "\xF0\x90\x90\xA8", 0, 4},
+               {"i\xC4\xB1\xC4\xB0", "\xC4\xB0", 3, 2},
+               {"a\xFF"
+                "B",
+                "A\xFF"
+                "b",
+                0, 3},
+               {"\xC3\xA9", "\xA9", -1, 0},
+               {"ab\0C"s, "B\0c"s, 1, 3},
+               {"abc", "", 0, 0}};
+  for (const auto& c : finds) {
+    int size = -1;
+    EXPECT_EQ(CStringUTF8(c.text).FindNoCase(c.sub, 0, &size), c.position)
+        << c.text << ' ' << c.sub;
+    EXPECT_EQ(size, c.size) << c.text << ' ' << c.sub;
+  }
+  EXPECT_EQ(CStringUTF8("abAB").FindNoCase("AB", 1), 2);
+  const struct {
+    const char *a, *b;
+    int order;
+  } compares[] = {{"ABC", "abc", 0},   {"abc", "ABD", -1},    {"ab", "A", 1},
+                  {"", "a", -1},       {"\xC3\x9F", "Ss", 0}, {"\xCF\x82", "\xCE\xA3", 0},
+                  {"\xFF", "\xFF", 0}, {"\xFE", "\xFF", -1}};
+  for (const auto& c : compares) {
+    EXPECT_EQ(CStringUTF8(c.a).CompareNoCase(c.b), c.order) << c.a << ' ' << c.b;
+  }
+}
+
+TEST(StringUtf8, Formats) {
+  CStringUTF8 text;
+  text.Format("%d %5.2f|%-4s|%04x|%c|%lld|%zu|%e|%g|%%", -1, 2.5, "ab", 255, 'z', 1LL << 40,
+              std::size_t{7}, 12345.678, 1e100);
+  EXPECT_EQ(Str(text), "-1  2.50|ab  |00ff|z|1099511627776|7|1.234568e+04|1e+100|%");
+  text.Format("a%cb", 0);
+  EXPECT_EQ(Str(text), "a\0b"s);
+  for (const int length : {510, 511, 512, 513, 1000000}) {
+    text.Format("%*d", length, 7);
+    EXPECT_EQ(text.GetLength(), length);
+    EXPECT_EQ(text.GetAt(length - 1), '7');
+  }
+  text = "keep";
+  text.Format("%.700s%s", std::string(900, 'y').c_str(), text.c_str());
+  EXPECT_EQ(Str(text), std::string(700, 'y') + "keep");
+
+  // A locale with a decimal comma, where the system has one.
+  for (const char* name : {"de_DE.UTF-8", "de_DE", "German", "fr_FR.UTF-8"}) {
+    if (std::setlocale(LC_ALL, name) == nullptr) continue;
+    text.Format("%.2f", 1.5);
+    EXPECT_EQ(Str(text), "1.50") << name;
+    EXPECT_STREQ(std::localeconv()->decimal_point, ",") << name;
+    std::setlocale(LC_ALL, "C");
+    break;
+  }
+}
+
+TEST(StringUtf8, ThreadsCopyOneText) {
+  const CStringUTF8 text("one text for every thread");
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t) {
+    threads.emplace_back([&text] {
+      for (int i = 0; i < 20000; ++i) {
+        CStringUTF8 copy = text;
+        CStringUTF8 other = copy;
+        if (i % 16 == 0) copy += 'x';
+        other = copy;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(Str(text), "one text for every thread");
+  EXPECT_TRUE(Shares(CStringUTF8(text), text));
+}
+
+// The sanitizers check all the memory that a call may read, each time.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int kLong = 100'000;
+#else
+constexpr int kLong = 100'000'000;
+#endif
+
+// Each of these takes well under a second when it is linear, and hours when it is quadratic.
+TEST(StringUtf8, LongTexts) {
+  using Clock = std::chrono::steady_clock;
+  const auto timed = [](const char* what, const auto& work) {
+    const auto start = Clock::now();
+    work();
+    const std::chrono::duration<double> seconds = Clock::now() - start;
+    ::testing::Test::RecordProperty(what, std::to_string(seconds.count()));
+    EXPECT_LT(seconds.count(), 20) << what;
+  };
+  CStringUTF8 text;
+  timed("append", [&] {
+    for (int i = 0; i < kLong; ++i) text += 'a';
+  });
+  timed("insert at the end", [&] {
+    CStringUTF8 built;
+    for (int i = 0; i < kLong / 10; ++i) built.Insert(built.GetLength(), "ab");
+  });
+  const std::string near_miss = std::string(kLong / 2, 'a') + 'b';
+  timed("find", [&] { EXPECT_EQ(text.Find(near_miss), -1); });
+  const std::string start_miss = "b" + std::string(kLong / 2, 'a');
+  timed("find reversed", [&] { EXPECT_EQ(text.Find(start_miss), -1); });
+  timed("find without case", [&] { EXPECT_EQ(text.FindNoCase(near_miss.substr(1)), -1); });
+  timed("find rare", [&] { EXPECT_EQ(text.FindNoCase("zebra"), -1); });
+  timed("compare without case", [&] { EXPECT_EQ(text.CompareNoCase(CStringUTF8(text)), 0); });
+  timed("count", [&] { EXPECT_EQ(text.CharGetLength(), kLong); });
+  timed("replace", [&] { EXPECT_EQ(text.Replace("aa", "\xC3\xA9"), kLong / 2); });
+  timed("count characters", [&] { EXPECT_EQ(text.CharGetLength(), kLong / 2); });
+  timed("position", [&] { EXPECT_EQ(text.CharFind('x', kLong / 4), -1); });
+  timed("upper", [&] { text.MakeUpper(); });
+  EXPECT_EQ(text.Find("\xC3\x89"), 0);
+  timed("find beyond ASCII", [&] { EXPECT_EQ(text.FindNoCase("\xC3\xA9x"), -1); });
+  timed("sigmas", [&] {
+    text.Replace("\xC3\x89", "\xCE\xA3");
+    text.MakeLower();
+  });
+  EXPECT_EQ(Str(text.Right(4)), "\xCF\x83\xCF\x82");
+  timed("invalid bytes", [&] {
+    text.Replace('\xCF', '\xFF');
+    text.MakeUpper();
+    EXPECT_GT(text.CharGetLength(), kLong / 2);
+  });
+  timed("trim", [&] {
+    text.TrimRight("\xFF\x83\x82\xCF");
+    EXPECT_TRUE(text.IsEmpty());
+  });
+}
+
+}  // namespace
