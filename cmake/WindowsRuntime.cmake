@@ -1,5 +1,6 @@
 # Target windows_runtime: the shared C++ runtime beside the binaries, where Windows looks for it.
-set(runtime_dlls libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+set(runtime_dlls libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll
+    libgomp-1.dll)
 set(copies)
 foreach(dll IN LISTS runtime_dlls)
   execute_process(COMMAND "${CMAKE_CXX_COMPILER}" -print-file-name=${dll}

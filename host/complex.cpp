@@ -134,7 +134,9 @@ int OneTCcomplex::Get(CStringUTF8& text) const {
   return 1;
 }
 
-OneTCcomplex::operator PointInt() const { return {Saturate<LONG>(m_re), Saturate<LONG>(m_im)}; }
+OneTCcomplex::operator PointInt() const {
+  return {Saturate<std::int32_t>(m_re), Saturate<std::int32_t>(m_im)};
+}
 OneTCcomplex::operator PointDouble() const { return {m_re, m_im}; }
 OneTCcomplex::operator Point3D() const { return {m_re, m_im, 0}; }
 

@@ -221,7 +221,7 @@ int CScriptVelaObject::GetPointValue(const MSOINDICES* at, PointDouble& value) {
 int CScriptVelaObject::GetPointValue(const MSOINDICES* at, PointInt& value) {
   Point3D point;
   if (const int code = GetPointValue(at, point)) return code;
-  value = {Saturate<LONG>(point[0]), Saturate<LONG>(point[1])};
+  value = {Saturate<std::int32_t>(point[0]), Saturate<std::int32_t>(point[1])};
   return status::kOk;
 }
 int CScriptVelaObject::GetPoint(PointInt& value) {

@@ -10,15 +10,15 @@
 #include <memory>
 #include <new>
 #include <span>
+#include <type_traits>
 #include <vector>
 
 namespace vela::kernel {
 
-/// The bits by which a number is recognised: equal numbers have equal bits, so the two zeros do, and
-/// so do all NaNs.
+/// The bits by which a number is recognised: equal numbers have equal bits, so the two zeros do,
+/// and so do all NaNs.
 template <class T>
-requires std::is_arithmetic_v<T>
-std::uint64_t IdentityBits(T value) {
+requires std::is_arithmetic_v<T> std::uint64_t IdentityBits(T value) {
   if constexpr (std::floating_point<T>) {
     const double number = value;
     if (number == 0) return 0;

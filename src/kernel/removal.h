@@ -29,6 +29,7 @@ struct Removal {
 inline Removal PlanRemoval(std::span<const std::int32_t> ascending, std::size_t size) {
   Removal removal;
   std::vector<IndexRun>& runs = removal.runs;  // the lowest is last until the end
+  runs.reserve(std::min(ascending.size(), size / 2 + 1));
   for (std::size_t k = ascending.size(); k-- > 0;) {
     const std::int64_t position = ascending[k];
     if (position < 0 || position >= static_cast<std::int64_t>(size - removal.count)) {
@@ -57,8 +58,8 @@ inline Removal PlanRemoval(std::span<const std::int32_t> ascending, std::size_t 
 /// Closes the gaps of the runs (ascending, apart, inside x) and returns how many elements are left.
 /// What x holds behind them is unspecified.
 template <class T>
-requires std::is_trivially_copyable_v<T>
-std::size_t RemoveRuns(std::span<T> x, std::span<const IndexRun> runs) {
+requires std::is_trivially_copyable_v<T> std::size_t RemoveRuns(std::span<T> x,
+                                                                std::span<const IndexRun> runs) {
   if (runs.empty()) return x.size();
   std::size_t kept = runs.front().begin;
   for (std::size_t k = 0; k < runs.size(); ++k) {

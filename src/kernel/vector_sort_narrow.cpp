@@ -29,17 +29,13 @@ HWY_EXPORT(SortUnsigned16);
 HWY_EXPORT(SortSigned32);
 HWY_EXPORT(SortUnsigned32);
 
-void VectorSort(std::int16_t* keys, std::size_t n) {
-  HWY_DYNAMIC_DISPATCH(SortSigned16)(keys, n);
-}
+void VectorSort(std::int16_t* keys, std::size_t n) { HWY_DYNAMIC_DISPATCH(SortSigned16)(keys, n); }
 
 void VectorSort(std::uint16_t* keys, std::size_t n) {
   HWY_DYNAMIC_DISPATCH(SortUnsigned16)(keys, n);
 }
 
-void VectorSort(std::int32_t* keys, std::size_t n) {
-  HWY_DYNAMIC_DISPATCH(SortSigned32)(keys, n);
-}
+void VectorSort(std::int32_t* keys, std::size_t n) { HWY_DYNAMIC_DISPATCH(SortSigned32)(keys, n); }
 
 void VectorSort(std::uint32_t* keys, std::size_t n) {
   HWY_DYNAMIC_DISPATCH(SortUnsigned32)(keys, n);

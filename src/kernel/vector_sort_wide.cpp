@@ -33,9 +33,7 @@ namespace vela::kernel {
 HWY_EXPORT(SortSigned64);
 HWY_EXPORT(SortUnsigned64);
 
-void VectorSort(std::int64_t* keys, std::size_t n) {
-  HWY_DYNAMIC_DISPATCH(SortSigned64)(keys, n);
-}
+void VectorSort(std::int64_t* keys, std::size_t n) { HWY_DYNAMIC_DISPATCH(SortSigned64)(keys, n); }
 
 void VectorSort(std::uint64_t* keys, std::size_t n) {
   HWY_DYNAMIC_DISPATCH(SortUnsigned64)(keys, n);

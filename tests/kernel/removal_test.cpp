@@ -1,7 +1,6 @@
 #include "kernel/removal.h"
 
 #include <gtest/gtest.h>
-
 #include <numeric>
 #include <random>
 

@@ -58,9 +58,9 @@ class OneTCcomplex {
 
   // The two parts as coordinates; the integer point truncates toward zero and saturates, the third
   // coordinate is 0.
-  VELAHOST_API operator CTKPointBase<LONG, 2>() const;
-  VELAHOST_API operator CTKPointBase<double, 2>() const;
-  VELAHOST_API operator CTKPointBase<double, 3>() const;
+  VELAHOST_API operator PointInt() const;
+  VELAHOST_API operator PointDouble() const;
+  VELAHOST_API operator Point3D() const;
 
   // An automation array of two doubles. The caller clears variant before and frees it afterwards.
   // Returns 1, or 0 when the array cannot be made.

@@ -38,10 +38,12 @@ struct MDObjectRecord {
 
 extern "C" {
 // Creates the object of a type word (see type_words.h) and returns it as a CScriptVelaObject*, or
-// 0 when the word names none or memory runs out. args, when given, is one pointer: to the call frame
-// (CTCall) whose argument 0 initialises the object; n is the number of script array elements (rows, layers), or
-// the number of bits of a bit field. Modes 1, 4, 5 and 7 configure the library and return 0.
-VELA_ENTRY std::uint64_t VELA_CRT_OBJ(std::uint64_t type_word, void** args, unsigned n, unsigned mode);
+// 0 when the word names none or memory runs out. args, when given, is one pointer: to the call
+// frame (CTCall) whose argument 0 initialises the object; n is the number of script array elements
+// (rows, layers), or the number of bits of a bit field. Modes 1, 4, 5 and 7 configure the library
+// and return 0.
+VELA_ENTRY std::uint64_t VELA_CRT_OBJ(std::uint64_t type_word, void** args, unsigned n,
+                                      unsigned mode);
 // With a type, creates a multi-dimensional numeric object (0: not available). With type 0, destroys
 // the record's object and clears it: 0, or 1 when the record held none.
 VELA_ENTRY std::uint64_t CreateMDNumericObjectPtr(unsigned type, MDObjectRecord* record);
@@ -49,12 +51,14 @@ VELA_ENTRY std::uint64_t CreateMDNumericObjectPtr(unsigned type, MDObjectRecord*
 VELA_ENTRY int* GetDebugModePtr();
 // x to the power y; the missing value when either is missing or the power cannot be computed.
 VELA_ENTRY double safe_pow(double x, double y);
-// GetMinMax of the vector's addressed row without a call frame; null outputs are skipped. The number
-// of values that are not missing, or -1 when the object or row is not a vector's.
-VELA_ENTRY int TCAllVectorsBase_GetMinMax(CScriptVelaObject* vector, const MSOINDICES* at, double* min,
-                               double* max, unsigned* min_index, unsigned* max_index);
+// GetMinMax of the vector's addressed row without a call frame; null outputs are skipped. The
+// number of values that are not missing, or -1 when the object or row is not a vector's.
+VELA_ENTRY int TCAllVectorsBase_GetMinMax(CScriptVelaObject* vector, const MSOINDICES* at,
+                                          double* min, double* max, unsigned* min_index,
+                                          unsigned* max_index);
 // 1 when the holder's source still has its range; otherwise deletes the holder, clears the pointer
 // and returns 0.
-VELA_ENTRY int VectorSourceDataRangeHolder_CheckRemoveValidRangePtr(VectorSourceDataRangeHolder** holder);
+VELA_ENTRY int VectorSourceDataRangeHolder_CheckRemoveValidRangePtr(
+    VectorSourceDataRangeHolder** holder);
 }
 using CreateObjectFunction = decltype(&VELA_CRT_OBJ);

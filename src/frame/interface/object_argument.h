@@ -15,10 +15,10 @@ struct VELAHOST_API tagMSOOBJVECT {
 
   CScriptVelaObject* object = nullptr;  // borrowed: the frame's owner keeps it alive
   std::uint32_t type_word = 0;
-  MSOINDICES indices;                   // what of the object is meant
+  MSOINDICES indices;  // what of the object is meant
   std::uint32_t flags = 0;
-  OneTCcomplex plain;                   // the value of a plain operand, when object is null
-  void* lent_buffer = nullptr;          // by MSGetBuffer, until MSReleaseBuffer
+  OneTCcomplex plain;           // the value of a plain operand, when object is null
+  void* lent_buffer = nullptr;  // by MSGetBuffer, until MSReleaseBuffer
 
   tagMSOOBJVECT() = default;
   // object_index, element and column are kNoIndex where they do not apply.

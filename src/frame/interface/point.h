@@ -2,8 +2,7 @@
 #pragma once
 
 #include <cstddef>
-
-#include "platform/types.h"
+#include <cstdint>
 
 template <class T, int N>
 class CTKPointBase {
@@ -20,7 +19,8 @@ class CTKPointBase {
   constexpr bool operator==(const CTKPointBase&) const = default;
 };
 
-using PointInt = CTKPointBase<LONG, 2>;
+// Two 32-bit coordinates on every platform.
+using PointInt = CTKPointBase<std::int32_t, 2>;
 using PointDouble = CTKPointBase<double, 2>;
 using Point3D = CTKPointBase<double, 3>;
 

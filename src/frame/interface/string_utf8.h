@@ -117,7 +117,9 @@ class VELAHOST_API CStringUTF8 {
   void CharSetAt(int index, char ch);
   void CharSetAt(int index, std::string_view text);
 
-  friend bool operator==(const CStringUTF8& a, const CStringUTF8& b) { return a.View() == b.View(); }
+  friend bool operator==(const CStringUTF8& a, const CStringUTF8& b) {
+    return a.View() == b.View();
+  }
   friend auto operator<=>(const CStringUTF8& a, const CStringUTF8& b) {
     return a.View() <=> b.View();
   }

@@ -41,13 +41,14 @@ inline constexpr unsigned kLastTypeId = kTypeUnsignedInt64;
 
 // Container flags.
 inline constexpr unsigned kTypeIdMask = 0xFFFF;
-inline constexpr unsigned kFlagVector = 0x10000;  // free vector
-inline constexpr unsigned kFlagDataset = 0x20000;  // vector bound to a host Dataset
-inline constexpr unsigned kFlagMatrix = 0x40000;  // free matrix
+inline constexpr unsigned kFlagVector = 0x10000;        // free vector
+inline constexpr unsigned kFlagDataset = 0x20000;       // vector bound to a host Dataset
+inline constexpr unsigned kFlagMatrix = 0x40000;        // free matrix
 inline constexpr unsigned kFlagMatrixObject = 0x80000;  // matrix bound to a host MatrixObject
-inline constexpr unsigned kFlagCurve = 0x100000;  // Dataset with its X
+inline constexpr unsigned kFlagCurve = 0x100000;        // Dataset with its X
 inline constexpr unsigned kFlagCategorical = 0x200000;  // categorical data
-inline constexpr unsigned kFlagBitField = 0x1000000;  // integer of n bits
+inline constexpr unsigned kFlagBitField = 0x1000000;    // integer of n bits
 inline constexpr unsigned kFlagAnyMatrix = kFlagMatrix | kFlagMatrixObject;
-inline constexpr unsigned kFlagAnyVector = kFlagVector | kFlagDataset | kFlagCurve | kFlagCategorical;
+inline constexpr unsigned kFlagAnyVector =
+    kFlagVector | kFlagDataset | kFlagCurve | kFlagCategorical;
 inline constexpr unsigned kFlagAnyContainer = 0x330000;  // what a size argument is tested against

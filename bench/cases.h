@@ -1,0 +1,48 @@
+// The members that are timed, each with what it needs around the call.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "host/call_frame.h"
+#include "host/library.h"
+#include "host/object_ref.h"
+
+namespace vela::bench {
+
+// Raw elements that the driver shares with the peers, by name: "x", "y", "edges" ...
+using Data = std::map<std::string, std::vector<std::byte>>;
+
+// One prepared case. `call` is what is timed; `reset` restores what it changed and is not.
+struct Prepared {
+  std::function<void()> reset;
+  std::function<void()> call;
+};
+
+// A member found once, with a frame that is filled once: what a host does at a call site.
+class CallSite {
+ public:
+  CallSite(host::ObjectRef object, const char* member);
+  host::CallFrame& Frame() { return frame_; }
+  // Adds an argument that the call site keeps alive.
+  void AddObject(host::ObjectRef object);
+  // Aborts the program with a message when the status is not 0: a refused call is no timing.
+  void operator()();
+
+ private:
+  host::ObjectRef object_;
+  std::vector<host::ObjectRef> arguments_;
+  const char* member_;
+  CTypeBase* owner_ = nullptr;
+  const CClassMember* row_ = nullptr;
+  host::CallFrame frame_;
+};
+
+std::vector<std::string> CaseNames();
+// Throws std::out_of_range for an unknown case or data that it lacks.
+Prepared Prepare(const host::Library& library, const std::string& name, const Data& data);
+
+}  // namespace vela::bench

@@ -1,0 +1,249 @@
+#!/usr/bin/env python3
+"""Times members of the library beside the same work in NumPy and its kin, on the same data.
+
+    peers.py SERVER [--sizes 1000,1000000,10000000] [--cases Sum,Sort] [--rounds 9]
+
+Rounds alternate between the library and every peer in one run, one thread each, so that a change of
+the machine's speed touches both; the table shows medians, and the ratio of the fastest peer's time
+to ours (above 1: we are faster) with the ratio asked for.
+"""
+
+import argparse
+import os
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+for variable in ("OMP_NUM_THREADS", "OPENBLAS_NUM_THREADS", "MKL_NUM_THREADS"):
+    os.environ[variable] = "1"
+
+import bottleneck as bn  # noqa: E402
+import numpy as np  # noqa: E402
+import pandas as pd  # noqa: E402
+
+MISSING = np.frombuffer(np.uint64(0x81AA74FE1C132C0E).tobytes(), dtype=np.float64)[0]
+
+
+class Server:
+    """The process that calls the members."""
+
+    def __init__(self, path):
+        self.process = subprocess.Popen([path], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                        text=True)
+
+    def ask(self, line):
+        self.process.stdin.write(line + "\n")
+        self.process.stdin.flush()
+        answer = self.process.stdout.readline().strip()
+        if not answer or answer.startswith("error"):
+            raise RuntimeError(f"{line}: {answer or 'the server ended'}")
+        return answer
+
+    def times(self, calls):
+        return [float(word) for word in self.ask(f"run {calls}").split()]
+
+
+class Case:
+    """One member with its peers: name -> function of the data that returns the timed call."""
+
+    def __init__(self, name, peers, target=None):
+        self.name = name
+        self.peers = peers
+        self.target = target
+
+
+def in_place(operation):
+    """A peer that changes its first operand: it works on a copy that is made anew, untimed."""
+    def make(data):
+        state = {}
+
+        def reset():
+            state["x"] = data["x"].copy()
+
+        return (lambda: operation(state["x"], data)), reset
+    return make
+
+
+def reading(operation):
+    return lambda data: ((lambda: operation(data)), None)
+
+
+def into(operation):
+    """A peer that writes into a result array of its own, as the member does."""
+    def make(data):
+        out = np.empty_like(data["x"])
+        return (lambda: operation(data, out)), None
+    return make
+
+
+def masked(operation):
+    def make(data):
+        state = {}
+        y = np.ma.masked_values(data["y"], MISSING)
+
+        def reset():
+            state["x"] = np.ma.masked_values(data["x"].copy(), MISSING)
+
+        return (lambda: operation(state["x"], y)), reset
+    return make
+
+
+def random_peer(method):
+    generator = np.random.default_rng(1)
+    return lambda data: ((lambda: getattr(generator, method)(data["x"].size)), None)
+
+
+def add(x, d): np.add(x, d["y"], out=x)
+def subtract(x, d): np.subtract(x, d["y"], out=x)
+def multiply(x, d): np.multiply(x, d["y"], out=x)
+def divide(x, d): np.divide(x, d["y"], out=x)
+def power(x, d): np.power(x, d["y"], out=x)
+
+
+CASES = [
+    Case("Sum", {"numpy sum": reading(lambda d: d["x"].sum()),
+                 "bottleneck nansum": reading(lambda d: bn.nansum(d["x"]))}, 1.0),
+    Case("GetMinMax", {
+        "numpy argmin+argmax": reading(lambda d: (d["x"].argmin(), d["x"].argmax())),
+        "bottleneck": reading(lambda d: (bn.nanargmin(d["x"]), bn.nanargmax(d["x"])))}, 2),
+    Case("Sort", {"numpy sort": in_place(lambda x, d: x.sort())}, 5),
+    Case("Sort_indices", {"numpy argsort": reading(lambda d: d["x"].argsort())}, 3),
+    Case("FrequencyCount", {
+        "numpy histogram": reading(lambda d: np.histogram(d["x"], d["edges"]))}, 10),
+    Case("Average", {
+        "bottleneck move_mean": reading(lambda d: bn.move_mean(d["x"], 51, 1)),
+        "pandas rolling": reading(
+            lambda d: pd.Series(d["x"]).rolling(51, center=True, min_periods=1).mean())}, 1.2),
+    Case("Difference", {"numpy diff": reading(lambda d: np.diff(d["x"]))}, 1.0),
+    Case("Abs", {"numpy abs": in_place(lambda x, d: np.abs(x, out=x))}, 1.0),
+    Case("Wrap", {"numpy roll": reading(lambda d: np.roll(d["x"], -12345))}, 1.0),
+    Case("add", {"numpy": in_place(add)}, 0.9),
+    Case("subtract", {"numpy": in_place(subtract)}, 0.9),
+    Case("multiply", {"numpy": in_place(multiply)}, 0.9),
+    Case("divide", {"numpy": in_place(divide)}, 0.9),
+    Case("power", {"numpy": in_place(power)}, 0.7),
+    Case("add", {"numpy.ma": masked(lambda x, y: x.__iadd__(y))}, 1.5),
+    Case("divide", {"numpy.ma": masked(lambda x, y: x.__itruediv__(y))}, 1.5),
+    Case("Find_range", {"numpy flatnonzero": reading(
+        lambda d: np.flatnonzero((d["x"] >= 0.4) & (d["x"] <= 0.6)))}, 2),
+    Case("Find_value", {"numpy flatnonzero": reading(
+        lambda d: np.flatnonzero(d["x"] == 0.5))}, 2),
+    Case("Data", {"numpy arange": reading(lambda d: np.arange(0.0, d["x"].size, 1.0))}, 1.0),
+    Case("Uniform", {"numpy random": random_peer("random")}, 1.0),
+    Case("Normal", {"numpy standard_normal": random_peer("standard_normal")}, 1.0),
+    Case("double_to_int", {"numpy astype": reading(lambda d: d["x"].astype(np.int32))}, 1.0),
+    Case("float_to_double", {"numpy astype": reading(lambda d: d["floats"].astype(np.float64))},
+         1.0),
+    Case("int_to_double", {"numpy astype": reading(lambda d: d["integers"].astype(np.float64))},
+         1.0),
+]
+
+
+def make_data(size):
+    generator = np.random.default_rng(20260101)
+    x = generator.random(size)
+    return {
+        "x": x,
+        "y": generator.random(size) + 0.5,
+        "edges": np.linspace(0, 1, 101) ** 1.5,
+        "floats": x.astype(np.float32),
+        "integers": generator.integers(-(2**31), 2**31 - 1, size, dtype=np.int32),
+    }
+
+
+def send(server, data, folder):
+    server.ask("drop")
+    for name, values in data.items():
+        path = os.path.join(folder, name)
+        values.tofile(path)
+        server.ask(f"data {name} {path}")
+        os.remove(path)
+
+
+def time_peer(call, reset, calls):
+    times = []
+    for _ in range(calls):
+        if reset:
+            reset()
+        start = time.perf_counter()
+        call()
+        times.append(time.perf_counter() - start)
+    return times
+
+
+def measure(server, case, data, rounds, calls):
+    server.ask(f"prepare {case.name}")
+    peers = {name: make(data) for name, make in case.peers.items()}
+    ours, theirs = [], {name: [] for name in peers}
+    for round_number in range(rounds + 1):
+        batch = {None: server.times(calls)}
+        for name, (call, reset) in peers.items():
+            batch[name] = time_peer(call, reset, calls)
+        if round_number == 0:
+            continue  # warm-up
+        ours.append(statistics.median(batch[None]))
+        for name in peers:
+            theirs[name].append(statistics.median(batch[name]))
+    return statistics.median(ours), {n: statistics.median(t) for n, t in theirs.items()}
+
+
+def human(seconds):
+    for unit, scale in (("s", 1), ("ms", 1e-3), ("us", 1e-6)):
+        if seconds >= scale:
+            return f"{seconds / scale:.3g} {unit}"
+    return f"{seconds / 1e-9:.3g} ns"
+
+
+def print_call_costs(server):
+    for name in ("call_by_name", "call_found"):
+        server.ask(f"prepare {name}")
+        times = [t / 1000 for t in server.times(2000)][200:]
+        print(f"{name:16} {human(statistics.median(times)):>10} a call")
+    print()
+
+
+def bandwidth(data):
+    """Bytes a second of a plain copy: what bounds the members that only move data."""
+    x = data["x"]
+    out = np.empty_like(x)
+    seconds = statistics.median(time_peer(lambda: np.copyto(out, x), None, 9))
+    return 2 * x.nbytes / seconds
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("server")
+    parser.add_argument("--sizes", default="1000,1000000,10000000")
+    parser.add_argument("--cases", default="")
+    parser.add_argument("--rounds", type=int, default=9)
+    arguments = parser.parse_args()
+    wanted = set(filter(None, arguments.cases.split(",")))
+
+    server = Server(arguments.server)
+    print_call_costs(server)
+    print(f"{'member':16} {'elements':>9} {'ours':>9} {'best peer':>9}  {'peer':24} {'ratio':>6} "
+          f"{'asked':>5}")
+    with tempfile.TemporaryDirectory() as folder:
+        for size in map(int, arguments.sizes.split(",")):
+            data = make_data(size)
+            send(server, data, folder)
+            calls = max(1, min(200, 2_000_000 // size))
+            for case in CASES:
+                if wanted and case.name not in wanted:
+                    continue
+                try:
+                    ours, theirs = measure(server, case, data, arguments.rounds, calls)
+                except RuntimeError as error:
+                    print(f"{case.name:16} {size:9} {error}", file=sys.stderr)
+                    continue
+                peer = min(theirs, key=theirs.get)
+                asked = f"{case.target:g}" if case.target else ""
+                print(f"{case.name:16} {size:9} {human(ours):>9} {human(theirs[peer]):>9}  "
+                      f"{peer:24} {theirs[peer] / ours:6.2f} {asked:>5}", flush=True)
+            print(f"copying {size} doubles moves {bandwidth(data) / 1e9:.1f} GB/s\n", flush=True)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,5 @@
+#!/bin/sh
+# Prints the table of members, sizes, times and ratios. Arguments go to peers.py.
+set -eu
+here=$(dirname "$0")
+exec python3 "$here/peers.py" "$here/../build/release/bin/member_bench" "$@"

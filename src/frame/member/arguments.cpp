@@ -1,0 +1,95 @@
+#include "frame/member/arguments.h"
+
+#include "frame/element_types.h"
+
+namespace vela::member {
+
+void Fail(int code) { throw Failure{code}; }
+
+int StatusOfException() noexcept {
+  try {
+    throw;
+  } catch (const Failure& failure) {
+    return failure.code;
+  } catch (const std::bad_alloc&) {
+    return status::kCannotResize;
+  } catch (const std::length_error&) {
+    return status::kCannotResize;
+  } catch (const std::out_of_range&) {
+    return status::kOutOfRange;
+  } catch (...) {
+    return status::kFailed;
+  }
+}
+
+bool Arguments::IsCharacter(unsigned arg) const {
+  return WithElementType(TypeId(arg), []<class T>() { return IntegerElement<T>; });
+}
+
+bool Arguments::IsText(unsigned arg) const {
+  const unsigned id = TypeId(arg);
+  return id == kTypeString || id == kTypeStringLiteral;
+}
+
+int Arguments::Int(unsigned arg) {
+  int value = 0;
+  Check(call_.GetInt(arg, value));
+  return value;
+}
+
+unsigned Arguments::Unsigned(unsigned arg) {
+  unsigned value = 0;
+  Check(call_.GetUINT(arg, value));
+  return value;
+}
+
+DWORD Arguments::Dword(unsigned arg) {
+  DWORD value = 0;
+  Check(call_.GetDWORD(arg, value));
+  return value;
+}
+
+double Arguments::Double(unsigned arg) {
+  double value = 0;
+  Check(call_.GetDouble(arg, value));
+  return value;
+}
+
+OneTCcomplex Arguments::Complex(unsigned arg) {
+  OneTCcomplex value;
+  Check(call_.GetComplex(arg, value));
+  return value;
+}
+
+CStringUTF8 Arguments::Text(unsigned arg) {
+  CStringUTF8 text;
+  Check(call_.GetString(arg, text));
+  return text;
+}
+
+tagMSOOBJVECT Arguments::Object(unsigned arg) {
+  tagMSOOBJVECT object;
+  Check(call_.GetArgumentObject(static_cast<int>(arg), object));
+  return object;
+}
+
+tagMSOOBJVECT Arguments::Reference(unsigned arg) {
+  tagMSOOBJVECT object;
+  Check(call_.GetArgumentReferenceTarget(static_cast<int>(arg), object, 0));
+  return object;
+}
+
+void* Arguments::Buffer(unsigned arg, int bytes) {
+  void* data = nullptr;
+  Check(call_.GetBuffer(arg, &data, bytes));
+  locked_ |= 1u << (arg & 31);
+  return data;
+}
+
+Arguments::~Arguments() {
+  for (unsigned arg = 0; locked_ != 0; ++arg, locked_ >>= 1) {
+    if ((locked_ & 1) != 0) call_.ReleaseBuffer(arg);
+  }
+}
+
+}  // namespace vela::member

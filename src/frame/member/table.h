@@ -1,0 +1,52 @@
+// Member tables: rows, and the tables that exist once per element type.
+#pragma once
+
+#include <algorithm>
+#include <initializer_list>
+
+#include "frame/interface/type_base.h"
+
+namespace vela::member {
+
+template <class C>
+CClassMember Method(const char* name, int (C::*handler)(CTCall*)) {
+  return {name, static_cast<MemberHandler>(handler)};
+}
+
+template <class C>
+CClassMember Property(const char* name, int (C::*getter)(CTCall*), int (C::*setter)(CTCall*)) {
+  return {name, static_cast<MemberHandler>(getter), static_cast<MemberHandler>(setter)};
+}
+
+// The row of a member that is not built yet: it answers status 12291, and IsUnbuilt tells it from
+// a member that refuses for a reason of its own.
+CClassMember Unbuilt(const char* name);
+CClassMember UnbuiltProperty(const char* name);
+bool IsUnbuilt(const CClassMember& row);
+
+// The table of a class that exists once per element type: made by the application object when the
+// library is loaded, freed when it is unloaded; null in between times. Owner::MemberRows() returns
+// the rows in order, the end row not included.
+template <class Owner>
+class TypeTable {
+ public:
+  static const CClassMember* Rows() { return rows_; }
+
+  static void Build() {
+    if (rows_ != nullptr) return;
+    const auto rows = Owner::MemberRows();
+    auto* table = new CClassMember[rows.size() + 1];
+    std::copy(rows.begin(), rows.end(), table);
+    rows_ = table;
+  }
+
+  static void Free() {
+    delete[] rows_;
+    rows_ = nullptr;
+  }
+
+ private:
+  static inline const CClassMember* rows_ = nullptr;
+};
+
+}  // namespace vela::member

@@ -1,0 +1,392 @@
+#include "text/file_object.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <span>
+
+#include "frame/member/table.h"
+#include "text/byte_order.h"
+#include "text/open_mode.h"
+
+using vela::member::Arguments;
+using vela::member::Check;
+using vela::member::Exactly;
+using vela::member::Fail;
+using vela::member::Method;
+using vela::member::NoArguments;
+using vela::member::Run;
+using vela::platform::FileCause;
+using vela::platform::SeekFrom;
+using vela::text::TextEncoding;
+
+namespace {
+
+const CClassMember kFileMembers[] = {
+    Method("Open", &CMSCFile::Open),
+    Method("Close", &CMSCFile::Close),
+    Method("Seek", &CMSCFile::Seek),
+    Method("SeekToBegin", &CMSCFile::SeekToBegin),
+    Method("SeekToEnd", &CMSCFile::SeekToEnd),
+    Method("Write", &CMSCFile::Write),
+    Method("Read", &CMSCFile::Read),
+    Method("GetPosition", &CMSCFile::GetPosition),
+    Method("GetLastError", &CMSCFile::GetLastError),
+    Method("Rename", &CMSCFile::Rename),
+    Method("Remove", &CMSCFile::Remove),
+    Method("Flush", &CMSCFile::Flush),
+    Method("GetHandle", &CMSCFile::GetHandle),
+    Method("ReadInt", &CMSCFile::ReadInt),
+    Method("WriteInt", &CMSCFile::WriteInt),
+    Method("ReadFloat", &CMSCFile::ReadFloat),
+    Method("WriteFloat", &CMSCFile::WriteFloat),
+    Method("IsOpen", &CMSCFile::IsOpen),
+    Method("GetLength", &CMSCFile::GetLength),
+    Method("SetWriteEncoding", &CMSCFile::SetWriteEncoding),
+    Method("WriteBOM", &CMSCFile::WriteBOM),
+    Method("DetectEncode", &CMSCFile::DetectEncode),
+    {},
+};
+
+constexpr std::size_t kDetectedBytes = 51200;
+// What is read at once into a string when the size of the file says nothing, as with a device.
+constexpr std::int64_t kUnknownRoom = std::int64_t{1} << 20;
+// Small enough to stay in the cache between the file and the reversal.
+constexpr std::size_t kItemBlock = std::size_t{1} << 17;
+
+// The memory of a buffer argument, of which the member touches bytes.
+std::byte* BufferOf(Arguments& args, unsigned arg, std::size_t bytes) {
+  if (bytes > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+    Fail(status::kBadArguments);
+  }
+  return static_cast<std::byte*>(args.Buffer(arg, static_cast<int>(bytes)));
+}
+
+}  // namespace
+
+struct CMSCFile::Items {
+  std::byte* data;
+  std::size_t bytes;
+  std::size_t item_bytes;
+  bool is_reversed;
+};
+
+CMSCFile::CMSCFile(unsigned type_id) { InitTypeIDs(type_id); }
+
+const CRuntimeClass* CMSCFile::GetRuntimeClass() const {
+  static const CRuntimeClass runtime_class{"CMSCFile", sizeof(CMSCFile),
+                                           TesselCObject::GetRuntimeClass()};
+  return &runtime_class;
+}
+
+const CClassMember* CMSCFile::FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
+                                         unsigned flags) {
+  const CClassMember* row = FindMemberInTable(name, name_hash, kFileMembers, owner, flags);
+  return row != nullptr ? row : TesselCObject::FindMember(name, name_hash, owner, flags);
+}
+
+int CMSCFile::GetString(CStringUTF8& text) { return GetString(nullptr, text) == status::kOk; }
+
+int CMSCFile::GetString(const MSOINDICES*, CStringUTF8& text) try {
+  CStringUTF8 described = name_;
+  described += std::string_view(handle_.IsOpen() ? " (open)" : " (close)");
+  text = described;
+  return status::kOk;
+} catch (...) {
+  return vela::member::StatusOfException();
+}
+
+FileCause CMSCFile::ReadBytes(void* data, std::size_t size, std::size_t& done) {
+  return handle_.Read(data, size, done);
+}
+
+FileCause CMSCFile::WriteBytes(const void* data, std::size_t size, std::size_t& done) {
+  return handle_.Write(data, size, done);
+}
+
+FileCause CMSCFile::SeekTo(std::int64_t offset, SeekFrom from, std::int64_t& position) {
+  return handle_.Seek(offset, from, position);
+}
+
+FileCause CMSCFile::GetSize(std::int64_t& size) { return handle_.GetSize(size); }
+
+FileCause CMSCFile::FlushFile() { return handle_.Flush(); }
+
+FileCause CMSCFile::CloseFile() { return handle_.Close(); }
+
+FileCause CMSCFile::ReadData(void* data, std::size_t size, std::size_t& done) {
+  return ReadBytes(data, size, done);
+}
+
+bool CMSCFile::OpenHandle(const CStringUTF8& name, unsigned flags) {
+  name_.Empty();
+  const FileCause cause = handle_.Open(name.View(), vela::text::OptionsOf(flags));
+  if (cause == FileCause::kNone) name_ = name;
+  return Succeeds(cause);
+}
+
+bool CMSCFile::Succeeds(FileCause cause) {
+  if (cause != FileCause::kNone) last_error_ = static_cast<int>(cause);
+  return cause == FileCause::kNone;
+}
+
+FileCause CMSCFile::Encode(std::string_view text, std::string& encoded) const {
+  if (write_encoding_ >= vela::text::kEncodings) return FileCause::kGeneric;
+  encoded = vela::text::EncodeText(text, static_cast<TextEncoding>(write_encoding_));
+  return FileCause::kNone;
+}
+
+std::string_view CMSCFile::DataOf(Arguments& args, CStringUTF8& text) {
+  const std::size_t count = args.Unsigned(1);
+  if (!args.IsText(0)) {
+    if (count == 0) return {};
+    return {reinterpret_cast<const char*>(BufferOf(args, 0, count)), count};
+  }
+  text = args.Text(0);
+  if (count > text.View().size() + 1) Fail(status::kBadArguments);
+  return {text.c_str(), count};
+}
+
+int CMSCFile::Open(CTCall* call) {
+  return Run(call, Exactly(2), [&](Arguments& args) {
+    const CStringUTF8 name = args.Text(0);
+    args.Return(OpenHandle(name, args.Unsigned(1)) ? 1 : 0);
+  });
+}
+
+int CMSCFile::Close(CTCall* call) {
+  return Run(call, NoArguments(), [&](Arguments& args) {
+    name_.Empty();
+    args.Return(Succeeds(CloseFile()) ? 1 : 0);
+  });
+}
+
+std::int64_t CMSCFile::Position() {
+  std::int64_t position = 0;
+  return SeekTo(0, SeekFrom::kCurrent, position) == FileCause::kNone ? position : 0;
+}
+
+void CMSCFile::ReturnPosition(Arguments& args, FileCause cause, std::int64_t position) {
+  if (cause == FileCause::kNone && position > std::numeric_limits<std::uint32_t>::max()) {
+    cause = FileCause::kBadSeek;
+  }
+  const unsigned result = Succeeds(cause) ? static_cast<unsigned>(position) : 0;
+  if (result <= static_cast<unsigned>(std::numeric_limits<int>::max())) {
+    args.Return(static_cast<int>(result));
+  } else {
+    args.Return(result);
+  }
+}
+
+void CMSCFile::ReturnReached(Arguments& args, std::int64_t offset, SeekFrom from) {
+  std::int64_t position = 0;
+  const FileCause cause = SeekTo(offset, from, position);
+  ReturnPosition(args, cause, position);
+}
+
+int CMSCFile::Seek(CTCall* call) {
+  return Run(call, Exactly(2), [&](Arguments& args) {
+    const int offset = args.Int(0);
+    const int from = args.Int(1);
+    if (from < 0 || from > static_cast<int>(SeekFrom::kEnd)) return args.Return(0);
+    ReturnReached(args, offset, static_cast<SeekFrom>(from));
+  });
+}
+
+int CMSCFile::SeekToBegin(CTCall* call) {
+  return Run(call, NoArguments(), [&](Arguments&) {
+    std::int64_t position = 0;
+    Succeeds(SeekTo(0, SeekFrom::kBegin, position));
+  });
+}
+
+int CMSCFile::SeekToEnd(CTCall* call) {
+  return Run(call, NoArguments(), [&](Arguments& args) { ReturnReached(args, 0, SeekFrom::kEnd); });
+}
+
+int CMSCFile::GetPosition(CTCall* call) {
+  return Run(call, NoArguments(),
+             [&](Arguments& args) { ReturnReached(args, 0, SeekFrom::kCurrent); });
+}
+
+int CMSCFile::GetLength(CTCall* call) {
+  return Run(call, NoArguments(), [&](Arguments& args) {
+    std::int64_t size = 0;
+    const FileCause cause = GetSize(size);
+    ReturnPosition(args, cause, size);
+  });
+}
+
+int CMSCFile::Write(CTCall* call) {
+  return Run(call, Exactly(2), [&](Arguments& args) {
+    CStringUTF8 text;
+    std::string encoded;
+    std::string_view data = DataOf(args, text);
+    FileCause cause = FileCause::kNone;
+    if (write_encoding_ != static_cast<unsigned>(TextEncoding::kUtf8)) {
+      cause = Encode(data, encoded);
+      data = encoded;
+    }
+    std::size_t done = 0;
+    if (cause == FileCause::kNone) {
+      cause = WriteBytes(data.data(), data.size(), done);
+      if (cause == FileCause::kNone && done < data.size()) cause = FileCause::kDiskFull;
+    }
+    args.Return(Succeeds(cause) ? static_cast<unsigned>(done) : 0u);
+  });
+}
+
+// The string becomes what was read; room is made for no more than the file has.
+std::size_t CMSCFile::ReadIntoString(Arguments& args, std::size_t count) {
+  const tagMSOOBJVECT target = args.Object(0);
+  std::int64_t room = 0;
+  if (GetSize(room) == FileCause::kNone) room -= Position();
+  if (room <= 0) room = kUnknownRoom;
+  const int most = static_cast<int>(std::min<std::int64_t>(
+      {static_cast<std::int64_t>(count), room, std::numeric_limits<int>::max()}));
+  CStringUTF8 text;
+  std::size_t done = 0;
+  Succeeds(ReadData(text.GetBuffer(most), static_cast<std::size_t>(most), done));
+  text.ReleaseBuffer(static_cast<int>(done));
+  Check(target.object->SetStringValue(&target.indices, text));
+  return done;
+}
+
+int CMSCFile::Read(CTCall* call) {
+  return Run(call, Exactly(2), [&](Arguments& args) {
+    const std::size_t count = args.Unsigned(1);
+    if (count == 0) return args.Return(0);
+    std::size_t done = 0;
+    if (args.TypeId(0) == kTypeString) {
+      done = ReadIntoString(args, count);
+    } else {
+      std::byte* const data = BufferOf(args, 0, count);
+      Succeeds(ReadData(data, count, done));
+    }
+    args.Return(static_cast<int>(done));
+  });
+}
+
+int CMSCFile::GetLastError(CTCall* call) {
+  return Run(call, NoArguments(), [&](Arguments& args) { args.Return(last_error_); });
+}
+
+int CMSCFile::Rename(CTCall* call) {
+  return Run(call, Exactly(2), [&](Arguments& args) {
+    const CStringUTF8 from = args.Text(0), to = args.Text(1);
+    args.Return(Succeeds(vela::platform::RenameFile(from.View(), to.View())) ? 1 : 0);
+  });
+}
+
+int CMSCFile::Remove(CTCall* call) {
+  return Run(call, Exactly(1), [&](Arguments& args) {
+    const CStringUTF8 name = args.Text(0);
+    args.Return(Succeeds(vela::platform::RemoveFile(name.View())) ? 1 : 0);
+  });
+}
+
+int CMSCFile::Flush(CTCall* call) {
+  return Run(call, NoArguments(), [&](Arguments& args) {
+    args.Return(handle_.IsOpen() && Succeeds(FlushFile()) ? 1 : 0);
+  });
+}
+
+int CMSCFile::GetHandle(CTCall* call) {
+  return Run(call, NoArguments(), [&](Arguments& args) {
+    args.Return(handle_.IsOpen() ? static_cast<int>(handle_.Native()) : 0);
+  });
+}
+
+std::size_t CMSCFile::ReadItems(const Items& items) {
+  std::size_t total = 0;
+  while (total < items.bytes) {
+    const std::size_t asked = std::min(items.bytes - total, kItemBlock);
+    std::size_t done = 0;
+    const bool succeeds = Succeeds(ReadBytes(items.data + total, asked, done));
+    if (items.is_reversed) {
+      vela::text::ReverseItems(std::span(items.data + total, done), items.item_bytes);
+    }
+    total += done;
+    if (!succeeds || done < asked) break;
+  }
+  return total;
+}
+
+std::size_t CMSCFile::WriteItems(const Items& items) {
+  std::size_t total = 0;
+  FileCause cause = FileCause::kNone;
+  if (!items.is_reversed) {
+    cause = WriteBytes(items.data, items.bytes, total);
+  } else {
+    std::string block(std::min(items.bytes, kItemBlock), '\0');
+    std::size_t asked = block.size(), done = asked;
+    for (; total < items.bytes && done == asked; total += done) {
+      asked = std::min(items.bytes - total, block.size());
+      std::copy_n(items.data + total, asked, reinterpret_cast<std::byte*>(block.data()));
+      vela::text::ReverseItems(std::as_writable_bytes(std::span(block.data(), asked)),
+                               items.item_bytes);
+      cause = WriteBytes(block.data(), asked, done);
+    }
+  }
+  if (total < items.bytes && cause == FileCause::kNone) cause = FileCause::kDiskFull;
+  Succeeds(cause);
+  return total;
+}
+
+// Both kinds of items go up to 8 bytes; each kind has sizes that the other one lacks.
+int CMSCFile::MoveItems(CTCall* call, bool is_float, std::size_t (CMSCFile::*move)(const Items&)) {
+  return Run(call, Exactly(4), [&](Arguments& args) {
+    if (!handle_.IsOpen()) Fail(status::kNotOpen);
+    const int size = args.Int(1);
+    const int count = args.Int(2);
+    const bool is_reversed = args.Int(3) == 0;
+    const bool is_size = is_float ? size == 4 || size == 8 : size == 1 || size == 2 || size == 4;
+    if (!is_size || count <= 0) return args.Return(0);
+    const std::size_t item_bytes = static_cast<std::size_t>(size);
+    const std::size_t bytes = item_bytes * static_cast<std::size_t>(count);
+    const Items items{BufferOf(args, 0, bytes), bytes, item_bytes, is_reversed};
+    args.Return(static_cast<int>((this->*move)(items) / item_bytes));
+  });
+}
+
+int CMSCFile::ReadInt(CTCall* call) { return MoveItems(call, false, &CMSCFile::ReadItems); }
+int CMSCFile::WriteInt(CTCall* call) { return MoveItems(call, false, &CMSCFile::WriteItems); }
+int CMSCFile::ReadFloat(CTCall* call) { return MoveItems(call, true, &CMSCFile::ReadItems); }
+int CMSCFile::WriteFloat(CTCall* call) { return MoveItems(call, true, &CMSCFile::WriteItems); }
+
+int CMSCFile::IsOpen(CTCall* call) {
+  return Run(call, NoArguments(), [&](Arguments& args) { args.Return(handle_.IsOpen() ? 1 : 0); });
+}
+
+int CMSCFile::SetWriteEncoding(CTCall* call) {
+  return Run(call, Exactly(1), [&](Arguments& args) { write_encoding_ = args.Unsigned(0); });
+}
+
+int CMSCFile::WriteBOM(CTCall* call) {
+  return Run(call, NoArguments(), [&](Arguments& args) {
+    std::size_t done = 0;
+    if (write_encoding_ < vela::text::kEncodings && handle_.IsOpen() && Position() == 0) {
+      const auto mark = vela::text::MarkOf(static_cast<TextEncoding>(write_encoding_));
+      Succeeds(WriteBytes(mark.data(), mark.size(), done));
+    }
+    args.Return(static_cast<int>(done));
+  });
+}
+
+int CMSCFile::DetectEncode(CTCall* call) {
+  return Run(call, NoArguments(), [&](Arguments& args) {
+    std::string bytes(kDetectedBytes, '\0');
+    std::size_t done = 0;
+    const std::int64_t position = Position();
+    std::int64_t reached = 0;
+    FileCause cause = SeekTo(0, SeekFrom::kBegin, reached);
+    if (cause == FileCause::kNone) {
+      cause = ReadBytes(bytes.data(), bytes.size(), done);
+      Succeeds(SeekTo(position, SeekFrom::kBegin, reached));
+    }
+    Succeeds(cause);
+    bytes.resize(done);
+    args.Return(done == 0 ? vela::text::kUnknownEncoding
+                          : static_cast<int>(vela::text::DetectEncoding(bytes)));
+  });
+}

@@ -1,0 +1,64 @@
+#include "text/operand_text.h"
+
+#include "frame/element_value.h"
+#include "frame/interface/host_services.h"
+#include "frame/interface/script_object.h"
+#include "text/string_array.h"
+
+namespace vela::text {
+namespace {
+
+CStringUTF8 PlainText(const tagMSOOBJVECT& operand) {
+  switch (operand.type_word & kTypeIdMask) {
+    case kTypeChar:
+      return make_str_from_char(ConvertValue<char>(operand.plain));
+    case kTypeFloat:
+      return ValueText(ConvertValue<float>(operand.plain));
+    case kTypeComplex:
+      return ValueText(operand.plain);
+    default:
+      return ValueText(operand.plain.m_re);
+  }
+}
+
+std::vector<CStringUTF8> RunTexts(const ElementRun& run) {
+  std::vector<CStringUTF8> texts;
+  texts.reserve(run.size);
+  WithElementType(run.type_id, [&]<class T>() {
+    for (const T& value : run.As<T>()) texts.push_back(ValueText(value));
+  });
+  return texts;
+}
+
+}  // namespace
+
+int OperandText(const tagMSOOBJVECT& operand, CStringUTF8& text) {
+  if (operand.object == nullptr) {
+    text = PlainText(operand);
+    return status::kOk;
+  }
+  const unsigned type = operand.object->GetTypeIDCheckIndex(&operand.indices);
+  if (type != kTypeChar) return operand.object->GetString(&operand.indices, text);
+  char ch = 0;
+  const int error = operand.object->GetNumericValue(&operand.indices, ch);
+  if (error == status::kOk) text = make_str_from_char(ch);
+  return error;
+}
+
+std::vector<CStringUTF8> ElementTexts(const VectorArgument& source) {
+  if (const auto* strings = dynamic_cast<const TCVectorString*>(source.vector)) {
+    return strings->RowTexts(source.row);
+  }
+  const ElementRun run = source.vector->ContiguousRun(source.row);
+  if (run.type_id != kTypeNone) return RunTexts(run);
+  std::vector<CStringUTF8> texts(source.Size());
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    const MSOINDICES at = MSOINDICES::Object(source.row).WithElement(static_cast<int>(i));
+    member::Check(source.vector->GetString(&at, texts[i]));
+  }
+  return texts;
+}
+
+double NumberOf(const CStringUTF8& text) { return VELAObj::ParleyStr2double(text.c_str()); }
+
+}  // namespace vela::text

@@ -1,0 +1,119 @@
+// Members of "string" about tokens.
+#include <cstring>
+#include <vector>
+
+#include "text/operand_text.h"
+#include "text/string_array.h"
+#include "text/string_member.h"
+#include "text/string_object.h"
+#include "text/tokens.h"
+#include "text/vector_result.h"
+
+using vela::member::Arguments;
+using vela::member::Between;
+using vela::member::Fail;
+using vela::text::RunMember;
+using vela::text::Tokenizer;
+
+namespace {
+
+char Separator(Arguments& args, unsigned arg, char when_absent = 0) {
+  return args.Count() > arg ? args.Character(arg) : when_absent;
+}
+
+// A vector of any kind; anything else is an argument of the wrong type.
+vela::VectorArgument RequiredVector(Arguments& args, unsigned arg) {
+  if ((args.TypeId(arg) & kFlagAnyVector) == 0) Fail(status::kFailed);
+  return vela::RequiredVector(args, arg);
+}
+
+double NumberOf(std::string_view token) {
+  constexpr std::size_t kUsualSize = 64;
+  if (token.size() >= kUsualSize) return vela::text::NumberOf(CStringUTF8(token));
+  char buffer[kUsualSize];
+  std::memcpy(buffer, token.data(), token.size());
+  buffer[token.size()] = '\0';
+  return VELAObj::ParleyStr2double(buffer);
+}
+
+int StoreTokens(Tokenizer tokens, TCVectorString& target, int row) {
+  TCVectorString::Texts texts;
+  for (std::string_view token; tokens.Next(token);) texts.emplace_back(token);
+  const int count = static_cast<int>(texts.size());
+  target.StoreRow(row, std::move(texts));
+  return count;
+}
+
+int StoreNumbers(Tokenizer tokens, const vela::VectorArgument& target) {
+  std::vector<double> numbers;
+  for (std::string_view token; tokens.Next(token);) numbers.push_back(NumberOf(token));
+  vela::text::StoreNumbers(target, numbers);
+  return static_cast<int>(numbers.size());
+}
+
+}  // namespace
+
+int CScriptVelaString::GetToken(CTCall* call) {
+  return RunMember(call, Between(1, 2), [&](Arguments& args) {
+    const CStringUTF8& text = Acted(args);
+    const int index = args.Int(0);
+    Tokenizer tokens(text.View(), Separator(args, 1));
+    int i = 0;
+    for (std::string_view token; index >= 0 && tokens.Next(token); ++i) {
+      if (i == index) return args.Return(CStringUTF8(token));
+    }
+    args.Return(CStringUTF8());
+  });
+}
+
+int CScriptVelaString::GetNumTokens(CTCall* call) {
+  return RunMember(call, Between(0, 1), [&](Arguments& args) {
+    const CStringUTF8& text = Acted(args);
+    Tokenizer tokens(text.View(), Separator(args, 0));
+    int count = 0;
+    for (std::string_view token; tokens.Next(token);) ++count;
+    args.Return(count);
+  });
+}
+
+int CScriptVelaString::GetTokens(CTCall* call) {
+  return RunMember(call, Between(1, 2), [&](Arguments& args) {
+    // A copy: the target may hold this very string.
+    const CStringUTF8 text = Acted(args);
+    const vela::VectorArgument target = RequiredVector(args, 0);
+    const Tokenizer tokens(text.View(), Separator(args, 1));
+    auto* strings = dynamic_cast<TCVectorString*>(target.vector);
+    args.Return(strings != nullptr ? StoreTokens(tokens, *strings, target.row)
+                                   : StoreNumbers(tokens, target));
+  });
+}
+
+int CScriptVelaString::SetTokens(CTCall* call) {
+  return RunMember(call, Between(1, 2), [&](Arguments& args) {
+    CStringUTF8& text = Acted(args);
+    const vela::VectorArgument source = RequiredVector(args, 0);
+    const char separator = Separator(args, 1, '\t');
+    if (separator == 0) return args.Return(-1);
+    CStringUTF8 joined;
+    const auto texts = vela::text::ElementTexts(source);
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+      if (i > 0) joined += separator;
+      joined += texts[i].View();
+    }
+    text = joined;
+    args.Return(static_cast<int>(texts.size()));
+  });
+}
+
+int CScriptVelaString::FindToken(CTCall* call) {
+  return RunMember(call, Between(1, 2), [&](Arguments& args) {
+    const CStringUTF8& text = Acted(args);
+    const CStringUTF8 wanted = args.Text(0);
+    Tokenizer tokens(text.View(), Separator(args, 1));
+    int index = 0;
+    for (std::string_view token; tokens.Next(token); ++index) {
+      if (token == wanted.View()) return args.Return(index);
+    }
+    args.Return(-1);
+  });
+}

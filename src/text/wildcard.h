@@ -1,0 +1,14 @@
+// Matching with wildcards.
+#pragma once
+
+#include <string_view>
+
+namespace vela::text {
+
+// Whether the whole text fits the pattern, in which * stands for any number of characters, ? for
+// one character, and everything else for itself. Both are UTF-8; bytes that are not valid are
+// characters of their own. At worst in time proportional to the product of the sizes; allocates
+// nothing.
+bool MatchesWildcards(std::string_view text, std::string_view pattern);
+
+}  // namespace vela::text

@@ -1,0 +1,66 @@
+// Vectors bound to host data: Dataset, Curve and categorical data. A new one is not attached: it
+// has one empty row that cannot be resized until the host attaches it to a source.
+#pragma once
+
+#include "vector/typed_vector.h"
+
+template <class T>
+class TCOVectorBase : public TCAllVectorsBase<T> {
+ public:
+  explicit TCOVectorBase(unsigned type_id, unsigned flag = kFlagDataset)
+      : TCAllVectorsBase<T>((type_id & kTypeIdMask) | flag) {}
+
+  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
+                                 unsigned flags) override;
+  static std::initializer_list<CClassMember> MemberRows();
+
+  int RowCount() const override { return 1; }
+  int RawResize(int, std::int64_t) override { return status::kFailed; }
+
+ protected:
+  std::span<T> Elements(int) override { return {}; }
+  bool IsContiguous(int) const override { return false; }
+  bool IsSizeFixed(int) const override { return true; }
+  void SetSizeFixed(int) override {}
+  T ReadElement(int, std::size_t) override { return {}; }
+  int WriteElement(int, std::size_t, const T&) override { return status::kFailed; }
+};
+
+template <class T>
+using TCOVectorIntegral = TCOVectorBase<T>;
+template <class T>
+using TCOVectorFloating = TCOVectorBase<T>;
+using TCOVectordouble = TCOVectorBase<double>;
+
+// A Dataset together with its X. The integral and floating curves of the class table.
+template <class T>
+class TCCurve : public TCOVectorBase<T> {
+ public:
+  explicit TCCurve(unsigned type_id) : TCOVectorBase<T>(type_id, kFlagCurve) {}
+
+  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
+                                 unsigned flags) override;
+  static std::initializer_list<CClassMember> MemberRows();
+};
+
+template <class T>
+using TCCurveIntegral = TCCurve<T>;
+template <class T>
+using TCCurveFloating = TCCurve<T>;
+using TCCurvedouble = TCCurve<double>;
+
+class TCOlccomplexVector : public TCOVectorBase<OneTCcomplex> {
+ public:
+  using TCOVectorBase<OneTCcomplex>::TCOVectorBase;
+  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
+                                 unsigned flags) override;
+};
+
+template <class T>
+class tcCategoricalData : public TCOVectorBase<T> {
+ public:
+  explicit tcCategoricalData(unsigned type_id) : TCOVectorBase<T>(type_id, kFlagCategorical) {}
+  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
+                                 unsigned flags) override;
+  static std::initializer_list<CClassMember> MemberRows();
+};

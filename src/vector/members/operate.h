@@ -1,0 +1,175 @@
+// Operators on one element or on a whole row.
+#pragma once
+
+#include "frame/element_operation.h"
+#include "kernel/parallel_copy.h"
+#include "vector/typed_vector.h"
+
+namespace vela {
+
+// A scalar operand as the element type. A missing operand of a float stays recognisable as NaN.
+template <class T, class U>
+T OperandAs(const U& value) {
+  if constexpr (std::is_same_v<T, float> && std::is_arithmetic_v<U>) {
+    return kernel::ConvertOperand<float>(value);
+  } else {
+    return ConvertValue<T>(value);
+  }
+}
+
+// A plain operand, or the scalar or element that an object operand addresses; a status.
+template <class T>
+int ReadScalarOperand(const tagMSOOBJVECT& operand, T& value) {
+  if (operand.object == nullptr) {
+    if constexpr (ComplexElement<T> || PointElement<T>) {
+      value = ConvertValue<T>(operand.plain);
+    } else {
+      value = OperandAs<T>(operand.plain.m_re);
+    }
+    return status::kOk;
+  }
+  if constexpr (PointElement<T>) {
+    return operand.object->GetPointValue(&operand.indices, value);
+  } else if constexpr (std::is_same_v<T, float>) {
+    double number = 0;
+    const int error = operand.object->GetNumericValue(&operand.indices, number);
+    value = OperandAs<float>(number);
+    return error;
+  } else {
+    return operand.object->GetNumericValue(&operand.indices, value);
+  }
+}
+
+// Calls part(begin, end) for runs that cover 0 .. count - 1: on worker threads when the host
+// enables parallel work, else one run.
+template <class Part>
+void ApplyInParallel(std::size_t count, Part&& part) {
+  kernel::RunOverThreads(count, VELAObj::IsParallelEnabled() != 0 ? 0 : 1, part);
+}
+
+// x = x <code> y for operands of any element type.
+template <class T>
+void ApplyRun(unsigned code, std::span<T> x, const ElementRun& y, bool guard_multiply) {
+  WithElementType(y.type_id, [&]<class U>() {
+    const std::span<const U> source = y.As<U>();
+    if constexpr (std::is_same_v<T, U>) {
+      ApplyOperation<T>(code, x, source, guard_multiply);
+    } else if constexpr (SimpleElement<T> && SimpleElement<U>) {
+      kernel::ApplyConverted<T, U>(static_cast<kernel::Op>(code), x, source, guard_multiply);
+    } else {
+      for (std::size_t i = 0; i < x.size(); ++i) {
+        ApplyOperation(code, x.subspan(i, 1), OperandAs<T>(source[i]), guard_multiply);
+      }
+    }
+  });
+}
+
+}  // namespace vela
+
+template <class T>
+int TCAllVectorsBaseBase<T>::Operate2(const MSOINDICES* at, unsigned op,
+                                      const tagMSOOBJVECT& operand, unsigned options) try {
+  const unsigned code = op & operation::kCodeMask;
+  if (!vela::IsOperation<T>(code)) return status::kFailed;
+  if (at != nullptr && at->ElementCount() != 0) return OperateOnElement(at, code, operand);
+  const int row = this->GetVecArrayIndex(at);
+  if (row < 0) return status::kUnresolved;
+  if (row >= this->RowCount()) return status::kOutOfRange;
+  const int result = OperateOnRow(row, code, operand, options);
+  this->SetModify(1);
+  return result;
+} catch (const std::bad_alloc&) {
+  return status::kCannotResize;
+}
+
+template <class T>
+int TCAllVectorsBaseBase<T>::OperateOnElement(const MSOINDICES* at, unsigned code,
+                                              const tagMSOOBJVECT& operand) {
+  int row;
+  std::size_t index;
+  if (const int error = Locate(at, row, index); error != status::kOk) return error;
+  T value{};
+  if (const int error = vela::ReadScalarOperand(operand, value); error != status::kOk) return error;
+  T element = ReadElement(row, index);
+  vela::ApplyOperation<T>(code, std::span<T>(&element, 1), value, vela::IsDebugMode());
+  return WriteElement(row, index, element);
+}
+
+template <class T>
+int TCAllVectorsBaseBase<T>::OperateOnRow(int row, unsigned code, const tagMSOOBJVECT& operand,
+                                          unsigned options) {
+  auto* vector = operand.indices.ElementCount() != 0
+                     ? nullptr
+                     : dynamic_cast<TCAllVectorNonTemplBase*>(operand.object);
+  if (vector == nullptr) {
+    T value{};
+    if (const int error = vela::ReadScalarOperand(operand, value); error != status::kOk) {
+      return error;
+    }
+    if (this->RowSize(row) == 0 && this->RowLowerBound(row) == 0) {
+      if (const int error = this->RawResize(row, 1); error != status::kOk) return error;
+    }
+    RowAccess<T> elements(*this, row);
+    vela::ApplyOperation<T>(code, elements.Elements(), value, vela::IsDebugMode());
+    return elements.Commit();
+  }
+
+  const vela::VectorArgument source{vector, vector->GetVecArrayIndex(&operand.indices)};
+  if (source.row < 0 || source.row >= vector->RowCount()) return status::kOutOfRange;
+  if (code == operation::kAssign) return AssignRow(row, source, options);
+
+  const bool broadcast = (options & operation::kBroadcast) != 0 && source.Size() == 1;
+  const int lower = vector->RowLowerBound(source.row);
+  if (!broadcast) {
+    if (IsSizeFixed(row)) {
+      if (source.Size() != this->RowSize(row) || lower != this->RowLowerBound(row)) {
+        return status::kFailed;
+      }
+    } else {
+      const auto size = static_cast<std::int64_t>(source.Size());
+      if (const int error = this->ResizeWithLowerBound(row, size, lower); error != status::kOk) {
+        return error;
+      }
+      SetSizeFixed(row);
+    }
+  }
+  vela::RowElements operands(source);
+  RowAccess<T> elements(*this, row);
+  // The elements below the lower bound are no part of the row's data.
+  const std::size_t first =
+      std::min<std::size_t>(this->RowLowerBound(row), elements.Elements().size());
+  const std::span<T> target = elements.Elements().subspan(first);
+  if (broadcast) {
+    const vela::ElementsAs<T> value(operands.Run());
+    vela::ApplyOperation<T>(code, target, value.Span().front(), vela::IsDebugMode());
+  } else {
+    const bool guard_multiply = vela::IsDebugMode();
+    vela::ApplyInParallel(target.size(), [&](std::size_t begin, std::size_t end) {
+      vela::ApplyRun<T>(code, target.subspan(begin, end - begin),
+                        operands.Run().Part(first + begin, end - begin), guard_multiply);
+    });
+  }
+  return elements.Commit();
+}
+
+template <class T>
+int TCAllVectorsBaseBase<T>::AssignRow(int row, const vela::VectorArgument& source,
+                                       unsigned options) {
+  const bool same_row = source.vector == this && source.row == row;
+  const bool append = (options & operation::kAppend) != 0;
+  const std::size_t count = source.Size();
+  const std::size_t offset = append ? this->RowSize(row) : 0;
+  SetSizeFixed(row);
+  if (same_row && !append) return status::kOk;
+
+  const int lower = append ? this->RowLowerBound(row) : source.vector->RowLowerBound(source.row);
+  const auto size = static_cast<std::int64_t>(offset + count);
+  const int error =
+      append ? this->RawResize(row, size) : this->ResizeWithLowerBound(row, size, lower);
+  if (error != status::kOk) return error;
+
+  vela::RowElements values(source);
+  RowAccess<T> elements(*this, row);
+  vela::CopyRun<T>(values.Run().Part(0, count), elements.Elements().subspan(offset));
+  return elements.Commit();
+}

@@ -1,0 +1,233 @@
+// Sums, extremes and averages.
+#pragma once
+
+#include "kernel/abs.h"
+#include "kernel/difference.h"
+#include "kernel/histogram.h"
+#include "kernel/min_max.h"
+#include "kernel/moving_average.h"
+#include "kernel/product.h"
+#include "kernel/sum.h"
+#include "vector/members/sort.h"
+#include "vector/typed_vector.h"
+
+namespace vela {
+
+// The product of complex elements, missing when none is used.
+inline OneTCcomplex ComplexProduct(std::span<const OneTCcomplex> values, bool skip_missing) {
+  OneTCcomplex product(1);
+  bool used = false;
+  for (const OneTCcomplex& z : values) {
+    if (skip_missing && IsMissingElement(z)) continue;
+    product = product * z;
+    used = true;
+  }
+  return used ? product : OneTCcomplex(kMissingValue, kMissingValue);
+}
+
+}  // namespace vela
+
+template <class T>
+void TCAllVectorsBase<T>::RefuseNarrowReference(vela::member::Arguments& args, unsigned arg) {
+  if ((args.TypeId(arg) & kTypeIdMask) < vela::kElement<T>.type_id) {
+    vela::member::Fail(status::kNotContiguous);
+  }
+}
+
+template <class T>
+void TCAllVectorsBase<T>::SetTotal(vela::member::Arguments& args, unsigned arg,
+                                   const OneTCcomplex& total) {
+  RefuseNarrowReference(args, arg);
+  const unsigned type_id = args.TypeId(arg) & kTypeIdMask;
+  if (type_id < kTypeUnsignedInt) {
+    args.Set(arg, vela::ConvertValue<int>(total.m_re));
+  } else if (type_id <= kTypeDouble) {
+    args.Set(arg, total.m_re);
+  } else {
+    args.Set(arg, total);
+  }
+}
+
+template <class T>
+void TCAllVectorsBase<T>::StoreRow(int row, std::span<const double> elements) {
+  vela::member::Check(this->RawResize(row, static_cast<std::int64_t>(elements.size())));
+  RowAccess<T> access(*this, row);
+  vela::ConvertRun<T>(vela::ElementRun(elements), access.Elements());
+  vela::member::Check(access.Commit());
+}
+
+template <class T>
+int TCAllVectorsBase<T>::Sum(CTCall* call) {
+  using namespace vela::member;
+  return Run(call, Exactly(1), [&](Arguments& args) {
+    const RowAccess<T> row(*this, this->Row(args));
+    if constexpr (vela::SimpleElement<T>) {
+      SetTotal(args, 0, vela::kernel::Sum<T>(row.Elements()));
+    } else if constexpr (vela::ComplexElement<T>) {
+      OneTCcomplex total;
+      for (const OneTCcomplex& z : row.Elements()) {
+        if (!vela::IsMissingElement(z)) total += z;
+      }
+      SetTotal(args, 0, total);
+    } else {
+      Fail(status::kUnsupported);
+    }
+    args.Return(0);
+  });
+}
+
+template <class T>
+int TCAllVectorsBase<T>::GetMinMax(CTCall* call) {
+  using namespace vela::member;
+  return Run(call, Exactly(4), [&](Arguments& args) {
+    const RowAccess<T> row(*this, this->Row(args));
+    if constexpr (vela::SimpleElement<T>) {
+      RefuseNarrowReference(args, 0);
+      RefuseNarrowReference(args, 1);
+      const auto result = vela::kernel::MinMax<T>(row.Elements());
+      args.Set(0, result.min);
+      args.Set(1, result.max);
+      if (!args.IsNull(2)) args.Set(2, static_cast<int>(result.min_index));
+      if (!args.IsNull(3)) args.Set(3, static_cast<int>(result.max_index));
+      args.Return(static_cast<int>(result.count));
+    } else {
+      Fail(status::kUnsupported);
+    }
+  });
+}
+
+template <class T>
+int TCAllVectorsBase<T>::Average(CTCall* call) {
+  using namespace vela::member;
+  return Run(call, Exactly(3), [&](Arguments& args) {
+    const int row = this->Row(args);
+    const vela::VectorArgument source = vela::RequiredVector(args, 0);
+    const int points = args.Int(1);
+    args.Return(0);
+    if (points < 1) return;
+    const vela::RowElements elements(source);
+    const std::size_t size = source.Size();
+    if (static_cast<std::size_t>(points) >= size) {
+      Check(this->RawResize(row, static_cast<std::int64_t>(size)));
+      return;
+    }
+    std::vector<double> averages(size);
+    vela::kernel::MovingAverage(vela::ElementsAs<double>(elements.Run()).Span(), points / 2,
+                                averages);
+    StoreRow(row, averages);
+  });
+}
+
+template <class T>
+int TCAllVectorsBase<T>::Product(CTCall* call) {
+  using namespace vela::member;
+  return Run(call, Exactly(2), [&](Arguments& args) {
+    const RowAccess<T> row(*this, this->Row(args));
+    const bool skip_missing = args.Int(1) != 0;
+    RefuseNarrowReference(args, 0);
+    OneTCcomplex product;
+    if constexpr (vela::SimpleElement<T>) {
+      product = vela::kernel::Product<T>(row.Elements(), skip_missing, vela::IsDebugMode()).value;
+    } else if constexpr (vela::ComplexElement<T>) {
+      product = vela::ComplexProduct(row.Elements(), skip_missing);
+    } else {
+      Fail(status::kUnsupported);
+    }
+    switch (args.TypeId(0)) {
+      case kTypeInt:
+        args.Set(0, vela::ConvertValue<int>(product.m_re));
+        break;
+      case kTypeDouble:
+        args.Set(0, product.m_re);
+        break;
+      case kTypeComplex:
+        args.Set(0, product);
+        break;
+      default:
+        break;  // left unset, without error
+    }
+    args.Return(0);
+  });
+}
+
+template <class T>
+int TCAllVectorsBase<T>::Difference(CTCall* call) {
+  using namespace vela::member;
+  return Run(call, Exactly(1), [&](Arguments& args) {
+    if constexpr (vela::PointElement<T>) Fail(status::kUnsupported);
+    const int row = this->Row(args);
+    const vela::VectorArgument target = vela::RequiredVector(args, 0);
+    auto* result = vela::TypedVector<T>(target);
+    const std::size_t size = this->RowSize(row);
+    args.Return(0);
+    if (size < 2 || result == nullptr) return;
+    // The vector may be its own result, so it shrinks only after the differences are taken.
+    const bool in_place = target.IsRow(this, row);
+    const auto count = static_cast<std::int64_t>(size) - 1;
+    if (!in_place) Check(result->RawResize(target.row, count));
+    RowAccess<T> source(*this, row);
+    RowAccess<T> differences(*result, target.row);
+    const std::span<T> out = differences.Elements().first(size - 1);
+    if constexpr (vela::SimpleElement<T>) {
+      vela::kernel::Difference<T>(source.Elements(), out);
+    } else if constexpr (vela::ComplexElement<T>) {
+      for (std::size_t i = 0; i < out.size(); ++i) {
+        out[i] = source.Elements()[i + 1] - source.Elements()[i];
+      }
+    }
+    Check(differences.Commit());
+    if (in_place) Check(result->RawResize(target.row, count));
+    args.Return(1);
+  });
+}
+
+template <class T>
+int TCAllVectorsBase<T>::FrequencyCount(CTCall* call) {
+  using namespace vela::member;
+  return Run(call, Exactly(3), [&](Arguments& args) {
+    const int row = this->Row(args);
+    if constexpr (vela::SimpleElement<T> && vela::kElement<T>.type_id <= kTypeDouble) {
+      const vela::VectorArgument edges = vela::RequiredVector(args, 0);
+      const vela::VectorArgument target = vela::RequiredVector(args, 1);
+      auto* counts = vela::TypedVector<int>(target);
+      const DWORD options = args.Dword(2);
+      if (counts == nullptr) Fail(status::kBadArguments);
+      this->RefuseSameRow(target, row);
+      if (target.IsRow(edges.vector, edges.row)) Fail(status::kBadArguments);
+      const bool underflow = (options & 1) != 0;
+      const bool overflow = (options & 2) != 0;
+      const vela::RowElements edge_run(edges);
+      const vela::ElementsAs<double> edge_values(edge_run.Run());
+      const std::size_t bins =
+          vela::kernel::FrequencyBins(edge_values.Span().size(), underflow, overflow);
+      Check(counts->RawResize(target.row, static_cast<std::int64_t>(bins)));
+      const RowAccess<T> elements(*this, row);
+      RowAccess<int> bin_counts(*counts, target.row);
+      vela::kernel::FrequencyCount<T>(elements.Elements(), edge_values.Span(), underflow, overflow,
+                                      bin_counts.Elements());
+      Check(bin_counts.Commit());
+      args.Return(0);
+    } else {
+      Fail(status::kNotContiguous);
+    }
+  });
+}
+
+template <class T>
+int TCAllVectorsBase<T>::Abs(CTCall* call) {
+  using namespace vela::member;
+  return Run(call, NoArguments(), [&](Arguments& args) {
+    this->RefuseOneRowOfMany(args, status::kNotOnOneRow);
+    const int row = this->Row(args);
+    if constexpr (vela::SimpleElement<T>) {
+      RowAccess<T> elements(*this, row);
+      const auto lower = static_cast<std::size_t>(this->RowLowerBound(row));
+      vela::kernel::Abs<T>(
+          elements.Elements().subspan(std::min(lower, elements.Elements().size())));
+      Check(elements.Commit());
+      args.Return(0);
+    } else {
+      Fail(status::kUnsupported);
+    }
+  });
+}

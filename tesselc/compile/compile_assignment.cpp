@@ -1,0 +1,156 @@
+#include "tesselc/compile/compiler.h"
+#include "tesselc/run/elements.h"
+#include "tesselc/run/objects.h"
+#include "tesselc/run/text.h"
+
+namespace tesselc {
+namespace {
+
+unsigned AssigningCode(BinaryOperator op) {
+  switch (op) {
+    case BinaryOperator::kAdd:
+      return operation::kAdd;
+    case BinaryOperator::kSubtract:
+      return operation::kSubtract;
+    case BinaryOperator::kMultiply:
+      return operation::kMultiply;
+    case BinaryOperator::kDivide:
+      return operation::kDivide;
+    case BinaryOperator::kPower:
+      return operation::kPower;
+    default:
+      return 0;
+  }
+}
+
+}  // namespace
+
+Value Compiler::AssignTo(Place target, std::optional<BinaryOperator> op, Value value,
+                         const SourceRange& range) {
+  if (target.is_const) Fail(range, "a constant cannot be changed");
+  switch (target.kind) {
+    case Place::Kind::kVariable:
+      return AssignVariable(std::move(target), op, std::move(value), range);
+    case Place::Kind::kElement:
+      return AssignElement(std::move(target), op, std::move(value), range);
+    case Place::Kind::kObject:
+      return AssignObject(std::move(target), op, std::move(value), range);
+    case Place::Kind::kProperty:
+      return AssignProperty(std::move(target), std::move(value), range);
+    case Place::Kind::kMatrixRow:
+      Fail(range, "an element of a matrix needs two indices");
+    default:
+      Fail(range, "what is left of the assignment cannot be assigned to");
+  }
+}
+
+Value Compiler::AssignVariable(Place target, std::optional<BinaryOperator> op, Value value,
+                               const SourceRange& range) {
+  const TypeName type = target.type.name;
+  if (op) {
+    // The short way, where the arithmetic is done in the variable's own type.
+    const bool own = target.type.IsNumber() && value.type.IsNumber() && Promoted(type) == type &&
+                     CommonNumber(type, value.type.name) == type;
+    if (own) {
+      NodePtr number = MakeConversion(value.type.name, type, std::move(value.node));
+      if (NodePtr node = MakeUpdate(type, target.variable, *op, number)) {
+        return MakeValue(type, std::move(node));
+      }
+      value = MakeValue(type, std::move(number));
+    }
+    value = Combine(*op, MakeValue(type, MakeLoad(type, target.variable)), std::move(value), range);
+  }
+  value = Convert(std::move(value), target.type, range);
+  return MakeValue(type, MakeStore(type, target.variable, std::move(value.node)));
+}
+
+Value Compiler::Scratch(const StaticType& type, std::uint32_t offset) {
+  return MakeValue(type.name, MakeLoad(type.name, VariablePlace::Local(offset)));
+}
+
+Value Compiler::AssignElement(Place target, std::optional<BinaryOperator> op, Value value,
+                              const SourceRange& range) {
+  if (op) return UpdateElement(std::move(target), *op, std::move(value), false, range);
+  const StaticType type = target.type;
+  const Carrier carrier = target.carrier;
+  NodePtr stored;
+  if (carrier == kTextCarrier) {
+    value = Convert(std::move(value), type, range);
+    stored = ToText(std::move(value), range);
+  } else {
+    stored = Convert(std::move(value), type, range).node;
+  }
+  return {type, carrier, MakeStoreElement(carrier, std::move(target.node), std::move(stored))};
+}
+
+// The operand is computed first, then the element is found once, read, combined and written.
+Value Compiler::UpdateElement(Place target, BinaryOperator op, Value value, bool give_old,
+                              const SourceRange& range) {
+  const TypeName type = target.type.name;
+  if (!value.type.IsScalar()) {
+    Fail(range, "an element cannot be combined with " + Spelling(value.type));
+  }
+  const std::uint32_t operand = context_.layout->Allocate(ScalarSize(value.type.name));
+  const std::uint32_t element = context_.layout->Allocate(ScalarSize(type));
+  const StaticType operand_type = value.type;
+  NodePtr first =
+      MakeStore(operand_type.name, VariablePlace::Local(operand), std::move(value.node));
+  Value combined =
+      Combine(op, Scratch(target.type, element), Scratch(operand_type, operand), range);
+  combined = Convert(std::move(combined), target.type, range);
+  return MakeValue(type, MakeUpdateElement(type, std::move(target.node), element, std::move(first),
+                                           std::move(combined.node), give_old));
+}
+
+Value Compiler::AssignObject(Place target, std::optional<BinaryOperator> op, Value value,
+                             const SourceRange& range) {
+  const StaticType type = target.type;
+  if (value.type.is_null) Fail(range, "NULL cannot be assigned to " + Spelling(type));
+  if (value.type.IsVoid()) Fail(range, "what is right of the assignment has no value");
+  if (type.is_array || value.type.is_array) {
+    Fail(range, "an array is assigned element by element");
+  }
+  if (type.IsString()) {
+    if (op && *op != BinaryOperator::kAdd) Fail(range, "a string only knows = and +=");
+    if (!value.type.IsString() && !value.type.IsVariant() && value.type.name != TypeName::kChar) {
+      value = Convert(std::move(value), type, range);
+    }
+    NodePtr text = ToText(std::move(value), range);
+    return {type, kObjectCarrier,
+            op ? MakeAppendText(std::move(target.node), std::move(text), range)
+               : MakeSetText(std::move(target.node), std::move(text), range)};
+  }
+  const unsigned code = op ? AssigningCode(*op) : operation::kAssign;
+  if (code == 0 || (op && !type.IsContainer() && !type.IsVariant())) {
+    Fail(range, Spelling(type) + " does not know this assignment");
+  }
+  if (value.type.IsString() && type.IsVariant() && !op) {
+    NodePtr text = ToText(std::move(value), range);
+    return {type, kObjectCarrier, MakeSetText(std::move(target.node), std::move(text), range)};
+  }
+  const bool scalar = value.type.IsNumber() || value.type.IsComplex();
+  const bool fits = scalar ? type.IsContainer() || type.IsVariant()
+                           : CanReferTo(type, value.type) || CanReferTo(value.type, type) ||
+                                 (type.IsVector() && value.type.IsVector()) ||
+                                 (type.IsMatrix() && value.type.IsMatrix()) ||
+                                 ((type.IsVariant() || value.type.IsVariant()) &&
+                                  value.carrier == kObjectCarrier) ||
+                                 (op && type.IsContainer() && value.type.IsContainer());
+  if (!fits) {
+    Fail(range, "cannot convert " + Spelling(value.type) + " to " + Spelling(type));
+  }
+  return {type, kObjectCarrier,
+          MakeOperate(code, std::move(target.node), value.carrier, std::move(value.node), range)};
+}
+
+Value Compiler::AssignProperty(Place target, Value value, const SourceRange& range) {
+  const StaticType type = target.type;
+  const Carrier carrier = type.IsScalar()   ? type.name
+                          : type.IsString() ? kTextCarrier
+                                            : kObjectCarrier;
+  value = Convert(std::move(value), type, range);
+  NodePtr node = carrier == kTextCarrier ? ToText(std::move(value), range) : std::move(value.node);
+  return {type, carrier, MakePropertySet(std::move(*target.property), carrier, std::move(node))};
+}
+
+}  // namespace tesselc

@@ -1,0 +1,336 @@
+#include "frame/interface/missing_value.h"
+#include "tesselc/compile/compiler.h"
+#include "tesselc/compile/constants.h"
+#include "tesselc/run/elements.h"
+
+namespace tesselc {
+
+Place Compiler::AsPlace(Value value) {
+  Place place;
+  place.type = value.type;
+  place.carrier = value.carrier;
+  place.node = std::move(value.node);
+  return place;
+}
+
+Value Compiler::CompileValue(const Expression& expression) {
+  return Load(Reach(expression), expression.range);
+}
+
+Place Compiler::Reach(const Expression& expression) {
+  return std::visit([&](const auto& node) { return Visit(node, expression.range); },
+                    expression.node);
+}
+
+Value Compiler::Load(Place place, const SourceRange& range) {
+  switch (place.kind) {
+    case Place::Kind::kValue:
+    case Place::Kind::kElement:
+      return {place.type, place.carrier, std::move(place.node)};
+    case Place::Kind::kVariable:
+      return {place.type, place.type.name, MakeLoad(place.type.name, place.variable)};
+    case Place::Kind::kObject:
+      return {place.type, kObjectCarrier, std::move(place.node)};
+    case Place::Kind::kMatrixRow:
+      Fail(range, "an element of a matrix needs two indices");
+    default:
+      break;
+  }
+  const StaticType type = place.type;
+  const Carrier carrier = type.IsScalar()   ? type.name
+                          : type.IsString() ? kTextCarrier
+                                            : kObjectCarrier;
+  return {type, carrier, MakePropertyGet(std::move(*place.property), carrier, ObjectTypeOf(type))};
+}
+
+Place Compiler::Visit(const IntLiteral& literal, const SourceRange&) {
+  return AsPlace(MakeValue(literal.type, WithNumber(literal.type, [&](auto t) {
+                             using T = typename decltype(t)::type;
+                             return MakeConstant<T>(static_cast<T>(literal.value));
+                           })));
+}
+
+Place Compiler::Visit(const FloatLiteral& literal, const SourceRange&) {
+  if (literal.type == TypeName::kFloat) {
+    return AsPlace(MakeValue(TypeName::kFloat, MakeConstant(static_cast<float>(literal.value))));
+  }
+  return AsPlace(MakeValue(TypeName::kDouble, MakeConstant(literal.value)));
+}
+
+Place Compiler::Visit(const ImaginaryLiteral& literal, const SourceRange&) {
+  return AsPlace(MakeValue(TypeName::kComplex, MakeConstant(OneTCcomplex(0, literal.value))));
+}
+
+Place Compiler::Visit(const CharLiteral& literal, const SourceRange&) {
+  return AsPlace(MakeValue(TypeName::kChar, MakeConstant(literal.value)));
+}
+
+Place Compiler::Visit(const StringLiteral& literal, const SourceRange&) {
+  return AsPlace({StaticType::Of(TypeName::kString), kTextCarrier,
+                  MakeConstant(CStringUTF8(std::string_view(literal.value)))});
+}
+
+Place Compiler::Visit(const NullLiteral&, const SourceRange&) {
+  return AsPlace({StaticType::Null(), TypeName::kVoid, nullptr});
+}
+
+const Symbol* Compiler::FindSymbol(std::string_view name) const {
+  for (auto level = context_.levels.rbegin(); level != context_.levels.rend(); ++level) {
+    const auto found = level->symbols.find(name);
+    if (found != level->symbols.end()) return &found->second;
+  }
+  const auto found = globals_.symbols.find(name);
+  return found == globals_.symbols.end() ? nullptr : &found->second;
+}
+
+Place Compiler::Visit(const Name& name, const SourceRange& range) {
+  const Symbol* symbol = FindSymbol(name.text);
+  if (!symbol) {
+    Fail(range, functions_.contains(name.text)
+                    ? "'" + name.text + "' is a function; call it with ()"
+                    : "there is no variable '" + name.text + "'");
+  }
+  Place place;
+  place.type = symbol->type;
+  place.is_const = symbol->is_const;
+  place.symbol = symbol;
+  if (symbol->type.IsScalar()) {
+    place.kind = Place::Kind::kVariable;
+    place.variable = symbol->variable;
+  } else {
+    place.kind = Place::Kind::kObject;
+    place.node = MakeLoadObject(symbol->object, name.text, range);
+  }
+  return place;
+}
+
+Place Compiler::Visit(const ScopedName& name, const SourceRange& range) {
+  const auto value = FindConstant(name.scope, name.name.text);
+  if (!value) {
+    Fail(name.name.range,
+         std::string(Spelling(name.scope)) + " has no constant '" + name.name.text + "'");
+  }
+  static_cast<void>(range);
+  return AsPlace(MakeValue(TypeName::kInt, MakeConstant(*value)));
+}
+
+Place Compiler::Visit(const Unary& unary, const SourceRange& range) {
+  switch (unary.op) {
+    case UnaryOperator::kDereference:
+    case UnaryOperator::kAddressOf:
+      Fail(unary.op_range, "pointers are not supported yet");
+    case UnaryOperator::kPreIncrement:
+    case UnaryOperator::kPreDecrement:
+    case UnaryOperator::kPostIncrement:
+    case UnaryOperator::kPostDecrement:
+      return AsPlace(Step(unary.op, *unary.operand, range));
+    default:
+      break;
+  }
+  Value operand = CompileValue(*unary.operand);
+  if (unary.op == UnaryOperator::kNot) {
+    NodePtr truth = ToTruth(std::move(operand), unary.operand->range);
+    return AsPlace(MakeValue(TypeName::kInt, MakeNot(std::move(truth))));
+  }
+  if (unary.op == UnaryOperator::kMinus && operand.type.IsContainer()) {
+    return AsPlace(Combine(BinaryOperator::kMultiply, std::move(operand),
+                           MakeValue(TypeName::kInt, MakeConstant(-1)), range));
+  }
+  if (operand.type.IsComplex() && unary.op != UnaryOperator::kComplement) {
+    if (unary.op == UnaryOperator::kPlus) return AsPlace(std::move(operand));
+    return AsPlace(
+        MakeValue(TypeName::kComplex, MakeNegate(TypeName::kComplex, std::move(operand.node))));
+  }
+  if (!operand.type.IsNumber()) {
+    Fail(unary.op_range, "this operator cannot be applied to " + Spelling(operand.type));
+  }
+  const TypeName type = Promoted(operand.type.name);
+  NodePtr number = MakeConversion(operand.type.name, type, std::move(operand.node));
+  if (unary.op == UnaryOperator::kPlus) return AsPlace(MakeValue(type, std::move(number)));
+  if (unary.op == UnaryOperator::kMinus) {
+    return AsPlace(MakeValue(type, MakeNegate(type, std::move(number))));
+  }
+  if (!IsInteger(type)) Fail(unary.op_range, "~ needs an integer");
+  return AsPlace(MakeValue(type, MakeComplement(type, std::move(number))));
+}
+
+Place Compiler::Visit(const Binary& binary, const SourceRange&) {
+  Value left;
+  if (binary.rest.front().op == BinaryOperator::kComma) {
+    left = Load(Reach(*binary.first), binary.first->range);
+  } else {
+    left = CompileValue(*binary.first);
+  }
+  SourceRange covered = binary.first->range;
+  for (const Binary::Link& link : binary.rest) {
+    Value right = CompileValue(*link.operand);
+    covered = Cover(covered, link.operand->range);
+    switch (link.op) {
+      case BinaryOperator::kLogicalAnd:
+      case BinaryOperator::kLogicalOr: {
+        NodePtr a = ToTruth(std::move(left), binary.first->range);
+        NodePtr b = ToTruth(std::move(right), link.operand->range);
+        left = MakeValue(TypeName::kInt, link.op == BinaryOperator::kLogicalAnd
+                                             ? MakeAnd(std::move(a), std::move(b))
+                                             : MakeOr(std::move(a), std::move(b)));
+        break;
+      }
+      case BinaryOperator::kComma:
+        if (!left.node || !right.node) Fail(link.op_range, "NULL cannot be used here");
+        if (right.carrier != TypeName::kVoid) {
+          right.node = MakeComma(right.carrier, std::move(left.node), std::move(right.node));
+        } else {
+          std::vector<PlacedStatement> both;
+          both.push_back({std::move(left.node), binary.first->range});
+          both.push_back({std::move(right.node), link.operand->range});
+          right.node = MakeBlock(std::move(both));
+        }
+        left = std::move(right);
+        break;
+      default:
+        left = Combine(link.op, std::move(left), std::move(right), link.op_range);
+    }
+  }
+  return AsPlace(std::move(left));
+}
+
+Place Compiler::Visit(const Assign& assign, const SourceRange&) {
+  Value value = CompileValue(*assign.value);
+  Place target = Reach(*assign.target);
+  const bool text = target.kind == Place::Kind::kElement && target.carrier == kTextCarrier;
+  if (assign.op && !target.is_const && (text || target.kind == Place::Kind::kProperty)) {
+    value = Combine(*assign.op, Load(std::move(target), assign.target->range), std::move(value),
+                    assign.op_range);
+    return AsPlace(
+        AssignTo(Reach(*assign.target), std::nullopt, std::move(value), assign.op_range));
+  }
+  return AsPlace(AssignTo(std::move(target), assign.op, std::move(value), assign.op_range));
+}
+
+Place Compiler::Visit(const Conditional& conditional, const SourceRange& range) {
+  NodePtr condition = CompileCondition(*conditional.condition);
+  Value yes = CompileValue(*conditional.yes);
+  Value no = CompileValue(*conditional.no);
+  StaticType type = yes.type;
+  if (yes.type.IsNumber() && no.type.IsNumber()) {
+    type =
+        yes.type == no.type ? yes.type : StaticType::Of(CommonNumber(yes.type.name, no.type.name));
+  } else if (no.type.IsComplex() && yes.type.IsNumber()) {
+    type = no.type;
+  }
+  if (type.is_null || type.IsVoid()) Fail(range, "both results must be values of one type");
+  yes = Convert(std::move(yes), type, conditional.yes->range);
+  no = Convert(std::move(no), type, conditional.no->range);
+  if (type.IsString() && yes.carrier != no.carrier) {
+    yes.node = ToText(std::move(yes), conditional.yes->range);
+    no.node = ToText(std::move(no), conditional.no->range);
+    yes.carrier = kTextCarrier;
+  }
+  const Carrier carrier = yes.carrier;
+  return AsPlace(
+      {type, carrier,
+       MakeConditional(carrier, std::move(condition), std::move(yes.node), std::move(no.node))});
+}
+
+Place Compiler::Visit(const Cast& cast, const SourceRange& range) {
+  Value operand = CompileValue(*cast.operand);
+  return AsPlace(Convert(std::move(operand), Resolve(cast.type), range, true));
+}
+
+Place Compiler::Visit(const Construct& construct, const SourceRange& range) {
+  const StaticType type = Resolve(construct.type);
+  if (type.IsObject() && construct.arguments.size() == 1) {
+    return AsPlace(Convert(CompileValue(*construct.arguments[0]), type, range, true));
+  }
+  return AsPlace(ConstructScalar(type, construct.arguments, range));
+}
+
+Value Compiler::ConstructScalar(const StaticType& type, const std::vector<ExpressionPtr>& arguments,
+                                const SourceRange& range) {
+  if (arguments.size() == 1 && type.IsScalar() && !type.IsPoint()) {
+    return Convert(CompileValue(*arguments[0]), type, range, true);
+  }
+  if (arguments.size() == 1 && type.IsPoint()) {
+    Value value = CompileValue(*arguments[0]);
+    if (value.type.IsPoint()) return Convert(std::move(value), type, range);
+  }
+  const std::size_t most = type.name == TypeName::kFpoint3d     ? 3
+                           : type.IsComplex() || type.IsPoint() ? 2
+                                                                : 0;
+  if (!type.IsScalar() || arguments.size() > most) {
+    Fail(range,
+         "there is no " + Spelling(type) + " of " + std::to_string(arguments.size()) + " values");
+  }
+  if (type.IsNumber()) return Convert(MakeValue(TypeName::kInt, MakeConstant(0)), type, range);
+  std::vector<NodePtr> parts;
+  for (const ExpressionPtr& argument : arguments) {
+    parts.push_back(ToNumber(CompileValue(*argument), TypeName::kDouble, argument->range));
+  }
+  return MakeValue(type.name, MakeFromParts(type.name, std::move(parts)));
+}
+
+Place Compiler::Visit(const Index& index, const SourceRange& range) {
+  Place base = Reach(*index.object);
+  NodePtr number = ToIndex(*index.index);
+  Place element;
+  element.is_const = base.is_const;
+  if (base.kind == Place::Kind::kMatrixRow) {
+    element.kind = Place::Kind::kElement;
+    element.type = StaticType::Of(base.type.element == TypeName::kVoid ? TypeName::kDouble
+                                                                       : base.type.element);
+    element.carrier = element.type.name;
+    element.node = MakeMatrixCell(base.type.element, std::move(base.node), std::move(base.row),
+                                  std::move(number), range);
+    return element;
+  }
+  const StaticType type = base.type;
+  if (type.is_array) return IndexArray(std::move(base), std::move(number), range);
+  if (!type.IsContainer() && !type.IsString() && type.name != TypeName::kStringArray) {
+    Fail(range, Spelling(type) + " cannot be indexed");
+  }
+  NodePtr object = ToObject(Load(std::move(base), index.object->range), index.object->range);
+  if (type.IsMatrix()) {
+    element.kind = Place::Kind::kMatrixRow;
+    element.type = type;
+    element.node = std::move(object);
+    element.row = std::move(number);
+    return element;
+  }
+  element.kind = Place::Kind::kElement;
+  if (type.IsVector()) {
+    element.type =
+        StaticType::Of(type.element == TypeName::kVoid ? TypeName::kDouble : type.element);
+    element.carrier = element.type.name;
+    element.node = MakeVectorElement(type.element, std::move(object), std::move(number), range);
+  } else if (type.IsString()) {
+    element.type = StaticType::Of(TypeName::kChar);
+    element.carrier = TypeName::kChar;
+    element.node = MakeTextChar(std::move(object), std::move(number), range);
+  } else {
+    element.type = StaticType::Of(TypeName::kString);
+    element.carrier = kTextCarrier;
+    element.node = MakeTextElement(std::move(object), std::move(number), range);
+  }
+  return element;
+}
+
+Place Compiler::IndexArray(Place base, NodePtr index, const SourceRange& range) {
+  Place item;
+  item.is_const = base.is_const;
+  item.type = base.type.Item();
+  if (item.type.IsScalar()) {
+    item.kind = Place::Kind::kElement;
+    item.carrier = item.type.name;
+    item.node = MakeArrayElement(item.type.name, std::move(base.node), std::move(index), range);
+  } else {
+    item.kind = Place::Kind::kObject;
+    item.node = MakeArrayItem(std::move(base.node), std::move(index), range);
+  }
+  return item;
+}
+
+Place Compiler::Visit(const InitializerList&, const SourceRange& range) {
+  Fail(range, "a list in braces can only initialise a variable");
+}
+
+}  // namespace tesselc

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tesselc/source.h"
+
+namespace tesselc {
+
+// What is wrong, and where.
+struct Diagnostic {
+  SourceRange range;
+  std::string message;
+};
+
+// Thrown inside a pass over the script, and turned into a Diagnostic where the pass was started.
+class ScriptMistake {
+ public:
+  ScriptMistake(SourceRange range, std::string message) : diagnostic_{range, std::move(message)} {}
+  const Diagnostic& diagnostic() const { return diagnostic_; }
+
+ private:
+  Diagnostic diagnostic_;
+};
+
+// "file:line:column: error: message", the source line and a caret under the place, each ending in a
+// line feed. Tabs are kept, so that the caret lines up; a long line is cut around the caret; bytes
+// that are no printable text show as '?'.
+std::string Format(const Diagnostic& diagnostic, const SourceSet& sources);
+
+}  // namespace tesselc

@@ -1,0 +1,40 @@
+#include <iostream>
+
+#include "tesselc/catalogue.h"
+#include "tesselc/run/output.h"
+#include "tesselc/runner/command_line.h"
+#include "tesselc/runner/script_runner.h"
+
+namespace tesselc {
+namespace {
+
+int ShowMembers(const std::string& filter) {
+  if (Catalogue::Get().PrintMembers(std::cout, filter)) return kSuccess;
+  std::cerr << "tesselc: error: there is no type or member '" << filter << "'\n";
+  return kMistake;
+}
+
+int Main(const std::vector<std::string>& words) {
+  CommandLine line = ParseCommandLine(words);
+  if (line.exit_code) return *line.exit_code;
+  if (line.members) return ShowMembers(*line.members);
+  if (!line.code && !line.script) {
+    std::cerr << "tesselc: error: the prompt is not available yet; give a script or -e code\n";
+    return kMistake;
+  }
+  Output output;
+  ScriptRunner runner(output, {line.check_only, line.debug_mode, std::move(line.arguments)});
+  return line.code ? runner.RunText("-e", std::move(*line.code)) : runner.RunFile(*line.script);
+}
+
+}  // namespace
+}  // namespace tesselc
+
+int main(int argc, char** argv) {
+  try {
+    return tesselc::Main(tesselc::ProgramArguments(argc, argv));
+  } catch (const std::exception& error) {
+    std::cerr << "tesselc: error: " << error.what() << "\n";
+    return tesselc::kMistake;
+  }
+}

@@ -1,0 +1,418 @@
+#include "tesselc/run/arithmetic.h"
+
+#include <cmath>
+#include <limits>
+
+#include "frame/interface/status.h"
+#include "tesselc/run/number_types.h"
+#include "tesselc/run/operands.h"
+#include "tesselc/run/operators.h"
+#include "tesselc/run/script_error.h"
+
+namespace tesselc {
+namespace {
+
+template <class T, class Op, class Left, class Right>
+class Arithmetic final : public Expr<Arithmetic<T, Op, Left, Right>, T> {
+ public:
+  Arithmetic(Left left, Right right) : left_(std::move(left)), right_(std::move(right)) {}
+  T Eval(Frame& frame) override {
+    const T left = left_.Get(frame);
+    return Op::template Apply<T>(left, right_.Get(frame));
+  }
+
+ private:
+  Left left_;
+  Right right_;
+};
+
+template <class T, class Op>
+NodePtr MakeArithmeticOf(NodePtr left, NodePtr right) {
+  return WithLeftOperand<T>(std::move(left), [&](auto l) {
+    return WithRightOperand<T>(std::move(right), [&](auto r) -> NodePtr {
+      return std::make_unique<Arithmetic<T, Op, decltype(l), decltype(r)>>(std::move(l),
+                                                                           std::move(r));
+    });
+  });
+}
+
+struct DivideOp {
+  template <class T>
+  static T Apply(const T& a, const T& b) {
+    return a / b;
+  }
+};
+struct RemainderOp {
+  template <class T>
+  static T Apply(T a, T b) {
+    return std::fmod(a, b);
+  }
+};
+struct BitAndOp {
+  template <class T>
+  static T Apply(T a, T b) {
+    return a & b;
+  }
+};
+struct BitOrOp {
+  template <class T>
+  static T Apply(T a, T b) {
+    return a | b;
+  }
+};
+
+// The quotient or remainder of integers; dividing the smallest one by -1 wraps.
+template <class T, bool kRemainder>
+class IntegerDivision final : public Expr<IntegerDivision<T, kRemainder>, T> {
+ public:
+  IntegerDivision(ValuePtr<T> left, ValuePtr<T> right, SourceRange where)
+      : left_(std::move(left)), right_(std::move(right)), where_(where) {}
+  T Eval(Frame& frame) override {
+    const T left = left_->Eval(frame);
+    const T right = right_->Eval(frame);
+    if (right == 0) throw ScriptError(where_, status::kFailed, "division by zero");
+    if constexpr (std::is_signed_v<T>) {
+      if (right == -1) return kRemainder ? 0 : SubtractOp::Apply<T>(0, left);
+    }
+    return kRemainder ? left % right : left / right;
+  }
+
+ private:
+  ValuePtr<T> left_, right_;
+  SourceRange where_;
+};
+
+template <class T, bool kRemainder>
+NodePtr MakeDivisionOf(NodePtr left, NodePtr right, SourceRange where) {
+  if constexpr (std::is_floating_point_v<T>) {
+    using Op = std::conditional_t<kRemainder, RemainderOp, DivideOp>;
+    return MakeArithmeticOf<T, Op>(std::move(left), std::move(right));
+  } else {
+    return std::make_unique<IntegerDivision<T, kRemainder>>(As<T>(std::move(left)),
+                                                            As<T>(std::move(right)), where);
+  }
+}
+
+template <class T, class Op>
+NodePtr MakeBitsOf(NodePtr left, NodePtr right) {
+  if constexpr (std::is_integral_v<T>) {
+    return MakeArithmeticOf<T, Op>(std::move(left), std::move(right));
+  } else {
+    return nullptr;
+  }
+}
+
+template <class T, class Op, class Left, class Right>
+class Comparison final : public Expr<Comparison<T, Op, Left, Right>, int> {
+ public:
+  Comparison(Left left, Right right) : left_(std::move(left)), right_(std::move(right)) {}
+  int Eval(Frame& frame) override {
+    const T left = left_.Get(frame);
+    return Op::template Apply<T>(left, right_.Get(frame));
+  }
+
+ private:
+  Left left_;
+  Right right_;
+};
+
+template <class T, class Op>
+NodePtr MakeComparisonOf(NodePtr left, NodePtr right) {
+  return WithLeftOperand<T>(std::move(left), [&](auto l) {
+    return WithRightOperand<T>(std::move(right), [&](auto r) -> NodePtr {
+      return std::make_unique<Comparison<T, Op, decltype(l), decltype(r)>>(std::move(l),
+                                                                           std::move(r));
+    });
+  });
+}
+
+template <class T>
+NodePtr MakeOrderOf(BinaryOperator op, NodePtr left, NodePtr right) {
+  switch (op) {
+    case BinaryOperator::kLess:
+      return MakeComparisonOf<T, LessOp>(std::move(left), std::move(right));
+    case BinaryOperator::kLessEqual:
+      return MakeComparisonOf<T, LessEqualOp>(std::move(left), std::move(right));
+    case BinaryOperator::kGreater:
+      return MakeComparisonOf<T, GreaterOp>(std::move(left), std::move(right));
+    default:
+      return MakeComparisonOf<T, GreaterEqualOp>(std::move(left), std::move(right));
+  }
+}
+
+template <class T>
+class Shift final : public Expr<Shift<T>, T> {
+ public:
+  Shift(bool to_left, ValuePtr<T> left, ValuePtr<std::int64_t> right, SourceRange where)
+      : to_left_(to_left), left_(std::move(left)), right_(std::move(right)), where_(where) {}
+  T Eval(Frame& frame) override {
+    constexpr int kWidth = sizeof(T) * 8;
+    const T left = left_->Eval(frame);
+    const std::int64_t count = right_->Eval(frame);
+    if (count < 0 || count >= kWidth) {
+      throw ScriptError(
+          where_, status::kFailed,
+          "shift by " + std::to_string(count) + " is outside 0 .. " + std::to_string(kWidth - 1));
+    }
+    if (to_left_) return static_cast<T>(static_cast<std::make_unsigned_t<T>>(left) << count);
+    return left >> count;
+  }
+
+ private:
+  bool to_left_;
+  ValuePtr<T> left_;
+  ValuePtr<std::int64_t> right_;
+  SourceRange where_;
+};
+
+class Power final : public Expr<Power, double> {
+ public:
+  Power(PowerFunction power, ValuePtr<double> left, ValuePtr<double> right)
+      : power_(power), left_(std::move(left)), right_(std::move(right)) {}
+  double Eval(Frame& frame) override {
+    const double left = left_->Eval(frame);
+    return power_(left, right_->Eval(frame));
+  }
+
+ private:
+  PowerFunction power_;
+  ValuePtr<double> left_, right_;
+};
+
+struct ComplexAddOp {
+  template <class T>
+  static T Apply(const T& a, const T& b) {
+    return a + b;
+  }
+};
+struct ComplexSubtractOp {
+  template <class T>
+  static T Apply(const T& a, const T& b) {
+    return a - b;
+  }
+};
+struct ComplexMultiplyOp {
+  template <class T>
+  static T Apply(const T& a, const T& b) {
+    return a * b;
+  }
+};
+struct ComplexPowerOp {
+  template <class T>
+  static T Apply(const T& a, const T& b) {
+    return a ^ b;
+  }
+};
+
+template <class Op>
+struct Coordinatewise {
+  template <class P>
+  static P Apply(const P& a, const P& b) {
+    P result;
+    for (std::size_t i = 0; i < P::kDimensions; ++i) {
+      result[i] = Op::template Apply<typename P::Coordinate>(a[i], b[i]);
+    }
+    return result;
+  }
+};
+
+// A node of one operand whose value a stateless function gives.
+template <class From, class To, class Function, class Operand = AnyOperand<From>>
+class UnaryNode final : public Expr<UnaryNode<From, To, Function, Operand>, To> {
+ public:
+  explicit UnaryNode(Operand operand) : operand_(std::move(operand)) {}
+  To Eval(Frame& frame) override { return Function::Apply(operand_.Get(frame)); }
+
+ private:
+  Operand operand_;
+};
+
+template <class From, class To, class Function>
+NodePtr MakeUnary(NodePtr operand) {
+  using Result = UnaryNode<From, To, Function>;
+  return std::make_unique<Result>(AnyOperand<From>{As<From>(std::move(operand))});
+}
+
+struct NegateFunction {
+  template <class T>
+  static T Apply(const T& a) {
+    if constexpr (std::is_integral_v<T>) {
+      return SubtractOp::Apply<T>(0, a);
+    } else {
+      return -a;
+    }
+  }
+};
+struct ComplementFunction {
+  template <class T>
+  static T Apply(T a) {
+    return ~a;
+  }
+};
+struct TruthFunction {
+  template <class T>
+  static int Apply(const T& a) {
+    return a != T{};
+  }
+};
+struct NotFunction {
+  static int Apply(int a) { return a == 0; }
+};
+
+class And final : public Expr<And, int> {
+ public:
+  And(ValuePtr<int> left, ValuePtr<int> right) : left_(std::move(left)), right_(std::move(right)) {}
+  int Eval(Frame& frame) override { return left_->Eval(frame) && right_->Eval(frame); }
+
+ private:
+  ValuePtr<int> left_, right_;
+};
+
+class Or final : public Expr<Or, int> {
+ public:
+  Or(ValuePtr<int> left, ValuePtr<int> right) : left_(std::move(left)), right_(std::move(right)) {}
+  int Eval(Frame& frame) override { return left_->Eval(frame) || right_->Eval(frame); }
+
+ private:
+  ValuePtr<int> left_, right_;
+};
+
+}  // namespace
+
+NodePtr MakeArithmetic(BinaryOperator op, TypeName type, NodePtr left, NodePtr right,
+                       SourceRange where) {
+  return WithArithmetic(type, [&](auto t) -> NodePtr {
+    using T = typename decltype(t)::type;
+    switch (op) {
+      case BinaryOperator::kAdd:
+        return MakeArithmeticOf<T, AddOp>(std::move(left), std::move(right));
+      case BinaryOperator::kSubtract:
+        return MakeArithmeticOf<T, SubtractOp>(std::move(left), std::move(right));
+      case BinaryOperator::kMultiply:
+        return MakeArithmeticOf<T, MultiplyOp>(std::move(left), std::move(right));
+      case BinaryOperator::kDivide:
+        return MakeDivisionOf<T, false>(std::move(left), std::move(right), where);
+      case BinaryOperator::kRemainder:
+        return MakeDivisionOf<T, true>(std::move(left), std::move(right), where);
+      case BinaryOperator::kBitAnd:
+        return MakeBitsOf<T, BitAndOp>(std::move(left), std::move(right));
+      case BinaryOperator::kBitOr:
+        return MakeBitsOf<T, BitOrOp>(std::move(left), std::move(right));
+      default:
+        return nullptr;
+    }
+  });
+}
+
+NodePtr MakeComparison(BinaryOperator op, TypeName type, NodePtr left, NodePtr right) {
+  const auto equality = [&](auto t) -> NodePtr {
+    using T = typename decltype(t)::type;
+    if (op == BinaryOperator::kEqual) {
+      return MakeComparisonOf<T, EqualOp>(std::move(left), std::move(right));
+    }
+    return MakeComparisonOf<T, NotEqualOp>(std::move(left), std::move(right));
+  };
+  if (op == BinaryOperator::kEqual || op == BinaryOperator::kNotEqual) {
+    if (IsNumber(type)) return WithArithmetic(type, equality);
+    return WithScalar(type, equality);
+  }
+  if (type == TypeName::kComplex) {
+    return MakeOrderOf<OneTCcomplex>(op, std::move(left), std::move(right));
+  }
+  return WithArithmetic(type, [&](auto t) {
+    return MakeOrderOf<typename decltype(t)::type>(op, std::move(left), std::move(right));
+  });
+}
+
+NodePtr MakePower(PowerFunction power, NodePtr left, NodePtr right) {
+  return std::make_unique<Power>(power, As<double>(std::move(left)), As<double>(std::move(right)));
+}
+
+NodePtr MakeShift(BinaryOperator op, TypeName type, NodePtr left, NodePtr right,
+                  SourceRange where) {
+  return WithArithmetic(type, [&](auto t) -> NodePtr {
+    using T = typename decltype(t)::type;
+    if constexpr (std::is_integral_v<T>) {
+      return std::make_unique<Shift<T>>(op == BinaryOperator::kShiftLeft, As<T>(std::move(left)),
+                                        As<std::int64_t>(std::move(right)), where);
+    } else {
+      return nullptr;
+    }
+  });
+}
+
+NodePtr MakeComplexArithmetic(BinaryOperator op, NodePtr left, NodePtr right) {
+  using T = OneTCcomplex;
+  switch (op) {
+    case BinaryOperator::kAdd:
+      return MakeArithmeticOf<T, ComplexAddOp>(std::move(left), std::move(right));
+    case BinaryOperator::kSubtract:
+      return MakeArithmeticOf<T, ComplexSubtractOp>(std::move(left), std::move(right));
+    case BinaryOperator::kMultiply:
+      return MakeArithmeticOf<T, ComplexMultiplyOp>(std::move(left), std::move(right));
+    case BinaryOperator::kDivide:
+      return MakeArithmeticOf<T, DivideOp>(std::move(left), std::move(right));
+    case BinaryOperator::kPower:
+      return MakeArithmeticOf<T, ComplexPowerOp>(std::move(left), std::move(right));
+    default:
+      return nullptr;
+  }
+}
+
+NodePtr MakePointArithmetic(BinaryOperator op, TypeName type, NodePtr left, NodePtr right) {
+  const auto make = [&](auto t) -> NodePtr {
+    using P = typename decltype(t)::type;
+    if (op == BinaryOperator::kAdd) {
+      return MakeArithmeticOf<P, Coordinatewise<AddOp>>(std::move(left), std::move(right));
+    }
+    return MakeArithmeticOf<P, Coordinatewise<SubtractOp>>(std::move(left), std::move(right));
+  };
+  switch (type) {
+    case TypeName::kPoint:
+      return make(std::type_identity<PointInt>());
+    case TypeName::kFpoint:
+      return make(std::type_identity<PointDouble>());
+    default:
+      return make(std::type_identity<Point3D>());
+  }
+}
+
+NodePtr MakeNegate(TypeName type, NodePtr operand) {
+  if (type == TypeName::kComplex) {
+    return MakeUnary<OneTCcomplex, OneTCcomplex, NegateFunction>(std::move(operand));
+  }
+  return WithArithmetic(type, [&](auto t) {
+    using T = typename decltype(t)::type;
+    return MakeUnary<T, T, NegateFunction>(std::move(operand));
+  });
+}
+
+NodePtr MakeComplement(TypeName type, NodePtr operand) {
+  return WithArithmetic(type, [&](auto t) -> NodePtr {
+    using T = typename decltype(t)::type;
+    if constexpr (std::is_integral_v<T>) {
+      return MakeUnary<T, T, ComplementFunction>(std::move(operand));
+    } else {
+      return nullptr;
+    }
+  });
+}
+
+NodePtr MakeTruth(TypeName type, NodePtr operand) {
+  if (type == TypeName::kComplex) {
+    return MakeUnary<OneTCcomplex, int, TruthFunction>(std::move(operand));
+  }
+  return WithNumber(type, [&](auto t) {
+    return MakeUnary<typename decltype(t)::type, int, TruthFunction>(std::move(operand));
+  });
+}
+
+NodePtr MakeNot(NodePtr operand) { return MakeUnary<int, int, NotFunction>(std::move(operand)); }
+NodePtr MakeAnd(NodePtr left, NodePtr right) {
+  return std::make_unique<And>(As<int>(std::move(left)), As<int>(std::move(right)));
+}
+NodePtr MakeOr(NodePtr left, NodePtr right) {
+  return std::make_unique<Or>(As<int>(std::move(left)), As<int>(std::move(right)));
+}
+
+}  // namespace tesselc

@@ -1,0 +1,136 @@
+#include "tesselc/run/builtins.h"
+
+#include <chrono>
+#include <cmath>
+
+#include "frame/interface/missing_value.h"
+#include "frame/interface/status.h"
+#include "tesselc/run/script_error.h"
+
+namespace tesselc {
+namespace {
+
+double Min(double a, double b) { return b < a ? b : a; }
+double Max(double a, double b) { return a < b ? b : a; }
+bool IsNan(double x) { return std::isnan(x); }
+bool IsMissing(double x) { return x == kMissingValue; }
+
+constexpr MathFunction Unary(std::string_view name, double (*function)(double)) {
+  return {name, function, nullptr, nullptr};
+}
+constexpr MathFunction Binary(std::string_view name, double (*function)(double, double)) {
+  return {name, nullptr, function, nullptr};
+}
+constexpr MathFunction Test(std::string_view name, bool (*function)(double)) {
+  return {name, nullptr, nullptr, function};
+}
+
+const MathFunction kMathFunctions[] = {
+    Unary("abs", std::fabs),   Unary("sqrt", std::sqrt),   Unary("exp", std::exp),
+    Unary("log", std::log),    Unary("log10", std::log10), Unary("sin", std::sin),
+    Unary("cos", std::cos),    Unary("tan", std::tan),     Unary("asin", std::asin),
+    Unary("acos", std::acos),  Unary("atan", std::atan),   Unary("sinh", std::sinh),
+    Unary("cosh", std::cosh),  Unary("tanh", std::tanh),   Unary("floor", std::floor),
+    Unary("ceil", std::ceil),  Unary("round", std::round), Binary("atan2", std::atan2),
+    Binary("fmod", std::fmod), Binary("pow", std::pow),    Binary("min", Min),
+    Binary("max", Max),        Test("isnan", IsNan),       Test("ismissing", IsMissing),
+};
+
+class UnaryCall final : public Expr<UnaryCall, double> {
+ public:
+  UnaryCall(double (*function)(double), ValuePtr<double> argument)
+      : function_(function), argument_(std::move(argument)) {}
+  double Eval(Frame& frame) override { return function_(argument_->Eval(frame)); }
+
+ private:
+  double (*function_)(double);
+  ValuePtr<double> argument_;
+};
+
+class BinaryCall final : public Expr<BinaryCall, double> {
+ public:
+  BinaryCall(double (*function)(double, double), ValuePtr<double> first, ValuePtr<double> second)
+      : function_(function), first_(std::move(first)), second_(std::move(second)) {}
+  double Eval(Frame& frame) override {
+    const double first = first_->Eval(frame);
+    return function_(first, second_->Eval(frame));
+  }
+
+ private:
+  double (*function_)(double, double);
+  ValuePtr<double> first_, second_;
+};
+
+class TestCall final : public Expr<TestCall, int> {
+ public:
+  TestCall(bool (*function)(double), ValuePtr<double> argument)
+      : function_(function), argument_(std::move(argument)) {}
+  int Eval(Frame& frame) override { return function_(argument_->Eval(frame)); }
+
+ private:
+  bool (*function_)(double);
+  ValuePtr<double> argument_;
+};
+
+class Assert final : public Node {
+ public:
+  Assert(ValuePtr<int> condition, SourceRange where)
+      : condition_(std::move(condition)), where_(where) {}
+  Flow Exec(Frame& frame) override {
+    if (!condition_->Eval(frame)) {
+      throw ScriptError(where_, status::kFailed, "the assertion does not hold");
+    }
+    return Flow::kNext;
+  }
+
+ private:
+  ValuePtr<int> condition_;
+  SourceRange where_;
+};
+
+class Exit final : public Node {
+ public:
+  explicit Exit(ValuePtr<int> code) : code_(std::move(code)) {}
+  Flow Exec(Frame& frame) override { throw ExitRequest{code_->Eval(frame)}; }
+
+ private:
+  ValuePtr<int> code_;
+};
+
+class Clock final : public Expr<Clock, double> {
+ public:
+  double Eval(Frame&) override {
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration<double>(now).count();
+  }
+};
+
+}  // namespace
+
+const MathFunction* FindMathFunction(std::string_view name) {
+  for (const MathFunction& function : kMathFunctions) {
+    if (function.name == name) return &function;
+  }
+  return nullptr;
+}
+
+NodePtr MakeMathCall(const MathFunction& function, std::vector<NodePtr> arguments) {
+  if (function.binary) {
+    return std::make_unique<BinaryCall>(function.binary, As<double>(std::move(arguments[0])),
+                                        As<double>(std::move(arguments[1])));
+  }
+  if (function.test) {
+    return std::make_unique<TestCall>(function.test, As<double>(std::move(arguments[0])));
+  }
+  return std::make_unique<UnaryCall>(function.unary, As<double>(std::move(arguments[0])));
+}
+
+NodePtr MakeAssert(NodePtr condition, SourceRange where) {
+  return std::make_unique<Assert>(As<int>(std::move(condition)), where);
+}
+
+NodePtr MakeExit(NodePtr code) { return std::make_unique<Exit>(As<int>(std::move(code))); }
+
+NodePtr MakeClock() { return std::make_unique<Clock>(); }
+
+}  // namespace tesselc

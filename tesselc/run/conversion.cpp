@@ -1,0 +1,99 @@
+#include "tesselc/run/arithmetic.h"
+#include "tesselc/run/number_conversion.h"
+#include "tesselc/run/number_types.h"
+#include "tesselc/run/operands.h"
+
+namespace tesselc {
+namespace {
+
+template <class From, class To, class Operand>
+class Convert final : public Expr<Convert<From, To, Operand>, To> {
+ public:
+  explicit Convert(Operand operand) : operand_(std::move(operand)) {}
+  To Eval(Frame& frame) override { return ConvertScalar<To>(operand_.Get(frame)); }
+
+ private:
+  Operand operand_;
+};
+
+template <class From, class To>
+inline constexpr bool kConvertible =
+    (std::is_arithmetic_v<From> || std::is_same_v<From, OneTCcomplex>)
+        ? (std::is_arithmetic_v<To> || std::is_same_v<To, OneTCcomplex>)
+        : !(std::is_arithmetic_v<To> || std::is_same_v<To, OneTCcomplex>);
+
+template <class From, class To>
+NodePtr ConvertOf(NodePtr operand) {
+  if constexpr (!kConvertible<From, To>) {
+    return nullptr;
+  } else {
+    // A constant is converted here and now.
+    if (auto* constant = dynamic_cast<Constant<From>*>(operand.get())) {
+      return MakeConstant<To>(ConvertScalar<To>(constant->value()));
+    }
+    if constexpr (std::is_same_v<From, int> && std::is_same_v<To, double>) {
+      return WithLeftOperand<From>(std::move(operand), [](auto o) -> NodePtr {
+        return std::make_unique<Convert<From, To, decltype(o)>>(std::move(o));
+      });
+    } else {
+      return std::make_unique<Convert<From, To, AnyOperand<From>>>(
+          AnyOperand<From>{As<From>(std::move(operand))});
+    }
+  }
+}
+
+class ComplexFromParts final : public Expr<ComplexFromParts, OneTCcomplex> {
+ public:
+  explicit ComplexFromParts(std::vector<ValuePtr<double>> parts) : parts_(std::move(parts)) {}
+  OneTCcomplex Eval(Frame& frame) override {
+    const double re = !parts_.empty() ? parts_[0]->Eval(frame) : 0;
+    return {re, parts_.size() > 1 ? parts_[1]->Eval(frame) : 0};
+  }
+
+ private:
+  std::vector<ValuePtr<double>> parts_;
+};
+
+template <class P>
+class PointFromParts final : public Expr<PointFromParts<P>, P> {
+ public:
+  explicit PointFromParts(std::vector<ValuePtr<double>> parts) : parts_(std::move(parts)) {}
+  P Eval(Frame& frame) override {
+    P point;
+    for (std::size_t i = 0; i < parts_.size(); ++i) {
+      point[i] = ConvertScalar<typename P::Coordinate>(parts_[i]->Eval(frame));
+    }
+    return point;
+  }
+
+ private:
+  std::vector<ValuePtr<double>> parts_;
+};
+
+}  // namespace
+
+NodePtr MakeConversion(TypeName from, TypeName to, NodePtr operand) {
+  if (from == to) return operand;
+  return WithScalar(from, [&](auto f) {
+    return WithScalar(to, [&](auto t) {
+      return ConvertOf<typename decltype(f)::type, typename decltype(t)::type>(std::move(operand));
+    });
+  });
+}
+
+NodePtr MakeFromParts(TypeName type, std::vector<NodePtr> parts) {
+  std::vector<ValuePtr<double>> numbers;
+  for (NodePtr& part : parts) numbers.push_back(As<double>(std::move(part)));
+  switch (type) {
+    case TypeName::kPoint:
+      return std::make_unique<PointFromParts<PointInt>>(std::move(numbers));
+    case TypeName::kFpoint:
+      return std::make_unique<PointFromParts<PointDouble>>(std::move(numbers));
+    case TypeName::kFpoint3d:
+      return std::make_unique<PointFromParts<Point3D>>(std::move(numbers));
+    default:
+      return std::make_unique<ComplexFromParts>(std::move(numbers));
+  }
+}
+
+}  // namespace tesselc

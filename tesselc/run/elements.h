@@ -1,0 +1,50 @@
+// Elements of objects: of a vector, of a matrix, of an array of scalars, of a text, of a
+// StringArray. Storage moves when an object is resized, so nothing is remembered between uses.
+#pragma once
+
+#include "frame/interface/indices.h"
+#include "host/object_ref.h"
+#include "tesselc/run/carrier.h"
+#include "tesselc/source.h"
+
+namespace tesselc {
+
+// An element that was found to exist. Good until anything else runs.
+struct ElementSpot {
+  void* address = nullptr;  // of its memory, as the element type; null where there is none to see
+  CScriptVelaObject* object = nullptr;
+  MSOINDICES at;
+  vela::host::ObjectRef keep;
+};
+
+// T is a scalar type, or CStringUTF8 for an element that is a text.
+template <class T>
+class ElementNode : public ValueNode<T> {
+ public:
+  // Throws a ScriptError for an index outside.
+  virtual ElementSpot Find(Frame& frame) = 0;
+  virtual T Load(const ElementSpot& spot) = 0;
+  virtual void Store(const ElementSpot& spot, const T& value) = 0;
+};
+
+// `object` is the container, `index` an int64; the element type is that of the container, or
+// double for one whose element type is known only at run time.
+NodePtr MakeVectorElement(TypeName element, NodePtr object, NodePtr index, SourceRange where);
+NodePtr MakeMatrixCell(TypeName element, NodePtr object, NodePtr row, NodePtr column,
+                       SourceRange where);
+// Of `T a[n]`, T a scalar type.
+NodePtr MakeArrayElement(TypeName element, NodePtr object, NodePtr index, SourceRange where);
+// A char of a string object.
+NodePtr MakeTextChar(NodePtr object, NodePtr index, SourceRange where);
+// A text of a StringArray.
+NodePtr MakeTextElement(NodePtr object, NodePtr index, SourceRange where);
+
+// element = value. `carrier` is the element's.
+NodePtr MakeStoreElement(Carrier carrier, NodePtr element, NodePtr value);
+// The element is found once and its value put into the frame at `scratch`, which `combined` reads;
+// the value of that is stored. `first`, when given, runs before. give_old: the value is the
+// element's old one. For scalars.
+NodePtr MakeUpdateElement(TypeName type, NodePtr element, std::uint32_t scratch, NodePtr first,
+                          NodePtr combined, bool give_old);
+
+}  // namespace tesselc

@@ -1,0 +1,256 @@
+#include "tesselc/run/function.h"
+
+#include <cstring>
+
+#include "frame/interface/script_object.h"
+#include "tesselc/run/run.h"
+
+namespace tesselc {
+namespace {
+
+template <class T>
+class ScalarParameter final : public ParameterNode {
+ public:
+  ScalarParameter(std::uint32_t offset, ValuePtr<T> value)
+      : offset_(offset), value_(std::move(value)) {}
+  void Pass(Frame& caller, Passed*, std::byte* callee) override {
+    *reinterpret_cast<T*>(callee + offset_) = value_->Eval(caller);
+  }
+
+ private:
+  std::uint32_t offset_;
+  ValuePtr<T> value_;
+};
+
+class OwnedParameter final : public ParameterNode {
+ public:
+  OwnedParameter(std::uint32_t offset, ValuePtr<ObjectValue> object)
+      : offset_(offset), object_(std::move(object)) {}
+  void Pass(Frame& caller, Passed*, std::byte* callee) override {
+    const ObjectValue value = object_->Eval(caller);
+    value.object->AddRef();
+    *reinterpret_cast<CScriptVelaObject**>(callee + offset_) = value.object;
+  }
+
+ private:
+  std::uint32_t offset_;
+  ValuePtr<ObjectValue> object_;
+};
+
+class VariableParameter final : public ParameterNode {
+ public:
+  VariableParameter(std::uint32_t offset, const VariablePlace& place, NodePtr store)
+      : offset_(offset), place_(place), store_(std::move(store)) {}
+  void Pass(Frame& caller, Passed*, std::byte* callee) override {
+    if (store_) store_->Exec(caller);
+    *reinterpret_cast<void**>(callee + offset_) = place_.Address(caller);
+  }
+
+ private:
+  std::uint32_t offset_;
+  VariablePlace place_;
+  NodePtr store_;
+};
+
+class BorrowedParameter final : public ParameterNode {
+ public:
+  BorrowedParameter(std::uint32_t offset, ValuePtr<ObjectValue> object)
+      : offset_(offset), object_(std::move(object)) {}
+  void Pass(Frame& caller, Passed*, std::byte* callee) override {
+    const ObjectValue value = object_->Eval(caller);
+    *reinterpret_cast<ObjectReference*>(callee + offset_) = {value.object, value.at};
+  }
+
+ private:
+  std::uint32_t offset_;
+  ValuePtr<ObjectValue> object_;
+};
+
+class ReferenceParameter final : public ParameterNode {
+ public:
+  ReferenceParameter(std::uint32_t offset, BindingPtr binding)
+      : offset_(offset), binding_(std::move(binding)) {}
+  bool UsesPassed() const override { return true; }
+  void Pass(Frame& caller, Passed* passed, std::byte* callee) override {
+    binding_->Bind(caller, *passed);
+    *reinterpret_cast<ObjectReference*>(callee + offset_) = {passed->value.object,
+                                                             passed->value.at};
+  }
+  void Complete(Frame& caller, Passed& passed) override { binding_->Complete(caller, passed); }
+
+ private:
+  std::uint32_t offset_;
+  BindingPtr binding_;
+};
+
+template <class T>
+class ElementParameter final : public ParameterNode {
+ public:
+  ElementParameter(std::uint32_t offset, std::unique_ptr<ElementNode<T>> element)
+      : offset_(offset), element_(std::move(element)) {}
+  bool UsesPassed() const override { return true; }
+  void Pass(Frame& caller, Passed* passed, std::byte* callee) override {
+    passed->spot = element_->Find(caller);
+    const T value = element_->Load(passed->spot);
+    passed->text.emplace(reinterpret_cast<const char*>(&value), static_cast<int>(sizeof(T)));
+    std::memcpy(passed->scalar, &value, sizeof(T));
+    *reinterpret_cast<void**>(callee + offset_) = passed->scalar;
+  }
+  void Complete(Frame&, Passed& passed) override {
+    if (std::memcmp(passed.scalar, passed.text->c_str(), sizeof(T)) == 0) return;
+    T value;
+    std::memcpy(&value, passed.scalar, sizeof(T));
+    // The call may have moved the storage, or made the container shorter.
+    passed.spot.address = nullptr;
+    try {
+      element_->Store(passed.spot, value);
+    } catch (const ScriptError&) {
+    }
+  }
+
+ private:
+  std::uint32_t offset_;
+  std::unique_ptr<ElementNode<T>> element_;
+};
+
+// Releases the objects that a frame owns.
+class OwnedSlots {
+ public:
+  OwnedSlots(std::byte* base, const std::vector<std::uint32_t>& slots)
+      : base_(base), slots_(slots) {
+    for (std::uint32_t slot : slots_) At(slot) = nullptr;
+  }
+  ~OwnedSlots() {
+    for (std::uint32_t slot : slots_) {
+      if (At(slot)) At(slot)->Release();
+    }
+  }
+  OwnedSlots(const OwnedSlots&) = delete;
+  OwnedSlots& operator=(const OwnedSlots&) = delete;
+
+ private:
+  CScriptVelaObject*& At(std::uint32_t slot) const {
+    return *reinterpret_cast<CScriptVelaObject**>(base_ + slot);
+  }
+  std::byte* base_;
+  const std::vector<std::uint32_t>& slots_;
+};
+
+class CallBase {
+ public:
+  CallBase(const CompiledFunction& function, std::vector<ParameterPtr> parameters,
+           SourceRange where)
+      : function_(function), parameters_(std::move(parameters)), where_(where) {
+    for (const auto& parameter : parameters_) tidy_ = tidy_ || parameter->UsesPassed();
+  }
+
+ protected:
+  // `result` points at the caller's variable for the result; null for a function without one.
+  void Run(Frame& caller, void* result) {
+    const FrameLease lease(*caller.run, function_.frame_size, where_);
+    const OwnedSlots owned(lease.base(), function_.owned_slots);
+    if (tidy_) {
+      RunTidily(caller, lease.base(), result);
+    } else {
+      for (auto& parameter : parameters_) parameter->Pass(caller, nullptr, lease.base());
+      Execute(caller, lease.base(), result);
+    }
+  }
+
+ private:
+  void RunTidily(Frame& caller, std::byte* base, void* result) {
+    const std::unique_ptr<Passed[]> passed(new Passed[parameters_.size()]);
+    for (std::size_t i = 0; i < parameters_.size(); ++i) {
+      parameters_[i]->Pass(caller, &passed[i], base);
+    }
+    Execute(caller, base, result);
+    for (std::size_t i = 0; i < parameters_.size(); ++i) {
+      parameters_[i]->Complete(caller, passed[i]);
+    }
+  }
+
+  void Execute(Frame& caller, std::byte* base, void* result) {
+    Frame frame{base, caller.run, result};
+    const Flow flow = function_.body->Exec(frame);
+    if (flow != Flow::kReturn && result && !function_.is_main) {
+      throw ScriptError(where_, status::kFailed,
+                        "'" + function_.name + "' ended without returning a value");
+    }
+  }
+
+  const CompiledFunction& function_;
+  std::vector<ParameterPtr> parameters_;
+  SourceRange where_;
+  bool tidy_ = false;
+};
+
+template <class T>
+class CallNode final : public Expr<CallNode<T>, T>, private CallBase {
+ public:
+  using CallBase::CallBase;
+  T Eval(Frame& frame) override {
+    T result{};
+    Run(frame, &result);
+    return result;
+  }
+};
+
+class VoidCall final : public Node, private CallBase {
+ public:
+  using CallBase::CallBase;
+  Flow Exec(Frame& frame) override {
+    Run(frame, nullptr);
+    return Flow::kNext;
+  }
+};
+
+}  // namespace
+
+ParameterPtr MakeScalarParameter(TypeName type, std::uint32_t offset, NodePtr value) {
+  return WithScalar(type, [&](auto t) -> ParameterPtr {
+    using T = typename decltype(t)::type;
+    return std::make_unique<ScalarParameter<T>>(offset, As<T>(std::move(value)));
+  });
+}
+
+ParameterPtr MakeOwnedParameter(std::uint32_t offset, NodePtr object) {
+  return std::make_unique<OwnedParameter>(offset, As<ObjectValue>(std::move(object)));
+}
+
+ParameterPtr MakeVariableParameter(std::uint32_t offset, const VariablePlace& place) {
+  return std::make_unique<VariableParameter>(offset, place, nullptr);
+}
+
+ParameterPtr MakeStoredParameter(std::uint32_t offset, NodePtr store, const VariablePlace& place) {
+  return std::make_unique<VariableParameter>(offset, place, std::move(store));
+}
+
+ParameterPtr MakeBorrowedParameter(std::uint32_t offset, NodePtr object_in_variable) {
+  return std::make_unique<BorrowedParameter>(offset,
+                                             As<ObjectValue>(std::move(object_in_variable)));
+}
+
+ParameterPtr MakeReferenceParameter(std::uint32_t offset, BindingPtr binding) {
+  return std::make_unique<ReferenceParameter>(offset, std::move(binding));
+}
+
+ParameterPtr MakeElementParameter(TypeName type, std::uint32_t offset, NodePtr element) {
+  return WithScalar(type, [&](auto t) -> ParameterPtr {
+    using T = typename decltype(t)::type;
+    auto typed = std::unique_ptr<ElementNode<T>>(static_cast<ElementNode<T>*>(element.release()));
+    return std::make_unique<ElementParameter<T>>(offset, std::move(typed));
+  });
+}
+
+NodePtr MakeCall(const CompiledFunction& function, std::vector<ParameterPtr> parameters,
+                 SourceRange where) {
+  if (function.result == TypeName::kVoid) {
+    return std::make_unique<VoidCall>(function, std::move(parameters), where);
+  }
+  return WithCarrier(function.result, [&](auto t) -> NodePtr {
+    return std::make_unique<CallNode<typename decltype(t)::type>>(function, std::move(parameters),
+                                                                  where);
+  });
+}
+
+}  // namespace tesselc

@@ -1,0 +1,452 @@
+#include "tesselc/run/objects.h"
+
+#include <limits>
+
+#include "frame/interface/script_object.h"
+#include "tesselc/run/number_conversion.h"
+#include "tesselc/run/run.h"
+#include "tesselc/run/status_text.h"
+
+namespace tesselc {
+
+void CheckStatus(int status, const char* what, const SourceRange& where) {
+  if (status == status::kOk) return;
+  throw ScriptError(where, status,
+                    std::string("cannot ") + what + ": status " + std::to_string(status) + " (" +
+                        StatusText(status) + ")");
+}
+
+namespace {
+
+using vela::host::ObjectRef;
+using ObjectPtr = ValuePtr<ObjectValue>;
+
+ObjectRef CopyOf(const ObjectValue& value, const ObjectType& type, Run& run,
+                 const SourceRange& where) {
+  if (value.at.kind == 0) {
+    ObjectRef copy(value.object->CreateCopy());
+    if (copy) return copy;
+  }
+  ObjectRef copy = run.Create(type.type_word, 0, type.name, where);
+  CheckStatus(copy->Operate2(nullptr, operation::kAssign, value.AsOperand(), 0), "copy", where);
+  return copy;
+}
+
+const char* NameOfOperation(unsigned op) {
+  switch (op) {
+    case operation::kAssign:
+      return "assign";
+    case operation::kAdd:
+      return "add";
+    case operation::kSubtract:
+      return "subtract";
+    case operation::kMultiply:
+      return "multiply";
+    case operation::kDivide:
+      return "divide";
+    default:
+      return "raise to a power";
+  }
+}
+
+template <class T>
+void Operate(const ObjectValue& target, unsigned op, const T& source, const SourceRange& where) {
+  int result;
+  if constexpr (std::is_same_v<T, ObjectValue>) {
+    result = target.object->Operate2(target.At(), op, source.AsOperand(), 0);
+  } else {
+    const auto plain = tagMSOOBJVECT::Plain(ConvertScalar<OneTCcomplex>(source),
+                                            std::is_same_v<T, OneTCcomplex> ? kTypeComplex
+                                            : std::is_integral_v<T>         ? kTypeInt
+                                                                            : kTypeDouble);
+    result = target.object->Operate2(target.At(), op | operation::kPlainOperand, plain, 0);
+  }
+  CheckStatus(result, NameOfOperation(op), where);
+}
+
+// The types that can be the other operand of an operation on an object.
+template <class F>
+NodePtr WithOperand(Carrier carrier, F&& f) {
+  if (carrier == kObjectCarrier) return f(std::type_identity<ObjectValue>());
+  if (carrier == TypeName::kComplex) return f(std::type_identity<OneTCcomplex>());
+  return WithNumber(carrier, std::forward<F>(f));
+}
+
+class LoadObject final : public Expr<LoadObject, ObjectValue> {
+ public:
+  LoadObject(ObjectPlace place, std::string name, SourceRange where)
+      : place_(place), name_(std::move(name)), where_(where) {}
+  ObjectValue Eval(Frame& frame) override {
+    CScriptVelaObject* object = place_.Slot(frame);
+    if (!object) {
+      throw ScriptError(where_, status::kUnresolved,
+                        "'" + name_ + "' is used before its declaration has run");
+    }
+    return ObjectValue(object);
+  }
+
+ private:
+  ObjectPlace place_;
+  std::string name_;
+  SourceRange where_;
+};
+
+class LoadReference final : public Expr<LoadReference, ObjectValue> {
+ public:
+  explicit LoadReference(std::uint32_t offset) : offset_(offset) {}
+  ObjectValue Eval(Frame& frame) override {
+    const auto& reference = frame.At<ObjectReference>(offset_);
+    return ObjectValue(reference.object, reference.at);
+  }
+
+ private:
+  std::uint32_t offset_;
+};
+
+class DeclareObject final : public Node {
+ public:
+  DeclareObject(ObjectPlace place, ObjectType type, ValuePtr<std::int64_t> count, SourceRange where)
+      : place_(place), type_(std::move(type)), count_(std::move(count)), where_(where) {}
+  Flow Exec(Frame& frame) override {
+    ObjectRef object = frame.run->Create(type_.type_word, Count(frame), type_.name, where_);
+    object->AddRef();
+    CScriptVelaObject* old = std::exchange(place_.Slot(frame), object.Get());
+    if (old) old->Release();
+    return Flow::kNext;
+  }
+
+ private:
+  unsigned Count(Frame& frame) {
+    if (!count_) return 0;
+    const std::int64_t count = count_->Eval(frame);
+    if (count < 1 || count > std::numeric_limits<std::int32_t>::max()) {
+      throw ScriptError(where_, status::kBadValue,
+                        "an array cannot have " + std::to_string(count) + " elements");
+    }
+    return static_cast<unsigned>(count);
+  }
+
+  ObjectPlace place_;
+  ObjectType type_;
+  ValuePtr<std::int64_t> count_;
+  SourceRange where_;
+};
+
+class BindReference final : public Node {
+ public:
+  BindReference(std::uint32_t offset, ObjectPtr object)
+      : offset_(offset), object_(std::move(object)) {}
+  Flow Exec(Frame& frame) override {
+    const ObjectValue value = object_->Eval(frame);
+    frame.At<ObjectReference>(offset_) = {value.object, value.at};
+    return Flow::kNext;
+  }
+
+ private:
+  std::uint32_t offset_;
+  ObjectPtr object_;
+};
+
+class ArrayItem final : public Expr<ArrayItem, ObjectValue> {
+ public:
+  ArrayItem(ObjectPtr object, ValuePtr<std::int64_t> index, SourceRange where)
+      : object_(std::move(object)), index_(std::move(index)), where_(where) {}
+  ObjectValue Eval(Frame& frame) override {
+    ObjectValue value = object_->Eval(frame);
+    const std::int64_t index = index_->Eval(frame);
+    const int count = value.object->GetArraySize();
+    if (index < 0 || index >= count) ThrowIndexError(where_, index, count);
+    value.at = MSOINDICES::Object(static_cast<std::int32_t>(index));
+    return value;
+  }
+
+ private:
+  ObjectPtr object_;
+  ValuePtr<std::int64_t> index_;
+  SourceRange where_;
+};
+
+class Keep final : public Expr<Keep, ObjectValue> {
+ public:
+  explicit Keep(ObjectPtr object) : object_(std::move(object)) {}
+  ObjectValue Eval(Frame& frame) override {
+    ObjectValue value = object_->Eval(frame);
+    value.keep = ObjectRef(value.object);
+    return value;
+  }
+
+ private:
+  ObjectPtr object_;
+};
+
+class Copy final : public Expr<Copy, ObjectValue> {
+ public:
+  Copy(ObjectPtr object, ObjectType type, SourceRange where)
+      : object_(std::move(object)), type_(std::move(type)), where_(where) {}
+  ObjectValue Eval(Frame& frame) override {
+    ObjectValue value = object_->Eval(frame);
+    // A temporary is nobody else's already.
+    if (value.keep && value.at.kind == 0) return value;
+    return ObjectValue(CopyOf(value, type_, *frame.run, where_));
+  }
+
+ private:
+  ObjectPtr object_;
+  ObjectType type_;
+  SourceRange where_;
+};
+
+template <class T>
+class Temporary final : public Expr<Temporary<T>, ObjectValue> {
+ public:
+  Temporary(ObjectType type, ValuePtr<T> value, SourceRange where)
+      : type_(std::move(type)), value_(std::move(value)), where_(where) {}
+  ObjectValue Eval(Frame& frame) override {
+    const T value = value_->Eval(frame);
+    ObjectValue result(frame.run->Create(type_.type_word, 0, type_.name, where_));
+    if constexpr (std::is_same_v<T, CStringUTF8>) {
+      CheckStatus(result.object->SetStringValue(nullptr, value), "assign", where_);
+    } else {
+      Operate(result, operation::kAssign, value, where_);
+    }
+    return result;
+  }
+
+ private:
+  ObjectType type_;
+  ValuePtr<T> value_;
+  SourceRange where_;
+};
+
+template <class T>
+class OperateInPlace final : public Expr<OperateInPlace<T>, ObjectValue> {
+ public:
+  OperateInPlace(unsigned op, ObjectPtr target, ValuePtr<T> source, SourceRange where)
+      : op_(op), target_(std::move(target)), source_(std::move(source)), where_(where) {}
+  ObjectValue Eval(Frame& frame) override {
+    const T source = source_->Eval(frame);
+    ObjectValue target = target_->Eval(frame);
+    Operate(target, op_, source, where_);
+    return target;
+  }
+
+ private:
+  unsigned op_;
+  ObjectPtr target_;
+  ValuePtr<T> source_;
+  SourceRange where_;
+};
+
+template <class T>
+class OperateOnCopy final : public Expr<OperateOnCopy<T>, ObjectValue> {
+ public:
+  OperateOnCopy(unsigned op, ObjectPtr left, ValuePtr<T> right, SourceRange where)
+      : op_(op), left_(std::move(left)), right_(std::move(right)), where_(where) {}
+  ObjectValue Eval(Frame& frame) override {
+    ObjectValue result = left_->Eval(frame);
+    Operate(result, op_, right_->Eval(frame), where_);
+    return result;
+  }
+
+ private:
+  unsigned op_;
+  ObjectPtr left_;  // a Copy
+  ValuePtr<T> right_;
+  SourceRange where_;
+};
+
+template <class T>
+class OperateOnFilled final : public Expr<OperateOnFilled<T>, ObjectValue> {
+ public:
+  OperateOnFilled(unsigned op, ValuePtr<T> left, ObjectPtr right, SourceRange where)
+      : op_(op), left_(std::move(left)), right_(std::move(right)), where_(where) {}
+  ObjectValue Eval(Frame& frame) override {
+    const T left = left_->Eval(frame);
+    const ObjectValue right = right_->Eval(frame);
+    ObjectValue result(
+        CopyOf(right, {right.object->GetTypeID(), "the operand"}, *frame.run, where_));
+    Operate(result, operation::kAssign, left, where_);
+    Operate(result, op_, right, where_);
+    return result;
+  }
+
+ private:
+  unsigned op_;
+  ValuePtr<T> left_;
+  ObjectPtr right_;
+  SourceRange where_;
+};
+
+class CompareObjects final : public Expr<CompareObjects, int> {
+ public:
+  CompareObjects(unsigned op, ObjectPtr left, ObjectPtr right, SourceRange where)
+      : op_(op), left_(std::move(left)), right_(std::move(right)), where_(where) {}
+  int Eval(Frame& frame) override {
+    const ObjectValue left = left_->Eval(frame);
+    const ObjectValue right = right_->Eval(frame);
+    unsigned flags = 0;
+    CheckStatus(left.object->CompareVals(left.At(), op_, right.AsOperand(), &flags), "compare",
+                where_);
+    return (flags & operation::kCompareTrue) != 0;
+  }
+
+ private:
+  unsigned op_;
+  ObjectPtr left_, right_;
+  SourceRange where_;
+};
+
+class TextOf final : public Expr<TextOf, CStringUTF8> {
+ public:
+  TextOf(ObjectPtr object, SourceRange where) : object_(std::move(object)), where_(where) {}
+  CStringUTF8 Eval(Frame& frame) override {
+    const ObjectValue value = object_->Eval(frame);
+    CStringUTF8 text;
+    CheckStatus(value.object->GetString(value.At(), text), "get the text", where_);
+    return text;
+  }
+
+ private:
+  ObjectPtr object_;
+  SourceRange where_;
+};
+
+template <bool kAppend>
+class SetText final : public Expr<SetText<kAppend>, ObjectValue> {
+ public:
+  SetText(ObjectPtr object, ValuePtr<CStringUTF8> text, SourceRange where)
+      : object_(std::move(object)), text_(std::move(text)), where_(where) {}
+  ObjectValue Eval(Frame& frame) override {
+    CStringUTF8 text = text_->Eval(frame);
+    ObjectValue value = object_->Eval(frame);
+    if constexpr (kAppend) {
+      CStringUTF8 old;
+      CheckStatus(value.object->GetString(value.At(), old), "get the text", where_);
+      old += text.View();
+      text = std::move(old);
+    }
+    CheckStatus(value.object->SetStringValue(value.At(), text), "set the text", where_);
+    return value;
+  }
+
+ private:
+  ObjectPtr object_;
+  ValuePtr<CStringUTF8> text_;
+  SourceRange where_;
+};
+
+template <class T>
+class NumberOf final : public Expr<NumberOf<T>, T> {
+ public:
+  NumberOf(ObjectPtr object, SourceRange where) : object_(std::move(object)), where_(where) {}
+  T Eval(Frame& frame) override {
+    const ObjectValue value = object_->Eval(frame);
+    T number{};
+    CheckStatus(value.object->GetNumericValue(value.At(), number), "get a number", where_);
+    return number;
+  }
+
+ private:
+  ObjectPtr object_;
+  SourceRange where_;
+};
+
+}  // namespace
+
+NodePtr MakeLoadObject(const ObjectPlace& place, std::string name, SourceRange where) {
+  if (place.mode == ObjectPlace::Mode::kReference) {
+    return std::make_unique<LoadReference>(place.offset);
+  }
+  return std::make_unique<LoadObject>(place, std::move(name), where);
+}
+
+NodePtr MakeDeclareObject(const ObjectPlace& place, ObjectType type, NodePtr count,
+                          SourceRange where) {
+  auto number = count ? As<std::int64_t>(std::move(count)) : nullptr;
+  return std::make_unique<DeclareObject>(place, std::move(type), std::move(number), where);
+}
+
+NodePtr MakeBindReference(std::uint32_t offset, NodePtr object) {
+  return std::make_unique<BindReference>(offset, As<ObjectValue>(std::move(object)));
+}
+
+NodePtr MakeArrayItem(NodePtr object, NodePtr index, SourceRange where) {
+  return std::make_unique<ArrayItem>(As<ObjectValue>(std::move(object)),
+                                     As<std::int64_t>(std::move(index)), where);
+}
+
+NodePtr MakeCopy(NodePtr object, ObjectType type, SourceRange where) {
+  return std::make_unique<Copy>(As<ObjectValue>(std::move(object)), std::move(type), where);
+}
+
+NodePtr MakeTemporary(ObjectType type, Carrier carrier, NodePtr value, SourceRange where) {
+  if (carrier == kTextCarrier) {
+    return std::make_unique<Temporary<CStringUTF8>>(std::move(type),
+                                                    As<CStringUTF8>(std::move(value)), where);
+  }
+  return WithOperand(carrier, [&](auto t) -> NodePtr {
+    using T = typename decltype(t)::type;
+    return std::make_unique<Temporary<T>>(std::move(type), As<T>(std::move(value)), where);
+  });
+}
+
+NodePtr MakeOperate(unsigned op, NodePtr target, Carrier carrier, NodePtr source,
+                    SourceRange where) {
+  return WithOperand(carrier, [&](auto t) -> NodePtr {
+    using T = typename decltype(t)::type;
+    return std::make_unique<OperateInPlace<T>>(op, As<ObjectValue>(std::move(target)),
+                                               As<T>(std::move(source)), where);
+  });
+}
+
+NodePtr MakeOperateOnCopy(unsigned op, NodePtr left, Carrier carrier, NodePtr right,
+                          SourceRange where) {
+  return WithOperand(carrier, [&](auto t) -> NodePtr {
+    using T = typename decltype(t)::type;
+    return std::make_unique<OperateOnCopy<T>>(op, As<ObjectValue>(std::move(left)),
+                                              As<T>(std::move(right)), where);
+  });
+}
+
+NodePtr MakeOperateOnFilled(unsigned op, Carrier scalar, NodePtr left, NodePtr right,
+                            SourceRange where) {
+  return WithOperand(scalar, [&](auto t) -> NodePtr {
+    using T = typename decltype(t)::type;
+    return std::make_unique<OperateOnFilled<T>>(op, As<T>(std::move(left)),
+                                                As<ObjectValue>(std::move(right)), where);
+  });
+}
+
+NodePtr MakeCompareObjects(unsigned op, NodePtr left, NodePtr right, SourceRange where) {
+  return std::make_unique<CompareObjects>(op, As<ObjectValue>(std::move(left)),
+                                          As<ObjectValue>(std::move(right)), where);
+}
+
+NodePtr MakeTextOf(NodePtr object, SourceRange where) {
+  return std::make_unique<TextOf>(As<ObjectValue>(std::move(object)), where);
+}
+
+NodePtr MakeSetText(NodePtr object, NodePtr text, SourceRange where) {
+  return std::make_unique<SetText<false>>(As<ObjectValue>(std::move(object)),
+                                          As<CStringUTF8>(std::move(text)), where);
+}
+
+NodePtr MakeAppendText(NodePtr object, NodePtr text, SourceRange where) {
+  return std::make_unique<SetText<true>>(As<ObjectValue>(std::move(object)),
+                                         As<CStringUTF8>(std::move(text)), where);
+}
+
+NodePtr MakeKeep(NodePtr object) {
+  return std::make_unique<Keep>(As<ObjectValue>(std::move(object)));
+}
+
+NodePtr MakeNumberOf(TypeName scalar, NodePtr object, SourceRange where) {
+  const auto make = [&](auto t) -> NodePtr {
+    return std::make_unique<NumberOf<typename decltype(t)::type>>(
+        As<ObjectValue>(std::move(object)), where);
+  };
+  if (scalar == TypeName::kComplex) return make(std::type_identity<OneTCcomplex>());
+  return WithNumber(scalar, make);
+}
+
+}  // namespace tesselc

@@ -1,0 +1,47 @@
+#include "tesselc/run/output.h"
+
+#include <cstdio>
+
+#include "host/output.h"
+
+#if defined(_WIN32)
+#include <fcntl.h>
+#include <io.h>
+#endif
+
+namespace tesselc {
+
+Output::Output() {
+#if defined(_WIN32)
+  // Text comes out as it was written, the same on every platform.
+  _setmode(_fileno(stdout), _O_BINARY);
+  _setmode(_fileno(stderr), _O_BINARY);
+#endif
+  vela::host::SetOutputSink(
+      [this](vela::host::OutputTarget target, std::string_view text, unsigned) {
+        if (target == vela::host::OutputTarget::kOutput) {
+          Write(text);
+        } else {
+          WriteError(text);
+        }
+      });
+}
+
+Output::~Output() {
+  vela::host::SetOutputSink({});
+  Flush();
+}
+
+void Output::Flush() {
+  std::fwrite(buffer_.data(), 1, buffer_.size(), stdout);
+  std::fflush(stdout);
+  buffer_.clear();
+}
+
+void Output::WriteError(std::string_view text) {
+  Flush();
+  std::fwrite(text.data(), 1, text.size(), stderr);
+  std::fflush(stderr);
+}
+
+}  // namespace tesselc

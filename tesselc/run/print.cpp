@@ -1,0 +1,91 @@
+#include "tesselc/run/print.h"
+
+#include "tesselc/run/display.h"
+#include "tesselc/run/printf_format.h"
+#include "tesselc/run/run.h"
+
+namespace tesselc {
+namespace {
+
+template <class T>
+T ValueOf(Node& node, Frame& frame) {
+  return static_cast<ValueNode<T>&>(node).Eval(frame);
+}
+
+class Print final : public Node {
+ public:
+  Print(std::vector<PrintArgument> arguments, SourceRange where)
+      : arguments_(std::move(arguments)), where_(where) {}
+  Flow Exec(Frame& frame) override {
+    std::string line;
+    for (std::size_t i = 0; i < arguments_.size(); ++i) {
+      if (i > 0) line += ' ';
+      Append(line, arguments_[i], frame);
+    }
+    line += '\n';
+    frame.run->output().Write(line);
+    return Flow::kNext;
+  }
+
+ private:
+  void Append(std::string& line, const PrintArgument& argument, Frame& frame) {
+    WithCarrier(argument.carrier, [&](auto t) {
+      using T = typename decltype(t)::type;
+      const T value = ValueOf<T>(*argument.value, frame);
+      if constexpr (std::is_same_v<T, CStringUTF8>) {
+        line += value.View();
+      } else if constexpr (std::is_same_v<T, ObjectValue>) {
+        AppendDisplay(line, value, where_);
+      } else if constexpr (std::is_integral_v<T> && std::is_signed_v<T>) {
+        AppendDisplay(line, static_cast<std::int64_t>(value));
+      } else if constexpr (std::is_integral_v<T>) {
+        AppendDisplay(line, static_cast<std::uint64_t>(value));
+      } else {
+        AppendDisplay(line, value);
+      }
+    });
+  }
+
+  std::vector<PrintArgument> arguments_;
+  SourceRange where_;
+};
+
+class Printf final : public Expr<Printf, int> {
+ public:
+  Printf(ValuePtr<CStringUTF8> format, std::vector<PrintArgument> arguments, SourceRange where)
+      : format_(std::move(format)), arguments_(std::move(arguments)), where_(where) {}
+  int Eval(Frame& frame) override {
+    const CStringUTF8 format = format_->Eval(frame);
+    std::vector<FormatArgument> values;
+    for (const PrintArgument& argument : arguments_) values.push_back(Value(argument, frame));
+    const std::string text = FormatPrintf(format.View(), values, where_);
+    frame.run->output().Write(text);
+    return static_cast<int>(text.size());
+  }
+
+ private:
+  static FormatArgument Value(const PrintArgument& argument, Frame& frame) {
+    if (argument.carrier == kTextCarrier) {
+      return FormatArgument::Text(ValueOf<CStringUTF8>(*argument.value, frame).View());
+    }
+    return WithNumber(argument.carrier, [&](auto t) {
+      return FormatArgument::Number(ValueOf<typename decltype(t)::type>(*argument.value, frame));
+    });
+  }
+
+  ValuePtr<CStringUTF8> format_;
+  std::vector<PrintArgument> arguments_;
+  SourceRange where_;
+};
+
+}  // namespace
+
+NodePtr MakePrint(std::vector<PrintArgument> arguments, SourceRange where) {
+  return std::make_unique<Print>(std::move(arguments), where);
+}
+
+NodePtr MakePrintf(NodePtr format, std::vector<PrintArgument> arguments, SourceRange where) {
+  return std::make_unique<Printf>(As<CStringUTF8>(std::move(format)), std::move(arguments), where);
+}
+
+}  // namespace tesselc

@@ -1,0 +1,45 @@
+#include "tesselc/run/range_loop.h"
+
+#include "frame/interface/script_object.h"
+#include "tesselc/run/objects.h"
+
+namespace tesselc {
+namespace {
+
+class RangeLoopNode final : public Node {
+ public:
+  explicit RangeLoopNode(RangeLoop loop)
+      : loop_(std::move(loop)), container_(As<ObjectValue>(std::move(loop_.container))) {}
+
+  Flow Exec(Frame& frame) override {
+    const ObjectValue container = container_->Eval(frame);
+    frame.At<ObjectReference>(loop_.object) = {container.object, container.at};
+    for (std::int64_t i = 0; i < Size(container); ++i) {
+      frame.At<std::int64_t>(loop_.position) = i;
+      loop_.load->Exec(frame);
+      const Flow flow = loop_.body->Exec(frame);
+      // The body may have made the container shorter than the element's index.
+      if (loop_.store && i < Size(container)) loop_.store->Exec(frame);
+      if (flow == Flow::kBreak) break;
+      if (flow == Flow::kReturn) return flow;
+    }
+    return Flow::kNext;
+  }
+
+ private:
+  std::int64_t Size(const ObjectValue& container) const {
+    int upper = -1;
+    CheckStatus(container.object->GetUpperBound(container.At(), upper), "get the size",
+                loop_.where);
+    return std::int64_t{upper} + 1;
+  }
+
+  RangeLoop loop_;
+  ValuePtr<ObjectValue> container_;
+};
+
+}  // namespace
+
+NodePtr MakeRangeLoop(RangeLoop loop) { return std::make_unique<RangeLoopNode>(std::move(loop)); }
+
+}  // namespace tesselc

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+
+#include "tesselc/run/carrier.h"
+#include "tesselc/source.h"
+
+namespace tesselc {
+
+// for (T x : container). Before each round the frame's int64 at `position` is the index of the
+// element, and `load` is run; after a round that went on, `store` (null for a loop by value), which
+// puts the variable back. The object that is walked is found once and lies as an ObjectReference at
+// `object`; its size is looked up before each round, so the body may change it.
+struct RangeLoop {
+  NodePtr container;
+  std::uint32_t object = 0;
+  std::uint32_t position = 0;
+  NodePtr load, store, body;
+  SourceRange where;
+};
+NodePtr MakeRangeLoop(RangeLoop loop);
+
+}  // namespace tesselc

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "tesselc/source.h"
+
+namespace tesselc {
+
+// A mistake that shows only while the script runs. A script catches it as its status.
+class ScriptError {
+ public:
+  ScriptError(SourceRange where, int status, std::string message)
+      : where_(where), status_(status), message_(std::move(message)) {}
+
+  const SourceRange& where() const { return where_; }
+  int status() const { return status_; }
+  const std::string& message() const { return message_; }
+
+ private:
+  SourceRange where_;
+  int status_;
+  std::string message_;
+};
+
+// Thrown by exit(): ends the script, past every catch.
+struct ExitRequest {
+  int code;
+};
+
+// "index 5 is outside 0 .. 2", or "... : it has no elements".
+[[noreturn]] void ThrowIndexError(const SourceRange& where, std::int64_t index, std::int64_t count);
+
+}  // namespace tesselc

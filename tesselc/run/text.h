@@ -1,0 +1,14 @@
+// Nodes on texts that are in no object.
+#pragma once
+
+#include "tesselc/run/carrier.h"
+
+namespace tesselc {
+
+NodePtr MakeConcatenation(NodePtr left, NodePtr right);
+// A char as a text of one byte.
+NodePtr MakeTextOfChar(NodePtr character);
+// == != < <= > >= by bytes; the value is an int, 0 or 1.
+NodePtr MakeTextComparison(BinaryOperator op, NodePtr left, NodePtr right);
+
+}  // namespace tesselc

@@ -1,0 +1,482 @@
+#include <cstdio>
+#include <limits>
+
+#include "text_fixture.h"
+
+namespace vela::testing {
+namespace {
+
+// Bytes: a 0, é 1-2, 漢 3-5, b 6. Characters: a 0, é 1, 漢 2, b 3.
+const char* const kMixed = "aé漢b";
+constexpr int kNoResult = -987654321;
+
+TEST(String, PositionsCountBytesOrCharacters) {
+  struct Case {
+    const char* member;
+    std::vector<int> arguments;
+    std::string bytes, characters;
+  };
+  const Case cases[] = {
+      {"Left", {3}, "aé", "aé漢"}, {"Left", {2}, "a\xC3", "aé"},
+      {"Left", {-1}, "", ""},      {"Left", {99}, kMixed, kMixed},
+      {"Right", {1}, "b", "b"},    {"Right", {4}, "漢b", kMixed},
+      {"Right", {-5}, "", ""},     {"Mid", {1}, "é漢b", "é漢b"},
+      {"Mid", {3}, "漢b", "b"},    {"Mid", {2, 1}, "\xA9", "漢"},
+      {"Mid", {-3, 1}, "a", "a"},  {"Mid", {7, 1}, "", ""},
+      {"Mid", {1, -1}, "", ""},    {"Mid", {3, std::numeric_limits<int>::max()}, "漢b", "b"},
+  };
+  const auto call = [](const Case& c) {
+    const ObjectRef s = StringOf(kMixed);
+    return c.arguments.size() == 1 ? Call(s, c.member, c.arguments[0])
+                                   : Call(s, c.member, c.arguments[0], c.arguments[1]);
+  };
+  for (const Case& c : cases) EXPECT_EQ(call(c).text, c.bytes) << c.member;
+  const CharacterModeScope scope;
+  for (const Case& c : cases) EXPECT_EQ(call(c).text, c.characters) << c.member;
+}
+
+TEST(String, LengthAndDelete) {
+  struct Case {
+    int index, count, bytes_left, characters_left;
+    std::string bytes, characters;
+  };
+  const Case cases[] = {
+      {3, 100, 3, 3, "aé", "aé漢"},
+      {0, 1, 6, 3, "é漢b", "é漢b"},
+      {1, 2, 5, 2, "a漢b", "ab"},
+      {-4, 1, 6, 3, "é漢b", "é漢b"},
+      {50, 1, 7, 4, kMixed, kMixed},
+      {1, -1, 7, 4, kMixed, kMixed},
+      {1, std::numeric_limits<int>::max(), 1, 1, "a", "a"},
+  };
+  for (const bool by_characters : {false, true}) {
+    VELAObj::SetCharIndexMode(by_characters);
+    for (const Case& c : cases) {
+      const ObjectRef s = StringOf(kMixed);
+      EXPECT_EQ(Call(s, "Delete", c.index, c.count).Int(),
+                by_characters ? c.characters_left : c.bytes_left);
+      EXPECT_EQ(TextOf(s), by_characters ? c.characters : c.bytes) << c.index << ", " << c.count;
+    }
+    const ObjectRef s = StringOf(kMixed);
+    EXPECT_EQ(Call(s, "GetLength", 0).Int(), 7);
+    EXPECT_EQ(Call(s, "GetLength", 1).Int(), by_characters ? 4 : 7);
+  }
+  VELAObj::SetCharIndexMode(0);
+}
+
+TEST(String, FindInBothModes) {
+  struct Case {
+    const char* sub;
+    int start, case_sensitive, bytes, characters;
+  };
+  const Case cases[] = {
+      {"漢", 0, 1, 3, 2},  {"B", 0, 1, -1, -1},  {"B", 0, 0, 6, 3},   {"É漢", 0, 0, 1, 1},
+      {"a", 1, 1, -1, -1}, {"b", -1, 1, -1, -1}, {"b", 7, 1, -1, -1}, {"zz", 0, 0, -1, -1},
+  };
+  for (const bool by_characters : {false, true}) {
+    VELAObj::SetCharIndexMode(by_characters);
+    for (const Case& c : cases) {
+      EXPECT_EQ(Call(StringOf(kMixed), "Find", c.sub, c.start, c.case_sensitive).Int(),
+                by_characters ? c.characters : c.bytes)
+          << c.sub << " from " << c.start;
+    }
+    const int b = by_characters ? 3 : 6;
+    EXPECT_EQ(Call(StringOf(kMixed), "Find", 'b', 0).Int(), b);
+    EXPECT_EQ(Call(StringOf(kMixed), "Find", static_cast<int>('b'), 1).Int(), b)
+        << "a number stands for a character";
+    EXPECT_EQ(Call(StringOf(kMixed), "Find", 'a', 1).Int(), -1);
+    EXPECT_EQ(Call(StringOf("abcab"), "ReverseFind", 'b').Int(), 4);
+    EXPECT_EQ(Call(StringOf("漢ab"), "ReverseFind", 'b').Int(), by_characters ? 2 : 4);
+  }
+  VELAObj::SetCharIndexMode(0);
+}
+
+TEST(String, InsertGetAtSetAt) {
+  const ObjectRef s = StringOf(kMixed);
+  EXPECT_EQ(Call(s, "GetAt", 6).Int(), 'b');
+  EXPECT_EQ(Call(s, "GetAt", 1).Int(), static_cast<signed char>('\xC3')) << "sign-extended";
+  for (const int outside : {-1, 7, std::numeric_limits<int>::max()}) {
+    EXPECT_EQ(Call(s, "GetAt", outside).status, status::kOutOfRange);
+    EXPECT_EQ(Call(s, "SetAt", outside, 'x').status, status::kOutOfRange);
+    EXPECT_EQ(Call(s, "SetAt", outside, "x").status, status::kOutOfRange);
+  }
+  const ObjectRef unit = StringOf("");
+  EXPECT_EQ(Call(s, "GetAt", 1, unit).Int(), static_cast<signed char>('\xC3'));
+  EXPECT_EQ(TextOf(unit), "\xC3");
+  EXPECT_EQ(Call(s, "GetAt", 1, 5).status, status::kNotAnObject);
+  EXPECT_EQ(Call(s, "GetAt", 1, Null{}).status, status::kNotAnObject);
+
+  EXPECT_EQ(Call(s, "SetAt", 0, 'A').status, 0);
+  EXPECT_EQ(Call(s, "SetAt", 6, "xyz").status, 0);
+  EXPECT_EQ(TextOf(s), "Aé漢xyz");
+  EXPECT_EQ(Call(s, "Insert", 1, '-').Int(), 10);
+  EXPECT_EQ(Call(s, "Insert", -7, "<").Int(), 11);
+  EXPECT_EQ(Call(s, "Insert", 999, ">").Int(), 12);
+  EXPECT_EQ(TextOf(s), "<A-é漢xyz>");
+
+  const CharacterModeScope scope;
+  EXPECT_EQ(Call(s, "GetAt", 4, unit).status, 0);
+  EXPECT_EQ(TextOf(unit), "漢");
+  EXPECT_EQ(Call(s, "SetAt", 4, "字字").status, 0);
+  EXPECT_EQ(Call(s, "Insert", 3, "é").Int(), 11);
+  EXPECT_EQ(TextOf(s), "<A-éé字字xyz>");
+  EXPECT_EQ(Call(s, "SetAt", 11, "x").status, status::kOutOfRange);
+}
+
+TEST(String, StatusesOfWrongCalls) {
+  const struct {
+    const char* member;
+    std::vector<const char*> texts;
+    int status;
+  } cases[] = {
+      {"Delete", {}, status::kFailed},
+      {"Delete", {"1", "1", "1"}, status::kFailed},
+      {"GetLength", {}, status::kBadArguments},
+      {"Left", {}, status::kBadArguments},
+      {"Mid", {}, status::kBadArguments},
+      {"Mid", {"1", "1", "1"}, status::kBadArguments},
+      {"Compare", {nullptr}, status::kNullText},
+      {"CompareNoCase", {nullptr}, status::kNullText},
+      {"Empty", {"x"}, status::kBadArguments},
+      {"Format", {}, status::kBadArguments},
+      {"ReleaseBuffer", {"1", "1"}, status::kFailed},
+      {"Count", {"text"}, status::kFailed},
+      {"Remove", {"text"}, status::kFailed},
+      {"GetTokens", {"text"}, status::kFailed},
+      {"SetTokens", {"text"}, status::kFailed},
+      {"SetUTF16", {"x"}, status::kBadArguments},
+      {"Match", {"x"}, status::kBadArguments},
+  };
+  for (const auto& c : cases) {
+    CallFrame frame;
+    for (const char* text : c.texts) frame.AddText(text);
+    const ObjectRef s = StringOf("text");
+    CTypeBase* owner = nullptr;
+    const CClassMember* row = s->FindMember(c.member, 0, &owner, 0);
+    ASSERT_NE(row, nullptr);
+    EXPECT_EQ(owner->DoMethod(row->GetHandler(), &frame), c.status) << c.member;
+    EXPECT_EQ(TextOf(s), "text");
+  }
+  EXPECT_EQ(Call(StringOf("t"), "TrimLeft", 1.5).status, status::kFailed);
+  EXPECT_EQ(Call(StringOf("t"), "Insert", 0, 1.5).status, status::kFailed);
+  EXPECT_EQ(Call(StringOf("t"), "Replace", 'a', "b").status, status::kFailed);
+  EXPECT_EQ(Call(StringOf("t"), "Replace", "a", 'b').status, status::kFailed);
+  EXPECT_EQ(Call(StringOf("t"), "SetUTF16", 5, 1).status, status::kBadValue);
+  EXPECT_EQ(Call(StringOf("t"), "GetBytes", VectorOf<int>({1})).status, status::kFailed);
+  const Result wrong_count = Call(StringOf("text"), "Left", 1, 2);
+  EXPECT_EQ(wrong_count.status, status::kBadArguments);
+  EXPECT_EQ(wrong_count.integer, 0) << "an exact count leaves the result 0";
+  EXPECT_EQ(wrong_count.kind, CallFrame::ResultKind::kInt);
+  EXPECT_EQ(Call(StringOf("text"), "MakeUpper", 1).kind, CallFrame::ResultKind::kNone);
+}
+
+TEST(String, ReplaceRemoveCountTrim) {
+  struct Case {
+    const char *text, *old_text, *new_text;
+    int case_sensitive, count;
+    const char* result;
+  };
+  const Case cases[] = {
+      {"abABab", "AB", "ab", 0, 3, "ababab"}, {"aaa", "a", "aa", 0, 3, "aaaaaa"},
+      {"aaa", "aa", "a", 1, 1, "aa"},         {"text", "", "x", 0, 0, "text"},
+      {"text", "", "x", 1, 0, "text"},        {"text", "zz", "x", 0, 0, "text"},
+      {"xÉy é", "é", "", 0, 2, "xy "},        {"Straße STRASSE", "STRASSE", "s", 0, 2, "s s"},
+      {"a.b.c", ".", "", 1, 2, "abc"},
+  };
+  for (const Case& c : cases) {
+    const ObjectRef s = StringOf(c.text);
+    EXPECT_EQ(Call(s, "Replace", c.old_text, c.new_text, c.case_sensitive).Int(), c.count);
+    EXPECT_EQ(TextOf(s), c.result);
+  }
+  const ObjectRef s = StringOf("banana");
+  EXPECT_EQ(Call(s, "Count", 'a').Int(), 3);
+  EXPECT_EQ(Call(s, "Replace", 'a', 'o').Int(), 3);
+  EXPECT_EQ(Call(s, "Remove", 'n').Int(), 2);
+  EXPECT_EQ(TextOf(s), "booo");
+  const ObjectRef t = StringOf(" \t\u3000xxy\u00A0 ");
+  Call(t, "TrimLeft");
+  Call(t, "TrimRight");
+  EXPECT_EQ(TextOf(t), "xxy") << "Unicode white space";
+  Call(t, "TrimLeft", 'x');
+  EXPECT_EQ(TextOf(t), "y");
+  const ObjectRef u = StringOf("漢é!漢");
+  Call(u, "TrimLeft", "é漢");
+  EXPECT_EQ(TextOf(u), "!漢");
+  EXPECT_EQ(Call(u, "SpanExcluding", "漢").text, "!");
+  EXPECT_EQ(Call(u, "SpanIncluding", "!").text, "!");
+  EXPECT_EQ(Call(u, "FindOneOf", "x漢").Int(), 1);
+  EXPECT_EQ(Call(u, "FindOneOf", "xyz").Int(), -1);
+}
+
+TEST(String, CaseAndComparison) {
+  const ObjectRef s = StringOf("straße é");
+  Call(s, "MakeUpper");
+  EXPECT_EQ(TextOf(s), "STRASSE É");
+  Call(s, "MakeLower");
+  EXPECT_EQ(TextOf(s), "strasse é");
+  EXPECT_LT(Call(StringOf("abc"), "Compare", "abd").Int(), 0);
+  EXPECT_EQ(Call(StringOf("abc"), "Compare", "abc").Int(), 0);
+  EXPECT_GT(Call(StringOf("b"), "Compare", "B").Int(), 0);
+  EXPECT_EQ(Call(StringOf("ÉCOLE"), "CompareNoCase", "école").Int(), 0);
+  EXPECT_NE(Call(StringOf("a"), "CompareNoCase", "b").Int(), 0);
+}
+
+TEST(String, ActsOnCopiesOfItself) {
+  ObjectRef s = StringOf("ab");
+  EXPECT_EQ(Call(s, "Insert", 0, s).Int(), 4);
+  EXPECT_EQ(TextOf(s), "abab");
+  EXPECT_EQ(Call(s, "Insert", 1, s).Int(), 8);
+  EXPECT_EQ(TextOf(s), "aababbab");
+  EXPECT_EQ(Call(s, "Replace", s, "x", 1).Int(), 1);
+  EXPECT_EQ(TextOf(s), "x");
+  EXPECT_EQ(Call(s, "Replace", "x", s, 0).Int(), 1);
+  EXPECT_EQ(TextOf(s), "x");
+  EXPECT_EQ(Call(s, "SetAt", 0, s).status, 0);
+  s = StringOf("<%s>");
+  EXPECT_EQ(Call(s, "Format", s, s).status, 0);
+  EXPECT_EQ(TextOf(s), "<<%s>>");
+  EXPECT_EQ(Call(s, "Find", s, 0, 0).Int(), 0);
+  EXPECT_EQ(Call(s, "Match", s, 1).Int(), 1);
+  EXPECT_EQ(s->Operate2(nullptr, operation::kAdd, tagMSOOBJVECT(s.Get(), kTypeString), 0), 0);
+  EXPECT_EQ(TextOf(s), "<<%s>><<%s>>");
+}
+
+TEST(String, BytesAndUtf16) {
+  const ObjectRef bytes = VectorOf<unsigned char>({'a', 0, 'b', 0xFF});
+  const ObjectRef s = StringOf("old");
+  EXPECT_EQ(Call(s, "SetBytes", bytes).Int(), 1);
+  EXPECT_EQ(Call(s, "GetLength", 0).Int(), 4);
+  const ObjectRef back = VectorOf<unsigned char>({});
+  EXPECT_EQ(Call(s, "GetBytes", back).Int(), 1);
+  EXPECT_EQ(ValuesOf<unsigned char>(back), ValuesOf<unsigned char>(bytes));
+  EXPECT_EQ(Call(s, "GetBytes", Null{}).Int(), 0);
+  EXPECT_EQ(Call(s, "Find", "b", 0, 1).Int(), 2) << "behind the NUL";
+  EXPECT_EQ(Call(s, "Insert", 4, s).Int(), 8) << "NULs are inserted as well";
+  EXPECT_EQ(Call(s, "Mid", 1, 2).text, std::string("\0b", 2));
+
+  const struct {
+    std::u16string units;
+    int length;
+    int status;
+    const char* text;
+  } cases[] = {
+      {u"aé漢", 3, 0, "aé漢"},
+      {u"a漢", 1, 0, "a"},
+      {u"\U0001F600", 2, 0, "\U0001F600"},
+      {u"\U0001F600", 1, 0, "\uFFFD"},
+      {std::u16string(1, u'\xDC00') + u"x", 2, 0, "\uFFFDx"},
+      {std::u16string(u"ab\0cd", 5), -1, 0, "ab"},
+      {u"ab", -1, 0, "ab"},
+      {u"ab", 3, status::kBadArguments, "kept"},
+      {u"ab", std::numeric_limits<int>::max(), status::kBadArguments, "kept"},
+      {u"", 0, 0, ""},
+  };
+  for (const auto& c : cases) {
+    const ObjectRef target = StringOf("kept");
+    const std::string_view raw(reinterpret_cast<const char*>(c.units.data()), c.units.size() * 2);
+    EXPECT_EQ(Call(target, "SetUTF16", StringOf(raw), c.length).status, c.status);
+    EXPECT_EQ(TextOf(target), c.text);
+  }
+  EXPECT_EQ(Call(s, "SetUTF16", s, 2).status, 0) << "its own bytes";
+  EXPECT_EQ(Call(s, "SetUTF16", Null{}, 2).status, 0);
+  EXPECT_EQ(Call(s, "IsEmpty").Int(), 1);
+}
+
+TEST(String, Wildcards) {
+  const struct {
+    const char *text, *pattern;
+    int case_sensitive, matches;
+  } cases[] = {
+      {"data.csv", "*.csv", 1, 1},
+      {"data.CSV", "*.csv", 1, 0},
+      {"data.CSV", "*.csv", 0, 1},
+      {"漢", "?", 1, 1},
+      {"漢", "??", 1, 0},
+      {"", "*", 1, 1},
+      {"", "?", 1, 0},
+      {"", "", 1, 1},
+      {"abcbd", "a*b?", 1, 1},
+      {"aaaa", "*a*a*b", 1, 0},
+      {"a[b]", "a[b]", 1, 1},
+      {"ÉTÉ", "é*É", 0, 1},
+      {"x漢字y", "x*?y", 1, 1},
+      {"ab", "a**b**", 1, 1},
+      {"abc", "ab", 1, 0},
+      {"\xFF\xFE", "??", 1, 1},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(Call(StringOf(c.text), "Match", c.pattern, c.case_sensitive).Int(), c.matches)
+        << c.text << " ~ " << c.pattern;
+  }
+}
+
+TEST(String, NamesAndShortTexts) {
+  const struct {
+    const char *text, *underscores, *dropped;
+  } names[] = {{"3rd value", "_3rd_value", "_3rdvalue"},
+               {"é漢", "__", "_"},
+               {"", "_", "_"},
+               {"_ok1", "_ok1", "_ok1"},
+               {"a\xFF", "a_", "a"}};
+  for (const auto& c : names) {
+    ObjectRef s = StringOf(c.text);
+    Call(s, "MakeValidCName", 0);
+    EXPECT_EQ(TextOf(s), c.underscores);
+    s = StringOf(c.text);
+    Call(s, "MakeValidCName", 1);
+    EXPECT_EQ(TextOf(s), c.dropped);
+  }
+  const struct {
+    const char* text;
+    int most, inside, cut;
+    const char* result;
+  } shorts[] = {
+      {"abcdefghij", 10, 0, 0, "abcdefghij"},
+      {"abcdefghij", 7, 0, 1, "abcd..."},
+      {"abcdefghij", 7, 1, 1, "ab...ij"},
+      {"abcdefghij", 8, 1, 1, "abc...ij"},
+      {"abcdefghij", 3, 1, 1, "..."},
+      {"abcdefghij", 2, 1, 1, "ab"},
+      {"abcdefghij", 0, 0, 1, ""},
+      {"abcdefghij", -5, 0, 1, ""},
+      {"éééé", 6, 0, 1, "é..."},
+      {"éééé", 7, 1, 1, "é...é"},
+      {"éééé", 6, 1, 1, "é..."},
+      {"漢字", 2, 0, 1, ""},
+      {"", 0, 0, 0, ""},
+  };
+  for (const auto& c : shorts) {
+    const ObjectRef s = StringOf(c.text);
+    EXPECT_EQ(Call(s, "Shorten", c.most, c.inside).Int(), c.cut);
+    EXPECT_EQ(TextOf(s), c.result) << c.text << " to " << c.most;
+  }
+}
+
+TEST(String, LentBuffers) {
+  const ObjectRef s = StringOf("abc");
+  const ObjectRef copy(s->CreateCopy());
+  CTypeBase* owner = nullptr;
+  CallFrame frame;
+  frame.AddInt(5);
+  const auto method = [&](const char* name) {
+    return owner->DoMethod(s->FindMember(name, 0, &owner, 0)->GetHandler(), &frame);
+  };
+  s->FindMember("GetBuffer", 0, &owner, 0);
+  ASSERT_EQ(method("GetBufferSetLength"), 0);
+  auto* buffer = static_cast<char*>(frame.ResultMemory());
+  EXPECT_EQ(std::string(buffer, 5), std::string("abc\0\0", 5)) << "new bytes are zero";
+  std::memcpy(buffer, "12345", 5);
+  Call(s, "ReleaseBuffer", 4);
+  EXPECT_EQ(TextOf(s), "1234");
+  EXPECT_EQ(TextOf(copy), "abc") << "a copy shares nothing that is lent";
+  ASSERT_EQ(method("GetBuffer"), 0);
+  static_cast<char*>(frame.ResultMemory())[2] = '\0';
+  Call(s, "ReleaseBuffer");
+  EXPECT_EQ(TextOf(s), "12") << "up to the NUL";
+  EXPECT_EQ(Call(s, "ReleaseBuffer", 1000000).status, 0) << "no further than the buffer";
+  EXPECT_EQ(Call(s, "GetBuffer", -1).status, status::kBadArguments);
+  EXPECT_EQ(Call(s, "GetBufferSetLength", -1).status, status::kBadArguments);
+  EXPECT_EQ(Call(s, "GetBuffer", std::numeric_limits<int>::max()).status, status::kCannotResize);
+  EXPECT_EQ(Call(s, "FreeExtra").status, 0);
+  frame.Reset();
+  ASSERT_EQ(method("LockBuffer"), 0);
+  *static_cast<char*>(frame.ResultMemory()) = 'x';
+  EXPECT_EQ(Call(s, "UnlockBuffer").status, 0);
+  EXPECT_EQ(TextOf(s)[0], 'x');
+}
+
+TEST(String, WritesToItsDestination) {
+  struct Written {
+    host::OutputTarget target;
+    std::string text;
+    unsigned flags;
+  };
+  static std::vector<Written> written;
+  written.clear();
+  host::SetOutputSink([](host::OutputTarget target, std::string_view text, unsigned flags) {
+    written.push_back({target, std::string(text), flags});
+  });
+  const ObjectRef s = StringOf("a\nb");
+  const std::pair<int, unsigned> flags[] = {{0, 1}, {2, 0x1010}, {4, 0x20}, {5, 0x400}, {9, 0}};
+  for (const auto& [destination, expected] : flags) {
+    Call(s, "Write", destination);
+    EXPECT_EQ(written.back().flags, expected);
+    EXPECT_EQ(written.back().text, "a\nb");
+    Call(s, "WriteLine", destination);
+    EXPECT_EQ(written.back().flags, expected | 8u);
+    EXPECT_EQ(written.back().text, "a\nb\n");
+  }
+  const std::size_t before = written.size();
+  Call(s, "WriteLine", 1);
+  host::SetOutputSink({});
+  ASSERT_EQ(written.size(), before + 1) << "the status bar gets it, and nothing else";
+  EXPECT_EQ(written.back().target, host::OutputTarget::kStatus);
+}
+
+TEST(String, FileSystemTests) {
+  EXPECT_EQ(Call(StringOf("."), "IsPath").Int(), 1);
+  EXPECT_EQ(Call(StringOf("."), "IsFile").Int(), 0);
+  const std::string name = ::testing::TempDir() + "é漢.txt";
+  EXPECT_EQ(Call(StringOf("no such é"), "IsFile").Int(), 0);
+  for (const std::string& bad : {std::string(), std::string("\xFF\xFE/x"), std::string(".\0", 2)}) {
+    EXPECT_EQ(Call(StringOf(bad), "IsPath").Int(), 0);
+    EXPECT_EQ(Call(StringOf(bad), "IsFile").Int(), 0);
+  }
+}
+
+TEST(String, ValuesOperatorsAndComparisons) {
+  const ObjectRef s = Make(kTypeString, 3);
+  const MSOINDICES second = MSOINDICES::Object(1);
+  EXPECT_EQ(s->SetNumericValue(&second, 0.1), 0);
+  EXPECT_EQ(TextOf(s, &second), "0.1");
+  EXPECT_EQ(s->SetNumericValue(&second, std::int64_t{9007199254740993}), 0);
+  EXPECT_EQ(TextOf(s, &second), "9007199254740993");
+  EXPECT_EQ(s->SetNumericValue(&second, 'c'), 0);
+  EXPECT_EQ(TextOf(s, &second), "c");
+  EXPECT_EQ(CallAt(s, second, "GetLength", 0).Int(), 1) << "a member acts on the addressed string";
+  EXPECT_EQ(CallAt(s, MSOINDICES::Object(3), "Empty").status, status::kUnresolved);
+  EXPECT_EQ(s->SetString(&second, " 0x10 "), 0);
+  int integer = 0;
+  EXPECT_EQ(s->GetInt(&second, integer), 0);
+  EXPECT_EQ(integer, 16);
+  double number = 0;
+  EXPECT_EQ(s->GetDouble(nullptr, number), 0);
+  EXPECT_EQ(number, kMissingValue) << "the empty text";
+
+  const auto apply = [&](unsigned code, const tagMSOOBJVECT& operand) {
+    return s->Operate2(nullptr, code, operand, 0);
+  };
+  EXPECT_EQ(apply(operation::kAssign, tagMSOOBJVECT::Plain(2.5, kTypeDouble)), 0);
+  EXPECT_EQ(apply(operation::kAdd, tagMSOOBJVECT::Plain(double{'x'}, kTypeChar)), 0);
+  const ObjectRef n = ScalarOf(7);
+  EXPECT_EQ(apply(operation::kAdd, tagMSOOBJVECT(n.Get(), kTypeInt)), 0);
+  EXPECT_EQ(TextOf(s), "2.5x7");
+  EXPECT_EQ(apply(operation::kMultiply, tagMSOOBJVECT(n.Get(), kTypeInt)), status::kFailed);
+
+  const ObjectRef other = StringOf("2.6");
+  const tagMSOOBJVECT operand(other.Get(), kTypeString);
+  const std::pair<unsigned, bool> outcomes[] = {
+      {operation::kEqual, false},   {operation::kNotEqual, true},
+      {operation::kLess, true},     {operation::kLessOrEqual, true},
+      {operation::kGreater, false}, {operation::kGreaterOrEqual, false}};
+  for (const auto& [op, expected] : outcomes) {
+    unsigned flags = 5;
+    EXPECT_EQ(s->CompareVals(nullptr, op, operand, &flags), 0);
+    EXPECT_EQ(flags, 5u | (expected ? operation::kCompareTrue : 0)) << op;
+  }
+}
+
+TEST(String, BoundToAnElementActsInPlace) {
+  const ObjectRef array = ArrayOf({"one two", "x"});
+  const ObjectRef s = StringOf("own");
+  ASSERT_EQ(s->SetExternalData(array->GetArrayElement(nullptr, 0)), 0);
+  Call(s, "MakeUpper");
+  EXPECT_EQ(TextsOf(array), (Texts{"ONE TWO", "x"}));
+  EXPECT_EQ(Call(s, "GetTokens", array, 0).Int(), 2) << "into the array that holds the text";
+  EXPECT_EQ(TextsOf(array), (Texts{"ONE", "TWO"}));
+  EXPECT_EQ(s->SetExternalData(nullptr), 0);
+  EXPECT_EQ(TextOf(s), "own");
+}
+
+}  // namespace
+}  // namespace vela::testing

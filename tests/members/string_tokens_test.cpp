@@ -1,0 +1,107 @@
+#include "text_fixture.h"
+
+namespace vela::testing {
+namespace {
+
+struct Case {
+  const char* text;
+  char separator;
+  Texts tokens;
+};
+
+const Case kCases[] = {
+    {"", 0, {}},
+    {"", ',', {}},
+    {"  \t\n ", 0, {}},
+    {" a  b\tc\r\nd ", 0, {"a", "b", "c", "d"}},
+    {"a,b,,c", ',', {"a", "b", "", "c"}},
+    {"a,", ',', {"a", ""}},
+    {",", ',', {"", ""}},
+    {"one", ',', {"one"}},
+    {" a , b ", ',', {" a ", " b "}},
+    {"\"a b\" c", 0, {"a b", "c"}},
+    {"\"a,b\",c", ',', {"a,b", "c"}},
+    {"\"say \"\"hi\"\"\",x", ',', {"say \"hi\"", "x"}},
+    {"\"\"\"\"", ',', {"\""}},
+    {"\"\",\"\"", ',', {"", ""}},
+    {"\"\" a \"\"", 0, {"a"}},
+    {"x,\"open, to the end", ',', {"x", "open, to the end"}},
+    {"x,\"open \"\"quotes\"\"", ',', {"x", "open \"quotes\""}},
+    {"\"a\"b,c", ',', {"ab", "c"}},
+    {"\"a\"\"b\"c d,e", ',', {"a\"bc d", "e"}},
+    {"a\"b,c\"d", ',', {"a\"b", "c\"d"}},
+    {"a\"b\"c", '"', {"a", "b", "c"}},
+    {"é漢;字", ';', {"é漢", "字"}},
+    {"\"", ',', {""}},
+    {"a,\"", ',', {"a", ""}},
+};
+
+TEST(StringTokens, EveryMemberSplitsAlike) {
+  for (const Case& c : kCases) {
+    const ObjectRef s = StringOf(c.text);
+    const ObjectRef array = ArrayOf({"old", "old"});
+    const int count = static_cast<int>(c.tokens.size());
+    EXPECT_EQ(Call(s, "GetTokens", array, c.separator).Int(), count) << c.text;
+    EXPECT_EQ(TextsOf(array), c.tokens) << c.text;
+    EXPECT_EQ(Call(s, "GetNumTokens", c.separator).Int(), count);
+    for (int i = 0; i < count; ++i) {
+      EXPECT_EQ(Call(s, "GetToken", i, c.separator).text, c.tokens[static_cast<std::size_t>(i)]);
+    }
+    EXPECT_EQ(Call(s, "GetToken", count, c.separator).text, "");
+    EXPECT_EQ(Call(s, "GetToken", -1, c.separator).text, "");
+    if (count == 0) continue;
+    const auto first = std::find(c.tokens.begin(), c.tokens.end(), c.tokens.back());
+    EXPECT_EQ(Call(s, "FindToken", c.tokens.back(), c.separator).Int(), first - c.tokens.begin());
+  }
+  EXPECT_EQ(Call(StringOf(""), "FindToken", "", ',').Int(), -1);
+  EXPECT_EQ(Call(StringOf("a b"), "FindToken", "B").Int(), -1);
+  EXPECT_EQ(Call(StringOf("a b c"), "GetNumTokens").Int(), 3) << "white space by default";
+}
+
+TEST(StringTokens, NumbersIntoEveryVector) {
+  const ObjectRef s = StringOf("1.5;0x10;; -3 ;NANUM;none;\"2\";1e400");
+  const ObjectRef doubles = Make(kTypeDouble | kFlagVector);
+  EXPECT_EQ(Call(s, "GetTokens", doubles, ';').Int(), 8);
+  EXPECT_EQ(ValuesOf<double>(doubles),
+            (std::vector<double>{1.5, 16, kMissingValue, -3, kMissingValue, kMissingValue, 2,
+                                 std::numeric_limits<double>::infinity()}));
+  const ObjectRef ints = VectorOf<int>({9, 9});
+  EXPECT_EQ(Call(StringOf("1.9 x -2"), "GetTokens", ints, '\0').Int(), 3);
+  EXPECT_EQ(ValuesOf<int>(ints), (std::vector<int>{1, 0, -2}));
+  const ObjectRef long_token = StringOf(std::string(100, '0') + "7");
+  EXPECT_EQ(Call(long_token, "GetTokens", ints).Int(), 1);
+  EXPECT_EQ(ValuesOf<int>(ints), std::vector<int>{7});
+}
+
+TEST(StringTokens, SetTokensJoins) {
+  const ObjectRef s = StringOf("kept");
+  const ObjectRef array = ArrayOf({"a", "", "c"});
+  EXPECT_EQ(Call(s, "SetTokens", array, '\0').Int(), -1);
+  EXPECT_EQ(TextOf(s), "kept");
+  EXPECT_EQ(Call(s, "SetTokens", array).Int(), 3);
+  EXPECT_EQ(TextOf(s), "a\t\tc");
+  EXPECT_EQ(Call(s, "SetTokens", array, ',').Int(), 3);
+  EXPECT_EQ(TextOf(s), "a,,c");
+  EXPECT_EQ(Call(s, "SetTokens", ArrayOf({}), ',').Int(), 0);
+  EXPECT_EQ(TextOf(s), "");
+  // The string is an element of the array that it is made from.
+  ASSERT_EQ(s->SetExternalData(array->GetArrayElement(nullptr, 1)), 0);
+  EXPECT_EQ(Call(s, "SetTokens", array, '-').Int(), 3);
+  EXPECT_EQ(TextsOf(array), (Texts{"a", "a--c", "c"}));
+  s->SetExternalData(nullptr);
+}
+
+TEST(StringTokens, LargeTextsAreLinear) {
+  std::string text;
+  for (int i = 0; i < 1'000'000; ++i) text += std::to_string(i) + ",";
+  const ObjectRef s = StringOf(text);
+  const ObjectRef array = ArrayOf({});
+  EXPECT_EQ(Call(s, "GetTokens", array, ',').Int(), 1'000'001);
+  const ObjectRef back = StringOf("");
+  EXPECT_EQ(Call(back, "SetTokens", array, ',').Int(), 1'000'001);
+  EXPECT_TRUE(TextOf(back) == text);
+  EXPECT_EQ(Call(s, "Replace", "9,", "<9>", 0).Int(), 100'000);
+}
+
+}  // namespace
+}  // namespace vela::testing
