@@ -116,7 +116,10 @@ class MemberNode {
       throw ScriptError(use_.where, status::kUnsupported,
                         use_.owner + " has no member '" + use_.member + "'");
     }
-    const int result = access == Access::kCall  ? owner->DoMethod(row->GetHandler(), &call)
+    // A member that the catalogue declares a property may be one method that reads without an
+    // argument and sets with one.
+    const bool is_method = access == Access::kCall || !row->IsProperty();
+    const int result = is_method                ? owner->DoMethod(row->GetHandler(), &call)
                        : access == Access::kGet ? owner->DoPropertyGet(row->GetHandler(), &call)
                                                 : owner->DoPropertySet(row->GetSetter(), &call);
     if (result != status::kOk) ThrowMemberError(use_.owner, use_.member, result, use_.where);

@@ -213,7 +213,7 @@ TEST(CallFrame, ObjectsKeepWhatTheyAddress) {
   EXPECT_EQ(object.object, &number);
   EXPECT_EQ(object.type_word, unsigned{kTypeDouble});
   EXPECT_EQ(object.indices.ObjectIndex(), 1);
-  EXPECT_EQ(object.flags, tagMSOOBJVECT::kByReference);
+  EXPECT_EQ(object.flags, std::uint32_t{tagMSOOBJVECT::kByReference});
 
   EXPECT_EQ(frame.GetArgumentReferenceTarget(0, object, 0), 0);
   EXPECT_EQ(frame.GetArgumentReferenceTarget(1, object, 0), status::kBadArguments);

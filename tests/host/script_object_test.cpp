@@ -291,11 +291,11 @@ TEST(Indices, ObjectArgumentFromSeparateIndices) {
   CScriptVelaObject object;
   const tagMSOOBJVECT whole(&object, kTypeInt);
   EXPECT_EQ(whole.indices.kind, 0);
-  const tagMSOOBJVECT cell(&object, kTypeInt, 1, 2, 3, tagMSOOBJVECT::kByReference);
+  const tagMSOOBJVECT cell(&object, kTypeInt, 1, 2, 3, std::uint32_t{tagMSOOBJVECT::kByReference});
   EXPECT_EQ(cell.indices.ObjectIndex(), 1);
   EXPECT_EQ(cell.indices.ElementCount(), 2);
   EXPECT_EQ(cell.indices.column, 3);
-  EXPECT_EQ(cell.flags, tagMSOOBJVECT::kByReference);
+  EXPECT_EQ(cell.flags, std::uint32_t{tagMSOOBJVECT::kByReference});
   const tagMSOOBJVECT element(&object, kTypeInt, tagMSOOBJVECT::kNoIndex, 4);
   EXPECT_EQ(element.indices.ObjectKind(), MSOINDICES::kWhole);
   EXPECT_EQ(element.indices.element, 4);

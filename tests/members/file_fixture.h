@@ -48,6 +48,8 @@ class FileTest : public ::testing::Test {
   }
   // Opens file_ on a file with that content.
   void OpenOn(std::string_view content, int flags = mode::kRead) {
+    // An open file is shared with nobody, so it must be closed before its content is replaced.
+    if (Call(file_, "IsOpen").Int() == 1) Call(file_, "Close");
     ASSERT_EQ(Call(file_, "Open", Write("content", content), flags).Int(), 1);
   }
 

@@ -119,7 +119,8 @@ TEST_F(File, ItemsSurviveTheWayThroughAFile) {
   const int count = static_cast<int>(numbers.size());
   const std::string path = PathOf("numbers");
   for (const int is_little : {0, 1}) {
-    ASSERT_EQ(Call(file_, "Open", path, mode::kCreate | mode::kReadWrite).Int(), 1);
+    const int flags = mode::kCreate | mode::kReadWrite | mode::kDenyNone;
+    ASSERT_EQ(Call(file_, "Open", path, flags).Int(), 1);
     EXPECT_EQ(Call(file_, "WriteFloat", source, 8, count, is_little).Int(), count);
     EXPECT_EQ(ValuesOf<double>(source), numbers) << "unchanged by the write";
     unsigned char first[8];

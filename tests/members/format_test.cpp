@@ -24,10 +24,23 @@ std::string Printed(const std::string& format, T value) {
 const char* const kFlags[] = {"", "-", "+", " ", "#", "0", "-+", "+0", "# ", "-0", "#0", " +#0-"};
 const char* const kSizes[] = {"", "1", "12", ".0", ".1", ".5", ".20", "15.3", "30.12"};
 
+// Whether the C standard gives the flags a meaning with the conversion; where it does not, the C
+// libraries differ.
+bool IsDefined(const std::string& flags, const std::string& type) {
+  const bool is_signed = type.ends_with('d') || type.ends_with('i');
+#if defined(_WIN32)
+  // This C library gives "" for %#.0o of 0, where the standard asks for "0".
+  if (type.ends_with('o') && flags.find('#') != std::string::npos) return false;
+#endif
+  if (!is_signed && flags.find_first_of("+ ") != std::string::npos) return false;
+  return flags.find('#') == std::string::npos || (!is_signed && !type.ends_with('u'));
+}
+
 TEST(Format, IntegersAsPrintfDoes) {
   for (const char* flags : kFlags) {
     for (const char* sizes : kSizes) {
       for (const char* type : {"d", "i", "u", "o", "x", "X", "hd", "hhu", "hhd", "hx"}) {
+        if (!IsDefined(flags, type)) continue;
         const std::string format = std::string("%") + flags + sizes + type;
         for (const int value : {0, 1, -1, 7, 255, 300, -32769, std::numeric_limits<int>::max(),
                                 std::numeric_limits<int>::min()}) {
@@ -35,6 +48,7 @@ TEST(Format, IntegersAsPrintfDoes) {
         }
       }
       for (const char* type : {"lld", "llu", "llx", "llo"}) {
+        if (!IsDefined(flags, type)) continue;
         const std::string format = std::string("%") + flags + sizes + type;
         for (const auto value : {std::int64_t{-1}, std::numeric_limits<std::int64_t>::min()}) {
           EXPECT_EQ(Formatted(format, ScalarOf(value)), Printed(format, value)) << format;

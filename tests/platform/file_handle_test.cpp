@@ -63,15 +63,17 @@ TEST_F(FileHandleTest, FailuresHaveTheirCause) {
     FileOptions options;
     FileCause cause;
   } cases[] = {
-      {"", kRead, FileCause::kBadPath},
-      {std::string("plain\0x", 7), kRead, FileCause::kBadPath},
-      {PathOf("nothing"), kRead, FileCause::kFileNotFound},
-      {PathOf("no folder/nothing"), kRead, FileCause::kBadPath},
-      {PathOf("no folder/nothing"), kCreate, FileCause::kBadPath},
-      {folder_, kRead, FileCause::kAccessDenied},
-      {folder_ + "/", kRead, FileCause::kAccessDenied},
-      {folder_, kCreate, FileCause::kAccessDenied},
-      {PathOf(std::string(300, 'n')), kCreate, FileCause::kBadPath},
+    {"", kRead, FileCause::kBadPath},
+    {std::string("plain\0x", 7), kRead, FileCause::kBadPath},
+    {PathOf("nothing"), kRead, FileCause::kFileNotFound},
+    {PathOf("no folder/nothing"), kRead, FileCause::kBadPath},
+    {PathOf("no folder/nothing"), kCreate, FileCause::kBadPath},
+    {folder_, kRead, FileCause::kAccessDenied},
+    {folder_ + "/", kRead, FileCause::kAccessDenied},
+    {folder_, kCreate, FileCause::kAccessDenied},
+#if !defined(_WIN32)  // the causes that Windows versions give for a long name differ
+    {PathOf(std::string(300, 'n')), kCreate, FileCause::kBadPath},
+#endif
   };
   FileHandle handle;
   for (const auto& c : cases) {
@@ -225,6 +227,7 @@ TEST_F(FileHandleTest, StreamsMixReadingAndWriting) {
   EXPECT_EQ(stream.Seek(-1, SeekFrom::kBegin, position), FileCause::kBadSeek);
   EXPECT_EQ(stream.Get(), '0');
   EXPECT_EQ(stream.Detach(), FileCause::kNone);
+  EXPECT_EQ(file.Close(), FileCause::kNone);
   EXPECT_EQ(ContentOf(path), "012ab56789xyz");
 }
 
@@ -266,6 +269,7 @@ TEST_F(FileHandleTest, TextIsTranslatedBothWays) {
   EXPECT_EQ(stream.Seek(0, SeekFrom::kBegin, position), FileCause::kNone);
   EXPECT_EQ(stream.Write("+", 1, done), FileCause::kNone);
   static_cast<void>(stream.Detach());
+  EXPECT_EQ(file.Close(), FileCause::kNone);
   EXPECT_EQ(ContentOf(PathOf("text")), "\r\na\rb\r\n+") << "appended, wherever the position was";
 }
 
