@@ -1,7 +1,7 @@
 # The front door. `make run` and `make test` install what they need on a Debian 12 machine.
 .DEFAULT_GOAL := build
 .PHONY: run build build-release build-windows test bench unbuilt sanitize check format layering \
-        exports packages packages-test clean
+        exports packages packages-test packages-bench clean
 
 JOBS ?= $(shell nproc)
 release := build/release/bin
@@ -28,8 +28,8 @@ test: build
 	ctest --preset windows -j $(JOBS) && exit $$linux
 
 # Members through the real call path, and the same work done by other libraries.
-bench: build-release
-	@if [ -x bench/run.sh ]; then bench/run.sh; else echo "bench/run.sh is not there yet"; fi
+bench: packages-bench build-release
+	bench/run.sh
 
 # Members and classes the library declares but does not have yet.
 unbuilt: packages
@@ -55,6 +55,9 @@ exports: build
 
 packages:
 	@tools/install_packages.sh packages.txt
+
+packages-bench:
+	@tools/install_packages.sh packages.txt packages-bench.txt
 
 packages-test:
 	@tools/install_packages.sh packages.txt packages-test.txt

@@ -49,7 +49,7 @@ class Formatter {
     }
     std::string spec = "%";
     while (std::string_view("-+ #0").find(Peek()) != std::string_view::npos) {
-      // A repeated flag says nothing new, and must not fill the specification.
+      // A repeated flag says nothing new, and must not fill the directive.
       if (spec.find(Peek()) == std::string::npos) spec += Peek();
       ++position_;
     }
@@ -157,7 +157,7 @@ class Formatter {
 
   template <class T>
   void Print(const std::string& spec, T value) {
-    // The specification was put together here, from checked pieces, for a value of this type.
+    // The directive was put together here, from checked pieces, for a value of this type.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
     char buffer[128];
