@@ -243,8 +243,10 @@ class TCAllVectorsBase : public TCAllVectorsBaseBase<T> {
   // when the reference is narrower than the elements.
   void SetTotal(vela::member::Arguments& args, unsigned arg, const OneTCcomplex& total);
   void RefuseNarrowReference(vela::member::Arguments& args, unsigned arg);
-  // Replaces the row's elements: as many as there are, converted.
-  void StoreRow(int row, std::span<const double> elements);
+  // Makes the row the size doubles, converted, that compute(span) writes. A row of doubles takes
+  // them in place, unless compute still reads the row.
+  template <class Compute>
+  void StoreComputed(int row, std::size_t size, bool reads_row, Compute&& compute);
   // The seeded generators: arguments count and seed; fill(random, values) draws a run of values.
   template <class Fill>
   int FillSeeded(CTCall* call, Fill&& fill);
