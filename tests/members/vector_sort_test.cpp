@@ -103,7 +103,12 @@ TEST(Sort, ComplexByModulusThenPhase) {
     const ObjectRef v = VectorOf<OneTCcomplex>({five, nan, lost, two, one});
     EXPECT_EQ(Call(v, "Sort", c.order, c.missing_small, Null{}, 0).Int(), 1);
     const auto values = ValuesOf<OneTCcomplex>(v);
+    const ObjectRef with_indices = VectorOf<OneTCcomplex>({five, nan, lost, two, one});
+    const ObjectRef indices = Make(kTypeUnsignedInt | kFlagVector);
+    EXPECT_EQ(Call(with_indices, "Sort", c.order, c.missing_small, indices, 0).Int(), 1);
+    EXPECT_EQ(AsDoubles(with_indices).size(), 5u);
     for (std::size_t i = 0; i < c.sorted.size(); ++i) {
+      EXPECT_TRUE(Same(ValuesOf<OneTCcomplex>(with_indices)[i].m_re, values[i].m_re)) << i;
       EXPECT_TRUE(Same(values[i].m_re, c.sorted[i].m_re)) << i;
       EXPECT_TRUE(Same(values[i].m_im, c.sorted[i].m_im)) << i;
     }
