@@ -91,7 +91,7 @@ class TCAllVectorNonTemplBase : public TCAllTensorsBase {
   virtual vela::ElementRun ContiguousRun(int) { return {}; }
   // Sets the row's size to exactly size, keeping what fits: 0, or 278 with nothing changed.
   virtual int RawResize(int row, std::int64_t size);
-  // As RawResize; the elements below lower become the missing value.
+  // As RawResize; the elements below lower become the missing value. 28 for a lower bound below 0.
   virtual int ResizeWithLowerBound(int row, std::int64_t size, int lower);
   // As RawResize, but may keep memory for more, so that growing by one at a time is linear overall.
   virtual int RawGrow(int row, std::int64_t size) { return RawResize(row, size); }

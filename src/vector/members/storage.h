@@ -73,6 +73,7 @@ int TCVectorBase<T>::RawGrow(int row, std::int64_t size) {
 
 template <class T>
 int TCVectorBase<T>::ResizeWithLowerBound(int row, std::int64_t size, int lower) {
+  if (lower < 0) return status::kOutOfRange;
   if (const int error = RawResize(row, size); error != status::kOk) return error;
   const int end = static_cast<int>(std::min<std::int64_t>(lower, size));
   for (T& element : Elements(row).first(std::max(end, 0))) {
