@@ -1,4 +1,5 @@
 #include "tesselc/compile/compiler.h"
+#include "tesselc/run/control.h"
 #include "tesselc/run/elements.h"
 #include "tesselc/run/objects.h"
 #include "tesselc/run/text.h"
@@ -58,10 +59,28 @@ Value Compiler::AssignVariable(Place target, std::optional<BinaryOperator> op, V
       }
       value = MakeValue(type, std::move(number));
     }
-    value = Combine(*op, MakeValue(type, MakeLoad(type, target.variable)), std::move(value), range);
+    return UpdateVariable(std::move(target), *op, std::move(value), range);
   }
   value = Convert(std::move(value), target.type, range);
   return MakeValue(type, MakeStore(type, target.variable, std::move(value.node)));
+}
+
+// As for an element, the operand is computed before the variable is read: it may change it.
+Value Compiler::UpdateVariable(Place target, BinaryOperator op, Value value,
+                               const SourceRange& range) {
+  const TypeName type = target.type.name;
+  NodePtr first;
+  if (value.type.IsScalar() && !IsPlain(value.type.name, *value.node)) {
+    const StaticType operand_type = value.type;
+    const std::uint32_t operand = context_.layout->Allocate(ScalarSize(operand_type.name));
+    first = MakeStore(operand_type.name, VariablePlace::Local(operand), std::move(value.node));
+    value = Scratch(operand_type, operand);
+  }
+  value = Combine(op, MakeValue(type, MakeLoad(type, target.variable)), std::move(value), range);
+  value = Convert(std::move(value), target.type, range);
+  NodePtr store = MakeStore(type, target.variable, std::move(value.node));
+  if (first != nullptr) store = MakeComma(type, std::move(first), std::move(store));
+  return MakeValue(type, std::move(store));
 }
 
 Value Compiler::Scratch(const StaticType& type, std::uint32_t offset) {

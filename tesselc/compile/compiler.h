@@ -195,6 +195,7 @@ class Compiler {
                  const SourceRange& range);
   Value AssignVariable(Place target, std::optional<BinaryOperator> op, Value value,
                        const SourceRange& range);
+  Value UpdateVariable(Place target, BinaryOperator op, Value value, const SourceRange& range);
   Value AssignElement(Place target, std::optional<BinaryOperator> op, Value value,
                       const SourceRange& range);
   Value UpdateElement(Place target, BinaryOperator op, Value value, bool give_old,
