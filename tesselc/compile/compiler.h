@@ -154,6 +154,8 @@ class Compiler {
   Place Visit(const ScopedName& name, const SourceRange& range);
   Place Visit(const Unary& unary, const SourceRange& range);
   Place Visit(const Binary& binary, const SourceRange& range);
+  // The value of a chain and one more link; `first` is where the chain starts.
+  Value CompileLink(const SourceRange& first, Value left, const Binary::Link& link);
   Place Visit(const Assign& assign, const SourceRange& range);
   Place Visit(const Conditional& conditional, const SourceRange& range);
   Place Visit(const Cast& cast, const SourceRange& range);
