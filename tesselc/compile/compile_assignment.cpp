@@ -5,27 +5,6 @@
 #include "tesselc/run/text.h"
 
 namespace tesselc {
-namespace {
-
-unsigned AssigningCode(BinaryOperator op) {
-  switch (op) {
-    case BinaryOperator::kAdd:
-      return operation::kAdd;
-    case BinaryOperator::kSubtract:
-      return operation::kSubtract;
-    case BinaryOperator::kMultiply:
-      return operation::kMultiply;
-    case BinaryOperator::kDivide:
-      return operation::kDivide;
-    case BinaryOperator::kPower:
-      return operation::kPower;
-    default:
-      return 0;
-  }
-}
-
-}  // namespace
-
 Value Compiler::AssignTo(Place target, std::optional<BinaryOperator> op, Value value,
                          const SourceRange& range) {
   if (target.is_const) Fail(range, "a constant cannot be changed");
@@ -139,7 +118,7 @@ Value Compiler::AssignObject(Place target, std::optional<BinaryOperator> op, Val
             op ? MakeAppendText(std::move(target.node), std::move(text), range)
                : MakeSetText(std::move(target.node), std::move(text), range)};
   }
-  const unsigned code = op ? AssigningCode(*op) : operation::kAssign;
+  const unsigned code = op ? OperationCode(*op) : operation::kAssign;
   if (code == 0 || (op && !type.IsContainer() && !type.IsVariant())) {
     Fail(range, Spelling(type) + " does not know this assignment");
   }

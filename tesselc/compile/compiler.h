@@ -184,6 +184,8 @@ class Compiler {
   NodePtr ToOwnedObject(Value value, const StaticType& type, const SourceRange& range);
 
   // --- compile_operator.cpp
+  // The code of an arithmetic operator for Operate2; 0 when it has none.
+  static unsigned OperationCode(BinaryOperator op);
   Value Combine(BinaryOperator op, Value left, Value right, const SourceRange& range);
   Value CombineNumbers(BinaryOperator op, Value left, Value right, const SourceRange& range);
   Value CombineComplex(BinaryOperator op, Value left, Value right, const SourceRange& range);

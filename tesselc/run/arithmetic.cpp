@@ -167,25 +167,7 @@ class Power final : public ValueNode<double> {
   ValuePtr<double> left_, right_;
 };
 
-struct ComplexAddOp {
-  template <class T>
-  static T Apply(const T& a, const T& b) {
-    return a + b;
-  }
-};
-struct ComplexSubtractOp {
-  template <class T>
-  static T Apply(const T& a, const T& b) {
-    return a - b;
-  }
-};
-struct ComplexMultiplyOp {
-  template <class T>
-  static T Apply(const T& a, const T& b) {
-    return a * b;
-  }
-};
-struct ComplexPowerOp {
+struct PowerOp {
   template <class T>
   static T Apply(const T& a, const T& b) {
     return a ^ b;
@@ -329,15 +311,15 @@ NodePtr MakeComplexArithmetic(BinaryOperator op, NodePtr left, NodePtr right) {
   using T = OneTCcomplex;
   switch (op) {
     case BinaryOperator::kAdd:
-      return MakePlainBinary<T, ComplexAddOp>(std::move(left), std::move(right));
+      return MakePlainBinary<T, AddOp>(std::move(left), std::move(right));
     case BinaryOperator::kSubtract:
-      return MakePlainBinary<T, ComplexSubtractOp>(std::move(left), std::move(right));
+      return MakePlainBinary<T, SubtractOp>(std::move(left), std::move(right));
     case BinaryOperator::kMultiply:
-      return MakePlainBinary<T, ComplexMultiplyOp>(std::move(left), std::move(right));
+      return MakePlainBinary<T, MultiplyOp>(std::move(left), std::move(right));
     case BinaryOperator::kDivide:
       return MakePlainBinary<T, DivideOp>(std::move(left), std::move(right));
     case BinaryOperator::kPower:
-      return MakePlainBinary<T, ComplexPowerOp>(std::move(left), std::move(right));
+      return MakePlainBinary<T, PowerOp>(std::move(left), std::move(right));
     default:
       return nullptr;
   }
