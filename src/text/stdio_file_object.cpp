@@ -80,7 +80,7 @@ std::int64_t CMSCSTDIOFile::HandleSource::GetEnd() {
              : std::numeric_limits<std::int64_t>::max();
 }
 
-CMSCSTDIOFile::CMSCSTDIOFile(unsigned type_id) : CMSCFile(type_id) {}
+CMSCSTDIOFile::CMSCSTDIOFile(unsigned type_id) : WithMembers(type_id) {}
 
 const CRuntimeClass* CMSCSTDIOFile::GetRuntimeClass() const {
   static const CRuntimeClass runtime_class{"CMSCSTDIOFile", sizeof(CMSCSTDIOFile),
@@ -88,11 +88,7 @@ const CRuntimeClass* CMSCSTDIOFile::GetRuntimeClass() const {
   return &runtime_class;
 }
 
-const CClassMember* CMSCSTDIOFile::FindMember(const char* name, unsigned name_hash,
-                                              CTypeBase** owner, unsigned flags) {
-  const CClassMember* row = FindMemberInTable(name, name_hash, kStdioFileMembers, owner, flags);
-  return row != nullptr ? row : CMSCFile::FindMember(name, name_hash, owner, flags);
-}
+const CClassMember* CMSCSTDIOFile::MemberTable() { return kStdioFileMembers; }
 
 void CMSCSTDIOFile::BeginLines() {
   if (lines_.IsActive()) return;

@@ -13,14 +13,13 @@
 //
 // Opened as Unicode text, lines are read in the encoding of the file's byte-order mark, or as UTF-8
 // without one; a new file begins with the mark of UTF-8, unless it is only written and not binary.
-class CMSCSTDIOFile : public CMSCFile {
+class CMSCSTDIOFile : public vela::member::WithMembers<CMSCSTDIOFile, CMSCFile> {
  public:
   explicit CMSCSTDIOFile(unsigned type_id);
 
   const CRuntimeClass* GetRuntimeClass() const override;
   const char* GetTCTypeName() const override { return "stdioFile"; }
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable();
 
   // (string name, uint flags): 1, or 0 with the cause stored. See open_mode.h.
   int Open(CTCall* call);

@@ -172,13 +172,17 @@ TCAllVectorsBaseBase<T>* TypedVector(const VectorArgument& argument) {
 
 // The members, for every element type.
 template <class T>
-class TCAllVectorsBase : public TCAllVectorsBaseBase<T> {
+class TCAllVectorsBase
+    : public vela::member::WithMembers<TCAllVectorsBase<T>, TCAllVectorsBaseBase<T>> {
+  using Base = vela::member::WithMembers<TCAllVectorsBase, TCAllVectorsBaseBase<T>>;
+
  public:
-  using TCAllVectorsBaseBase<T>::TCAllVectorsBaseBase;
+  using Base::Base;
   using TCAllVectorsBaseBase<T>::GetUpperBound;
 
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable() {
+    return vela::member::TypeTable<TCAllVectorsBase>::Rows();
+  }
   static std::initializer_list<CClassMember> MemberRows();
 
   int Append(CTCall* call) override;
