@@ -69,7 +69,7 @@ int StoreText(const tagMSOOBJVECT& target, std::string_view text) {
 std::size_t CMSCSTDIOFile::HandleSource::ReadAt(std::int64_t offset, void* data, std::size_t size) {
   std::size_t done = 0;
   const FileCause cause = handle_.ReadAt(offset, data, size, done);
-  if (cause != FileCause::kNone) failure_ = FileCause::kGeneric;
+  if (cause != FileCause::kNone) failure_ = cause;
   return done;
 }
 

@@ -34,7 +34,7 @@ class CMSCSTDIOFile : public CMSCFile {
   int WriteString(CTCall* call);
   // (string& s, uint options): the next line, without its end (LF, CR LF or a lone CR) unless bit 0
   // of options is set; 1, or 0 at the end. At most 204160 bytes of a line at a time; see
-  // line_reader.h. A file that cannot be read on is at its end, with the cause generic. Status 290
+  // line_reader.h. A file that cannot be read on is at its end, with the cause. Status 290
   // when the file is not open.
   int ReadString(CTCall* call);
   // The encoding of the byte-order mark at the position, in which lines are read from now on,

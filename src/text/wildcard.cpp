@@ -9,6 +9,10 @@ namespace {
 bool IsAscii(char ch) { return static_cast<unsigned char>(ch) < 0x80; }
 char LowerAscii(char ch) { return ch >= 'A' && ch <= 'Z' ? static_cast<char>(ch - 'A' + 'a') : ch; }
 
+// Whether an ASCII character and one beyond ASCII can be the same letter: k, as the Kelvin sign is,
+// and s, as the long s is.
+bool HasTwinBeyondAscii(char ch) { return LowerAscii(ch) == 'k' || LowerAscii(ch) == 's'; }
+
 // The first characters of a text and a pattern, both of which have one.
 struct Firsts {
   bool are_equal;
@@ -23,9 +27,11 @@ Firsts FirstsOf(std::string_view text, std::string_view pattern, bool case_sensi
   }
   const std::string_view first = text.substr(0, CharacterBytes(text));
   const std::string_view wanted = pattern.substr(0, CharacterBytes(pattern));
+  const bool may_be_equal = !case_sensitive && (!IsAscii(ch) || HasTwinBeyondAscii(ch)) &&
+                            (!IsAscii(expected) || HasTwinBeyondAscii(expected));
   const bool are_equal =
       first == wanted ||
-      (!case_sensitive && CStringUTF8(first).CompareNoCase(CStringUTF8(wanted)) == 0);
+      (may_be_equal && CStringUTF8(first).CompareNoCase(CStringUTF8(wanted)) == 0);
   return {are_equal, first.size(), wanted.size()};
 }
 

@@ -293,11 +293,11 @@ TEST_F(StdioFile, AFileThatCannotBeReadEndsWithACause) {
   ASSERT_EQ(Call(file_, "Open", "/proc/self/mem", mode::kRead | mode::kDenyNone).Int(), 1);
   EXPECT_EQ(Call(file_, "ReadString", line_, 0).Int(), 0);
   EXPECT_EQ(TextOf(line_), "");
-  EXPECT_EQ(Call(file_, "GetLastError").Int(), 1);
+  EXPECT_EQ(Call(file_, "GetLastError").Int(), 10);
   file_ = Make(kTypeStdioFile);
   OpenOn("not for reading", mode::kWrite);
   EXPECT_EQ(Call(file_, "ReadString", line_, 0).Int(), 0);
-  EXPECT_EQ(Call(file_, "GetLastError").Int(), 1);
+  EXPECT_EQ(Call(file_, "GetLastError").Int(), 5);
 }
 
 TEST_F(StdioFile, AFullDeviceIsAFullDisk) {
