@@ -156,9 +156,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // Now and then behind so much that the limit of a line, or the end of a block, lies in the bytes.
   // That takes its time, so it is done for one encoding then.
   const std::size_t fillers[] = {LineReader::kMostBytes, std::size_t{1} << 19};
-  const bool is_filled = data[0] % 32 == 0;
+  const bool is_filled = data[0] % 128 == 0;
   std::string bytes;
-  if (is_filled) bytes.assign(fillers[data[0] / 32 % 2] - data[1] % 64, 'x');
+  if (is_filled) bytes.assign(fillers[data[0] / 128] - data[1] % 64, 'x');
   const std::size_t most = data[1] % 4 == 0 ? 1 + bytes.size() / 2 + data[1] : std::size_t{1} << 20;
   bytes.append(reinterpret_cast<const char*>(data) + 3, size - 3);
   for (unsigned encoding = 0; encoding < vela::text::kEncodings; ++encoding) {
