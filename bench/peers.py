@@ -103,8 +103,8 @@ def power(x, d): np.power(x, d["y"], out=x)
 
 
 CASES = [
-    Case("Sum", {"numpy sum": reading(lambda d: d["x"].sum()),
-                 "bottleneck nansum": reading(lambda d: bn.nansum(d["x"]))}, 1.0),
+    Case("Sum", {"numpy sum": reading(lambda d: d["x"].sum())}, 1.0),
+    Case("Sum", {"bottleneck nansum": reading(lambda d: bn.nansum(d["x"]))}, 3),
     Case("GetMinMax", {
         "numpy argmin+argmax": reading(lambda d: (d["x"].argmin(), d["x"].argmax())),
         "bottleneck": reading(lambda d: (bn.nanargmin(d["x"]), bn.nanargmax(d["x"])))}, 2),
@@ -229,7 +229,7 @@ def main():
         for size in map(int, arguments.sizes.split(",")):
             data = make_data(size)
             send(server, data, folder)
-            calls = max(1, min(200, 2_000_000 // size))
+            calls = max(3, min(200, 20_000_000 // size))
             for case in CASES:
                 if wanted and case.name not in wanted:
                     continue
