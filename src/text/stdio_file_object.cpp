@@ -68,7 +68,8 @@ int StoreText(const tagMSOOBJVECT& target, std::string_view text) {
 
 std::size_t CMSCSTDIOFile::HandleSource::ReadAt(std::int64_t offset, void* data, std::size_t size) {
   std::size_t done = 0;
-  static_cast<void>(handle_.ReadAt(offset, data, size, done));
+  const FileCause cause = handle_.ReadAt(offset, data, size, done);
+  if (cause != FileCause::kNone) failure_ = cause;
   return done;
 }
 
@@ -214,10 +215,10 @@ int CMSCSTDIOFile::ReadString(CTCall* call) {
     const tagMSOOBJVECT target = args.Reference(0);
     if (target.object == nullptr) Fail(status::kUnresolved);
     const bool keeps_end = (args.Dword(1) & kKeepLineEnd) != 0;
-    if (!CanRead(handle_.Access())) Succeeds(FileCause::kAccessDenied);
     BeginLines();
     std::string_view line;
     const bool was_read = lines_.Next(keeps_end, line);
+    Succeeds(source_.TakeFailure());
     Check(StoreText(target, line));
     args.Return(was_read ? 1 : 0);
   });
