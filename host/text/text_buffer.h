@@ -6,9 +6,11 @@
 #include <cstdint>
 #include <string_view>
 
+#include "frame/interface/string_utf8.h"
+
 namespace vela::host::text_buffer {
 
-inline constexpr std::int64_t kMaxLength = 0x7FFFFFF0;
+inline constexpr std::int64_t kMaxLength = CStringUTF8::kMostBytes;
 
 struct alignas(16) Header {
   std::atomic<std::int32_t> references;  // or one of the states below

@@ -62,10 +62,25 @@ void TCAllVectorsBase<T>::SetTotal(vela::member::Arguments& args, unsigned arg,
 }
 
 template <class T>
-void TCAllVectorsBase<T>::StoreRow(int row, std::span<const double> elements) {
-  vela::member::Check(this->RawResize(row, static_cast<std::int64_t>(elements.size())));
+template <class Compute>
+void TCAllVectorsBase<T>::StoreComputed(int row, std::size_t size, bool reads_row,
+                                        Compute&& compute) {
+  const auto resize = [&] {
+    vela::member::Check(this->RawResize(row, static_cast<std::int64_t>(size)));
+  };
+  if constexpr (std::is_same_v<T, double>) {
+    if (!reads_row) {
+      resize();
+      RowAccess<T> access(*this, row);
+      compute(access.Elements());
+      return vela::member::Check(access.Commit());
+    }
+  }
+  std::vector<double> results(size);
+  compute(std::span<double>(results));
+  resize();
   RowAccess<T> access(*this, row);
-  vela::ConvertRun<T>(vela::ElementRun(elements), access.Elements());
+  vela::ConvertRun<T>(vela::ElementRun(std::span<const double>(results)), access.Elements());
   vela::member::Check(access.Commit());
 }
 
@@ -126,18 +141,9 @@ int TCAllVectorsBase<T>::Average(CTCall* call) {
       return;
     }
     const vela::ElementsAs<double> values(elements.Run());
-    if constexpr (std::is_same_v<T, double>) {
-      if (!source.IsRow(this, row)) {
-        Check(this->RawResize(row, static_cast<std::int64_t>(size)));
-        RowAccess<double> target(*this, row);
-        vela::kernel::MovingAverage(values.Span(), points / 2, target.Elements());
-        Check(target.Commit());
-        return;
-      }
-    }
-    std::vector<double> averages(size);
-    vela::kernel::MovingAverage(values.Span(), points / 2, averages);
-    StoreRow(row, averages);
+    StoreComputed(row, size, source.IsRow(this, row), [&](std::span<double> averages) {
+      vela::kernel::MovingAverage(values.Span(), static_cast<std::size_t>(points) / 2, averages);
+    });
   });
 }
 

@@ -5,14 +5,6 @@
 #include "vector/typed_vector.h"
 
 template <class T>
-const CClassMember* TCAllVectorsBase<T>::FindMember(const char* name, unsigned name_hash,
-                                                    CTypeBase** owner, unsigned flags) {
-  const CClassMember* row = this->FindMemberInTable(
-      name, name_hash, vela::member::TypeTable<TCAllVectorsBase>::Rows(), owner, flags);
-  return row != nullptr ? row : TCAllVectorNonTemplBase::FindMember(name, name_hash, owner, flags);
-}
-
-template <class T>
 std::initializer_list<CClassMember> TCAllVectorsBase<T>::MemberRows() {
   using vela::member::Method;
   static const std::initializer_list<CClassMember> rows = {
