@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "tesselc/catalogue.h"
+#include "tesselc/run/native_stack.h"
 #include "tesselc/run/output.h"
 #include "tesselc/runner/command_line.h"
 #include "tesselc/runner/script_runner.h"
@@ -18,7 +19,7 @@ int ShowMembers(const std::string& filter) {
   return kScriptFailed;
 }
 
-int Main(const std::vector<std::string>& words) {
+int Work(const std::vector<std::string>& words) {
   CommandLine line = ParseCommandLine(words);
   if (line.exit_code) return *line.exit_code;
   if (line.members) return ShowMembers(*line.members);
@@ -31,14 +32,19 @@ int Main(const std::vector<std::string>& words) {
   return line.code ? runner.RunText("-e", std::move(*line.code)) : runner.RunFile(*line.script);
 }
 
+int Main(const std::vector<std::string>& words) {
+  try {
+    return Work(words);
+  } catch (const std::exception& error) {
+    std::cerr << "tesselc: error: " << error.what() << "\n";
+    return kMistake;
+  }
+}
+
 }  // namespace
 }  // namespace tesselc
 
 int main(int argc, char** argv) {
-  try {
-    return tesselc::Main(tesselc::ProgramArguments(argc, argv));
-  } catch (const std::exception& error) {
-    std::cerr << "tesselc: error: " << error.what() << "\n";
-    return tesselc::kMistake;
-  }
+  return tesselc::RunOnUsualStack(
+      [&] { return tesselc::Main(tesselc::ProgramArguments(argc, argv)); });
 }
