@@ -88,6 +88,10 @@ struct Multiply : Unguarded {
 struct GuardedMultiply : Multiply {
   template <class T>
   static bool Overflows(T x, T y) {
+    // Floats are so far below the limit that only infinities reach it.
+    if constexpr (std::same_as<T, float>) {
+      return (std::abs(x) >= 1) & (std::isinf(x) | std::isinf(y));
+    }
     const double magnitude = std::abs(static_cast<double>(x));
     const double limit = kGuardLimit / magnitude;
     return (magnitude >= 1) & (limit <= std::abs(static_cast<double>(y)));
@@ -107,6 +111,10 @@ struct Divide {
   }
   template <class T>
   static bool Overflows(T x, T y) {
+    // No quotient of finite floats reaches the limit.
+    if constexpr (std::same_as<T, float>) {
+      return (std::abs(y) < 1) & ((y == 0) | std::isinf(x));
+    }
     const double divisor = std::abs(static_cast<double>(y));
     const double limit = divisor * kGuardLimit;
     return (divisor < 1) & (limit <= std::abs(static_cast<double>(x)));

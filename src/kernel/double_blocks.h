@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <span>
 
+#include "kernel/convert.h"
+
 namespace vela::kernel {
 
 /// Elements per block: few enough to stay in the first-level cache, enough to hide the work per
@@ -23,9 +25,9 @@ void ForEachDoubleBlock(std::span<const T> x, Visit visit) {
     if constexpr (std::same_as<T, double>) {
       if (!visit(block, offset)) return;
     } else {
-      std::transform(block.begin(), block.end(), buffer.begin(),
-                     [](T value) { return static_cast<double>(value); });
-      if (!visit(std::span<const double>(buffer.data(), block.size()), offset)) return;
+      const std::span<double> values = std::span(buffer).first(block.size());
+      Convert<double, T>(block, values);
+      if (!visit(std::span<const double>(values), offset)) return;
     }
   }
 }
