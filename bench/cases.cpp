@@ -195,7 +195,7 @@ Case Filling(const char* member, std::function<void(int size, CallSite&)> add) {
   };
 }
 
-const std::map<std::string, Case>& Cases() {
+const std::map<std::string, Case>& NumericCases() {
   static const std::map<std::string, Case> cases = {
       {"call_by_name", CallByName},
       {"call_found", CallFound},
@@ -261,13 +261,13 @@ const std::map<std::string, Case>& Cases() {
 
 std::vector<std::string> CaseNames() {
   std::vector<std::string> names;
-  for (const auto& [name, unused] : Cases()) names.push_back(name);
+  for (const auto& [name, unused] : NumericCases()) names.push_back(name);
   return names;
 }
 
 Prepared Prepare(const host::Library& library, const std::string& name, const Data& data) {
   Maker maker(library, data);
-  return Cases().at(name)(maker);
+  return NumericCases().at(name)(maker);
 }
 
 }  // namespace vela::bench

@@ -1,26 +1,15 @@
 // The members that are timed, each with what it needs around the call.
 #pragma once
 
-#include <cstddef>
-#include <functional>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "host/call_frame.h"
 #include "host/library.h"
 #include "host/object_ref.h"
+#include "prepared.h"
 
 namespace vela::bench {
-
-// Raw elements that the driver shares with the peers, by name: "x", "y", "edges" ...
-using Data = std::map<std::string, std::vector<std::byte>>;
-
-// One prepared case. `call` is what is timed; `reset` restores what it changed and is not.
-struct Prepared {
-  std::function<void()> reset;
-  std::function<void()> call;
-};
 
 // A member found once, with a frame that is filled once: what a host does at a call site.
 class CallSite {

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Times members of the library beside the same work in NumPy and its kin, on the same data.
+"""Times members of the library beside the same work in other libraries, on the same data.
 
-    peers.py SERVER [--sizes 1000,1000000,10000000] [--cases Sum,Sort] [--rounds 9]
+    peers.py PROGRAMS [--sizes 1000,1000000,10000000] [--cases Sum,Sort] [--rounds 9]
+                      [--file-megabytes 1000]
 
 Rounds alternate between the library and every peer in one run, one thread each, so that a change of
 the machine's speed touches both; the table shows medians, and the ratio of the fastest peer's time
@@ -11,10 +12,7 @@ to ours (above 1: we are faster) with the ratio asked for.
 import argparse
 import os
 import statistics
-import subprocess
 import sys
-import tempfile
-import time
 
 for variable in ("OMP_NUM_THREADS", "OPENBLAS_NUM_THREADS", "MKL_NUM_THREADS"):
     os.environ[variable] = "1"
@@ -23,35 +21,11 @@ import bottleneck as bn  # noqa: E402
 import numpy as np  # noqa: E402
 import pandas as pd  # noqa: E402
 
+import text_cases  # noqa: E402
+from driver import (Case, PythonTimer, Server, human, measure, print_heading,  # noqa: E402
+                    print_row)
+
 MISSING = np.frombuffer(np.uint64(0x81AA74FE1C132C0E).tobytes(), dtype=np.float64)[0]
-
-
-class Server:
-    """The process that calls the members."""
-
-    def __init__(self, path):
-        self.process = subprocess.Popen([path], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                        text=True)
-
-    def ask(self, line):
-        self.process.stdin.write(line + "\n")
-        self.process.stdin.flush()
-        answer = self.process.stdout.readline().strip()
-        if not answer or answer.startswith("error"):
-            raise RuntimeError(f"{line}: {answer or 'the server ended'}")
-        return answer
-
-    def times(self, calls):
-        return [float(word) for word in self.ask(f"run {calls}").split()]
-
-
-class Case:
-    """One member with its peers: name -> function of the data that returns the timed call."""
-
-    def __init__(self, name, peers, target=None):
-        self.name = name
-        self.peers = peers
-        self.target = target
 
 
 def in_place(operation):
@@ -158,49 +132,6 @@ def make_data(size):
     }
 
 
-def send(server, data, folder):
-    server.ask("drop")
-    for name, values in data.items():
-        path = os.path.join(folder, name)
-        values.tofile(path)
-        server.ask(f"data {name} {path}")
-        os.remove(path)
-
-
-def time_peer(call, reset, calls):
-    times = []
-    for _ in range(calls):
-        if reset:
-            reset()
-        start = time.perf_counter()
-        call()
-        times.append(time.perf_counter() - start)
-    return times
-
-
-def measure(server, case, data, rounds, calls):
-    server.ask(f"prepare {case.name}")
-    peers = {name: make(data) for name, make in case.peers.items()}
-    ours, theirs = [], {name: [] for name in peers}
-    for round_number in range(rounds + 1):
-        batch = {None: server.times(calls)}
-        for name, (call, reset) in peers.items():
-            batch[name] = time_peer(call, reset, calls)
-        if round_number == 0:
-            continue  # warm-up
-        ours.append(statistics.median(batch[None]))
-        for name in peers:
-            theirs[name].append(statistics.median(batch[name]))
-    return statistics.median(ours), {n: statistics.median(t) for n, t in theirs.items()}
-
-
-def human(seconds):
-    for unit, scale in (("s", 1), ("ms", 1e-3), ("us", 1e-6)):
-        if seconds >= scale:
-            return f"{seconds / scale:.3g} {unit}"
-    return f"{seconds / 1e-9:.3g} ns"
-
-
 def print_call_costs(server):
     for name in ("call_by_name", "call_found"):
         server.ask(f"prepare {name}")
@@ -213,41 +144,45 @@ def bandwidth(data):
     """Bytes a second of a plain copy: what bounds the members that only move data."""
     x = data["x"]
     out = np.empty_like(x)
-    seconds = statistics.median(time_peer(lambda: np.copyto(out, x), None, 9))
+    copying = PythonTimer(lambda _: ((lambda: np.copyto(out, x)), None), None)
+    seconds = statistics.median(copying.times(9))
     return 2 * x.nbytes / seconds
+
+
+def run_numeric(server, sizes, wanted, rounds):
+    chosen = [case for case in CASES if not wanted or case.name in wanted]
+    if not chosen:
+        return
+    print_heading("elements")
+    for size in sizes:
+        data = make_data(size)
+        server.send(data)
+        calls = max(3, min(200, 20_000_000 // size))
+        for case in chosen:
+            try:
+                ours, theirs = measure(server, case, data, rounds, calls)
+            except RuntimeError as error:
+                print(f"{case.name:17} {size:10} {error}", file=sys.stderr)
+                continue
+            print_row(case, size, ours, theirs)
+        print(f"copying {size} doubles moves {bandwidth(data) / 1e9:.1f} GB/s\n", flush=True)
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("server")
+    parser.add_argument("programs", help="folder of member_bench and text_peers")
     parser.add_argument("--sizes", default="1000,1000000,10000000")
+    parser.add_argument("--file-megabytes", type=int, default=1000, help="the file of lines")
     parser.add_argument("--cases", default="")
     parser.add_argument("--rounds", type=int, default=9)
     arguments = parser.parse_args()
     wanted = set(filter(None, arguments.cases.split(",")))
 
-    server = Server(arguments.server)
+    server = Server(os.path.join(arguments.programs, "member_bench"))
     print_call_costs(server)
-    print(f"{'member':16} {'elements':>9} {'ours':>9} {'best peer':>9}  {'peer':24} {'ratio':>6} "
-          f"{'asked':>5}")
-    with tempfile.TemporaryDirectory() as folder:
-        for size in map(int, arguments.sizes.split(",")):
-            data = make_data(size)
-            send(server, data, folder)
-            calls = max(3, min(200, 20_000_000 // size))
-            for case in CASES:
-                if wanted and case.name not in wanted:
-                    continue
-                try:
-                    ours, theirs = measure(server, case, data, arguments.rounds, calls)
-                except RuntimeError as error:
-                    print(f"{case.name:16} {size:9} {error}", file=sys.stderr)
-                    continue
-                peer = min(theirs, key=theirs.get)
-                asked = f"{case.target:g}" if case.target else ""
-                print(f"{case.name:16} {size:9} {human(ours):>9} {human(theirs[peer]):>9}  "
-                      f"{peer:24} {theirs[peer] / ours:6.2f} {asked:>5}", flush=True)
-            print(f"copying {size} doubles moves {bandwidth(data) / 1e9:.1f} GB/s\n", flush=True)
+    run_numeric(server, map(int, arguments.sizes.split(",")), wanted, arguments.rounds)
+    text_cases.run(server, os.path.join(arguments.programs, "text_peers"), wanted,
+                   arguments.rounds, arguments.file_megabytes)
 
 
 if __name__ == "__main__":

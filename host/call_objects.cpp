@@ -30,12 +30,10 @@ int CTCall::GetArgumentObject(int arg, tagMSOOBJVECT& out) {
 }
 
 int CTCall::GetArgumentReferenceTarget(int arg, tagMSOOBJVECT& out, unsigned flags) {
-  tagMSOOBJVECT target;
-  if (const int code = GetArgumentObject(arg, target)) return code;
-  const bool is_by_reference = (target.flags & tagMSOOBJVECT::kByReference) != 0;
-  if (target.object && !is_by_reference && flags == 0) return status::kBadArguments;
-  out = target;
-  return status::kOk;
+  const Argument* const argument = arg < 0 ? nullptr : Find(static_cast<unsigned>(arg));
+  const bool is_value = argument != nullptr && argument->kind == ArgumentKind::kObject &&
+                        !IsUnresolved(argument->type_id) && !argument->by_reference;
+  return is_value && flags == 0 ? status::kBadArguments : GetArgumentObject(arg, out);
 }
 
 // A copy that the member may write to, kept until the frame is reset.

@@ -64,8 +64,6 @@ CStringUTF8& CStringUTF8::operator=(std::string_view text) {
   return *this;
 }
 
-int CStringUTF8::GetLength() const { return text_buffer::HeaderOf(data_).length; }
-
 void CStringUTF8::Empty() { text_buffer::Assign(data_, {}); }
 
 char CStringUTF8::GetAt(int index) const {

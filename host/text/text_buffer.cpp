@@ -11,7 +11,7 @@ namespace vela::host::text_buffer {
 namespace {
 
 struct EmptyText {
-  Header header{kStatic, 0, 0};
+  Header header{kStatic, 0, 0, 0};
   char text[1] = {};
 };
 constinit EmptyText empty_text;
@@ -46,7 +46,7 @@ char* Allocate(std::int64_t length, std::int64_t capacity) {
   if (memory == nullptr) throw std::bad_alloc();
   const auto room = std::min(static_cast<std::int64_t>(bytes) - 1, kMaxLength);
   auto* header =
-      new (memory) Header{1, static_cast<std::int32_t>(length), static_cast<std::int32_t>(room)};
+      new (memory) Header{1, static_cast<std::int32_t>(length), static_cast<std::int32_t>(room), 0};
   char* text = reinterpret_cast<char*>(header + 1);
   // Room that a caller may take over shows no bytes that some other text left behind.
   std::memset(text + length, 0, static_cast<std::size_t>(room - length) + 1);
@@ -59,6 +59,23 @@ char* New(std::string_view text) {
   char* copy = Allocate(length, length);
   CopyBytes(copy, text);
   return copy;
+}
+
+char* PlaceInBlock(Block& block, std::size_t offset, std::string_view text) {
+  const std::size_t bytes = BytesInBlock(text) - sizeof(Header);
+  char* const place = reinterpret_cast<char*>(&block) + offset;
+  auto* header =
+      new (place) Header{1, static_cast<std::int32_t>(text.size()),
+                         static_cast<std::int32_t>(bytes - 1), static_cast<std::int32_t>(offset)};
+  char* const copy = reinterpret_cast<char*>(header + 1);
+  // The zeros after the text, then the text.
+  std::memset(copy + bytes - 16, 0, 16);
+  CopyBytes(copy, text);
+  return copy;
+}
+
+void Forget(Block& block, std::int32_t texts) noexcept {
+  if (block.texts.fetch_sub(texts, std::memory_order_acq_rel) == texts) std::free(&block);
 }
 
 char* Share(char* text) {
@@ -76,7 +93,9 @@ void Release(char* text) noexcept {
   if (state == kStatic) return;
   // A sole owner has nobody to race with.
   if (state > 1 && references.fetch_sub(1, std::memory_order_acq_rel) > 1) return;
-  std::free(&HeaderOf(text));
+  Header& header = HeaderOf(text);
+  if (header.offset_in_block == 0) return std::free(&header);
+  Forget(*reinterpret_cast<Block*>(reinterpret_cast<char*>(&header) - header.offset_in_block), 1);
 }
 
 bool IsWritable(const char* text) noexcept {
@@ -112,6 +131,14 @@ void Adopt(char*& text, char* fresh) noexcept {
 
 void Assign(char*& text, std::string_view content) {
   const auto length = static_cast<std::int64_t>(content.size());
+  Header& header = HeaderOf(text);
+  if (length > 0 && length <= header.capacity &&
+      header.references.load(std::memory_order_acquire) == 1) [[likely]] {
+    std::memmove(text, content.data(), content.size());
+    header.length = static_cast<std::int32_t>(length);
+    text[length] = '\0';
+    return;
+  }
   const bool locked = HeaderOf(text).references.load(std::memory_order_relaxed) == kLocked;
   if (HasRoom(text, length) && (length > 0 || locked)) {
     if (length > 0) std::memmove(text, content.data(), content.size());

@@ -11,6 +11,8 @@ namespace vela::text {
 namespace {
 
 constexpr std::size_t kBufferBytes = std::size_t{1} << 19;
+// Read at a time: little enough to stay in the nearer caches until the lines are taken.
+constexpr std::size_t kReadBytes = std::size_t{1} << 17;
 static_assert(kBufferBytes > 2 * (LineReader::kMostBytes + 4));
 
 constexpr bool IsLineEnd(char ch) { return ch == '\n' || ch == '\r'; }
@@ -79,8 +81,8 @@ bool LineReader::Fill() {
   filled_ = ahead;
   const std::int64_t from = offset_ + static_cast<std::int64_t>(ahead);
   if (from >= limit_) return false;
-  const std::size_t room = static_cast<std::size_t>(
-      std::min<std::int64_t>(limit_ - from, static_cast<std::int64_t>(kBufferBytes - ahead)));
+  const std::size_t room = static_cast<std::size_t>(std::min<std::int64_t>(
+      limit_ - from, static_cast<std::int64_t>(std::min(kReadBytes, kBufferBytes - ahead))));
   const std::size_t read = room == 0 ? 0 : source_->ReadAt(from, buffer_.get() + filled_, room);
   if (read == 0) limit_ = from;  // cut short
   filled_ += read;
@@ -119,7 +121,23 @@ LineReader::Run LineReader::FindLine() {
   }
 }
 
+// A line of bytes that lies in the buffer with its end, as nearly all do.
+bool LineReader::NextInBuffer(bool keeps_end, std::string_view& line) {
+  constexpr std::size_t kEndBytes = 2;
+  const std::size_t ahead = filled_ - begin_;
+  if (encoding_ != TextEncoding::kBytes || ahead <= kEndBytes) return false;
+  const char* const text = buffer_.get() + begin_;
+  const std::size_t most = std::min(ahead, kMostBytes) - kEndBytes;
+  const std::size_t content = FindLineEnd(text, 0, most);
+  if (content == most) return false;
+  const std::size_t end = text[content] == '\r' && text[content + 1] == '\n' ? 2 : 1;
+  line = {text, content + (keeps_end ? end : 0)};
+  begin_ += content + end;
+  return true;
+}
+
 bool LineReader::Next(bool keeps_end, std::string_view& line) {
+  if (NextInBuffer(keeps_end, line)) return true;
   if (told_end_) limit_ = source_->GetEnd();
   if (Position() == 0 && encoding_ != TextEncoding::kBytes) SkipMark();
   told_end_ = !Ensure(1);

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "text/operand_text.h"
+#include "text/plain_decimal.h"
 #include "text/string_array.h"
 #include "text/string_member.h"
 #include "text/string_object.h"
@@ -38,15 +39,28 @@ double NumberOf(std::string_view token) {
 
 int StoreTokens(Tokenizer tokens, TCVectorString& target, int row) {
   TCVectorString::Texts texts;
-  for (std::string_view token; tokens.Next(token);) texts.emplace_back(token);
+  CStringUTF8Maker maker;
+  for (std::string_view token; tokens.Next(token);) texts.push_back(maker.Make(token));
   const int count = static_cast<int>(texts.size());
   target.StoreRow(row, std::move(texts));
   return count;
 }
 
-int StoreNumbers(Tokenizer tokens, const vela::VectorArgument& target) {
+int StoreNumbers(Tokenizer tokens, char separator, const vela::VectorArgument& target) {
+  // A separator that numbers hold would end a token inside one.
+  const bool may_be_plain = std::string_view("-.0123456789").find(separator) == std::string::npos;
   std::vector<double> numbers;
-  for (std::string_view token; tokens.Next(token);) numbers.push_back(NumberOf(token));
+  double number = 0;
+  const auto read = [&](std::string_view rest) {
+    return may_be_plain ? vela::text::ReadPlainDecimal(rest, number) : 0;
+  };
+  for (std::string_view token;;) {
+    if (!tokens.TakeIf(read)) {
+      if (!tokens.Next(token)) break;
+      number = NumberOf(token);
+    }
+    numbers.push_back(number);
+  }
   vela::text::StoreNumbers(target, numbers);
   return static_cast<int>(numbers.size());
 }
@@ -81,10 +95,11 @@ int CScriptVelaString::GetTokens(CTCall* call) {
     // A copy: the target may hold this very string.
     const CStringUTF8 text = Acted(args);
     const vela::VectorArgument target = RequiredVector(args, 0);
-    const Tokenizer tokens(text.View(), Separator(args, 1));
+    const char separator = Separator(args, 1);
+    const Tokenizer tokens(text.View(), separator);
     auto* strings = dynamic_cast<TCVectorString*>(target.vector);
     args.Return(strings != nullptr ? StoreTokens(tokens, *strings, target.row)
-                                   : StoreNumbers(tokens, target));
+                                   : StoreNumbers(tokens, separator, target));
   });
 }
 

@@ -1,20 +1,9 @@
 #include "text/tokens.h"
 
-#include <array>
-
 namespace vela::text {
 namespace {
 
 constexpr char kQuote = '"';
-
-constexpr auto kIsSpace = [] {
-  std::array<bool, 256> table{};
-  for (const char ch : {' ', '\t', '\n', '\v', '\f', '\r'})
-    table[static_cast<unsigned char>(ch)] = true;
-  return table;
-}();
-
-bool IsSpace(char ch) { return kIsSpace[static_cast<unsigned char>(ch)]; }
 
 }  // namespace
 
@@ -27,7 +16,7 @@ bool Tokenizer::Next(std::string_view& token) {
 
 bool Tokenizer::NextBetweenSpaces(std::string_view& token) {
   do {
-    while (position_ < text_.size() && IsSpace(text_[position_])) ++position_;
+    SkipSpaces();
     if (position_ == text_.size()) return false;
     token = ReadToken();
   } while (token.empty());
@@ -37,8 +26,7 @@ bool Tokenizer::NextBetweenSpaces(std::string_view& token) {
 bool Tokenizer::NextSeparated(std::string_view& token) {
   if (at_end_) return false;
   token = ReadToken();
-  at_end_ = position_ == text_.size();
-  if (!at_end_) ++position_;
+  EndSeparated();
   return true;
 }
 

@@ -25,9 +25,19 @@ class Tokenizer {
   // The next token, valid until the next call; false when there is none.
   bool Next(std::string_view& token);
 
+  // As Next, for a token that read(rest of the text) makes something of: it returns how many bytes
+  // it read, separators not among them, 0 for none. Unless a token ends right there, nothing is
+  // taken; false.
+  template <class Read>
+  bool TakeIf(Read&& read);
+
  private:
+  bool IsEndOfToken(std::size_t at) const;
+  void SkipSpaces();
   bool NextBetweenSpaces(std::string_view& token);
   bool NextSeparated(std::string_view& token);
+  void EndSeparated();
+  static bool IsSpace(char ch) { return ch == ' ' || (ch >= '\t' && ch <= '\r'); }
   // Reads the token at position_ and stops at its separator, or at the end.
   std::string_view ReadToken();
   std::string_view ReadQuoted();
@@ -39,5 +49,28 @@ class Tokenizer {
   bool at_end_;         // separated tokens: no token follows
   std::string joined_;  // a quoted token that is not one piece of the text
 };
+
+template <class Read>
+bool Tokenizer::TakeIf(Read&& read) {
+  if (separator_ == 0) SkipSpaces();
+  const std::size_t taken = read(text_.substr(position_));
+  if (taken == 0 || !IsEndOfToken(position_ + taken)) return false;
+  position_ += taken;
+  if (separator_ != 0) EndSeparated();
+  return true;
+}
+
+inline bool Tokenizer::IsEndOfToken(std::size_t at) const {
+  return at == text_.size() || (separator_ == 0 ? IsSpace(text_[at]) : text_[at] == separator_);
+}
+
+inline void Tokenizer::SkipSpaces() {
+  while (position_ < text_.size() && IsSpace(text_[position_])) ++position_;
+}
+
+inline void Tokenizer::EndSeparated() {
+  at_end_ = position_ == text_.size();
+  if (!at_end_) ++position_;
+}
 
 }  // namespace vela::text

@@ -1,10 +1,27 @@
 // The host's UTF-8 string: every text in the library is held in one.
 #pragma once
 
+#include <atomic>
 #include <cstdarg>
+#include <cstdint>
 #include <string_view>
 
 #include "frame/interface/export.h"
+
+namespace vela::host {
+
+// What lies in front of a text.
+struct alignas(16) TextHeader {
+  std::atomic<std::int32_t> references;  // or a state of the buffer, not above 0
+  std::int32_t length;
+  std::int32_t capacity;
+  // Bytes from the start of the block that many texts share to this header; 0 for a text with
+  // memory of its own.
+  std::int32_t offset_in_block;
+};
+static_assert(sizeof(TextHeader) == 16);
+
+}  // namespace vela::host
 
 // A reference-counted, copy-on-write, NUL-terminated byte buffer with its length in a header in
 // front; one pointer wide. Copies share the buffer until one of them changes; the count is atomic.
@@ -32,7 +49,9 @@ class VELAHOST_API CStringUTF8 {
   operator const char*() const { return data_; }
   const char* c_str() const { return data_; }
   std::string_view View() const { return {data_, static_cast<std::size_t>(GetLength())}; }
-  int GetLength() const;
+  int GetLength() const {
+    return reinterpret_cast<const vela::host::TextHeader*>(data_)[-1].length;
+  }
   bool IsEmpty() const { return GetLength() == 0; }
   void Empty();
 
@@ -136,7 +155,30 @@ class VELAHOST_API CStringUTF8 {
   }
 
  private:
+  friend class CStringUTF8Maker;
+
   char* data_;  // first byte of the text; the header lies in front
 };
 
 static_assert(sizeof(CStringUTF8) == sizeof(char*));
+
+// Makes many small texts for less than they cost one by one. They lie together in blocks of a few
+// kilobytes; a block is freed with the last of its texts. Otherwise they are like any other.
+class VELAHOST_API CStringUTF8Maker {
+ public:
+  CStringUTF8Maker() = default;
+  ~CStringUTF8Maker() { Retire(); }
+  CStringUTF8Maker(const CStringUTF8Maker&) = delete;
+  CStringUTF8Maker& operator=(const CStringUTF8Maker&) = delete;
+
+  // Throws as the constructors of CStringUTF8 do.
+  CStringUTF8 Make(std::string_view text);
+
+ private:
+  void Begin();
+  void Retire();
+
+  char* block_ = nullptr;
+  std::size_t used_ = 0;
+  std::int32_t made_ = 0;
+};
