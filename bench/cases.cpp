@@ -34,41 +34,43 @@ void CallSite::operator()() {
 
 namespace {
 
-// Builds the objects of a case.
+// Builds the objects of a case. The vectors "x" and "y" and the variants of x hold elements of the
+// type that the data names.
 class Maker {
  public:
-  Maker(const host::Library& library, const Data& data) : library_(library), data_(data) {}
+  Maker(const host::Library& library, const Data& data) : library_(library), data_(data) {
+    if (TextOf(data, "type") == "float") type_id_ = kTypeFloat;
+    if (TextOf(data, "type") == "int") type_id_ = kTypeInt;
+  }
 
   ObjectRef Make(unsigned type_word) const { return ObjectRef(library_.Create(type_word)); }
+  ObjectRef EmptyVector() const { return Make(type_id_ | kFlagVector); }
 
   // A vector holding the named data.
-  ObjectRef Vector(unsigned type_id, const std::string& name = "x") const {
+  ObjectRef Vector(const std::string& name = "x") const { return Vector(type_id_, name); }
+  ObjectRef Vector(unsigned type_id, const std::string& name) const {
     ObjectRef vector = Make(type_id | kFlagVector);
-    Fill(vector, type_id, name);
+    const std::vector<std::byte>& bytes = data_.at(name);
+    vector->InitalizeFromMemory(bytes.data(), static_cast<int>(bytes.size() / Width(type_id)));
     return vector;
   }
 
-  void Fill(const ObjectRef& vector, unsigned type_id, const std::string& name = "x") const {
-    const std::vector<std::byte>& bytes = data_.at(name);
-    const std::size_t width = type_id == kTypeDouble ? 8 : 4;
-    vector->InitalizeFromMemory(bytes.data(), static_cast<int>(bytes.size() / width));
-  }
-
-  // Fills the vector of doubles with the next variant of the data, in turn.
+  // Fills the vector with the next variant of x, in turn.
   void Refill(const ObjectRef& vector) {
     const std::vector<std::byte>& variants = data_.at("variants");
-    const std::size_t bytes = data_.at("x").size();
-    vector->InitalizeFromMemory(&variants[turn_], Size("x"));
-    turn_ = (turn_ + bytes) % variants.size();
+    vector->InitalizeFromMemory(&variants[turn_], Size());
+    turn_ = (turn_ + data_.at("x").size()) % variants.size();
   }
 
-  int Size(const std::string& name, std::size_t width = 8) const {
-    return static_cast<int>(data_.at(name).size() / width);
-  }
+  // The number of elements of x.
+  int Size() const { return static_cast<int>(data_.at("x").size() / Width(type_id_)); }
 
  private:
+  static std::size_t Width(unsigned type_id) { return type_id == kTypeDouble ? 8 : 4; }
+
   const host::Library& library_;
   const Data& data_;
+  unsigned type_id_ = kTypeDouble;
   std::size_t turn_ = 0;  // where the next variant begins
 };
 
@@ -82,7 +84,7 @@ Prepared Repeatable(std::shared_ptr<CallSite> site) {
 template <class AddArguments>
 Case Reading(const char* member, AddArguments&& add) {
   return [member, add](Maker& maker) {
-    auto site = std::make_shared<CallSite>(maker.Vector(kTypeDouble), member);
+    auto site = std::make_shared<CallSite>(maker.Vector(), member);
     add(maker, *site);
     return Repeatable(site);
   };
@@ -92,7 +94,7 @@ Case Reading(const char* member, AddArguments&& add) {
 template <class AddArguments>
 Case InPlace(const char* member, AddArguments&& add) {
   return [member, add](Maker& maker) {
-    const ObjectRef vector = maker.Vector(kTypeDouble);
+    const ObjectRef vector = maker.Vector();
     auto site = std::make_shared<CallSite>(vector, member);
     add(maker, *site);
     return Prepared{[vector, maker]() mutable { maker.Refill(vector); }, [site] { (*site)(); }};
@@ -101,8 +103,8 @@ Case InPlace(const char* member, AddArguments&& add) {
 
 Case Operator(unsigned code) {
   return [code](Maker& maker) {
-    const ObjectRef x = maker.Vector(kTypeDouble);
-    const ObjectRef y = maker.Vector(kTypeDouble, "y");
+    const ObjectRef x = maker.Vector();
+    const ObjectRef y = maker.Vector("y");
     return Prepared{[x, maker]() mutable { maker.Refill(x); },
                     [x, y, code] {
                       const tagMSOOBJVECT operand(y.Get(), y->GetTypeID());
@@ -159,7 +161,7 @@ Prepared CallFound(Maker& maker) {
 }
 
 Prepared SortWithIndices(Maker& maker) {
-  const ObjectRef vector = maker.Vector(kTypeDouble);
+  const ObjectRef vector = maker.Vector();
   const ObjectRef indices = maker.Make(kTypeUnsignedInt | kFlagVector);
   auto site = std::make_shared<CallSite>(vector, "Sort");
   site->Frame().AddInt(1);
@@ -170,8 +172,8 @@ Prepared SortWithIndices(Maker& maker) {
 }
 
 Prepared Average(Maker& maker) {
-  auto site = std::make_shared<CallSite>(maker.Make(kTypeDouble | kFlagVector), "Average");
-  site->AddObject(maker.Vector(kTypeDouble));
+  auto site = std::make_shared<CallSite>(maker.EmptyVector(), "Average");
+  site->AddObject(maker.Vector());
   site->Frame().AddInt(51);
   site->Frame().AddInt(0);
   return Repeatable(site);
@@ -189,8 +191,8 @@ Case Find(double low, double high) {
 // Members that fill a vector from nothing but numbers.
 Case Filling(const char* member, std::function<void(int size, CallSite&)> add) {
   return [member, add](Maker& maker) {
-    auto site = std::make_shared<CallSite>(maker.Make(kTypeDouble | kFlagVector), member);
-    add(maker.Size("x"), *site);
+    auto site = std::make_shared<CallSite>(maker.EmptyVector(), member);
+    add(maker.Size(), *site);
     return Repeatable(site);
   };
 }
@@ -223,8 +225,7 @@ const std::map<std::string, Case>& NumericCases() {
                                  })},
       {"Average", Average},
       {"Difference",
-       Reading("Difference",
-               [](Maker& m, CallSite& f) { f.AddObject(m.Make(kTypeDouble | kFlagVector)); })},
+       Reading("Difference", [](Maker& m, CallSite& f) { f.AddObject(m.EmptyVector()); })},
       {"Abs", InPlace("Abs", [](Maker&, CallSite&) {})},
       {"Wrap", InPlace("Wrap", [](Maker&, CallSite& f) { f.Frame().AddInt(12345); })},
       {"add", Operator(operation::kAdd)},

@@ -143,8 +143,8 @@ def print_heading(of):
           f"{'asked':>5}")
 
 
-def print_row(case, size, ours, theirs):
+def print_row(name, target, size, ours, theirs):
     peer = min(theirs, key=theirs.get)
-    asked = f"{case.target:g}" if case.target else ""
-    print(f"{case.name:17} {size:10} {human(ours):>9} {human(theirs[peer]):>9}  "
+    asked = f"{target:g}" if target else ""
+    print(f"{name:17} {size:10} {human(ours):>9} {human(theirs[peer]):>9}  "
           f"{peer:24} {theirs[peer] / ours:6.2f} {asked:>5}", flush=True)

@@ -181,4 +181,4 @@ def run(server, native_program, wanted, rounds, megabytes):
                 except RuntimeError as error:
                     print(f"{case.name:17} {size:10} {error}", file=sys.stderr)
                     continue
-                print_row(case, size, ours, theirs)
+                print_row(case.name, case.target, size, ours, theirs)

@@ -2,10 +2,12 @@
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/vector_sort_pairs.cpp"
-#include <hwy/contrib/sort/traits128-inl.h>
 #include <hwy/foreach_target.h>
 
 #include "kernel/vector_sort-inl.h"
+
+// Once for each instruction set, so behind the line that selects it.
+#include <hwy/contrib/sort/traits128-inl.h>
 
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {

@@ -124,6 +124,7 @@ TEST(Random, SeedsRepeatAndDiffer) {
   const ObjectRef v = VectorOf<double>({9});
   EXPECT_EQ(Call(v, "Normal", 1, 2, 3).status, status::kBadArguments);
   EXPECT_EQ(Call(v, "Uniform", 3, v).status, status::kBadArguments);
+  EXPECT_EQ(Call(v, "Uniform", 3, 2.5).status, status::kBadArguments) << "a seed is an int";
   ExpectValues(v, {9});
   // The values do not depend on the blocks in which other element types are filled.
   const ObjectRef complex = Make(kTypeComplex | kFlagVector),

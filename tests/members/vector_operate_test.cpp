@@ -180,6 +180,10 @@ TEST(Operate, BroadcastAndAppend) {
   ExpectValues(v, {12, 14, 16});
   EXPECT_EQ(Operate(v, operation::kAssign, VectorOf<float>({7, 8}), operation::kAppend), 0);
   ExpectValues(v, {12, 14, 16, 7, 8});
+  // One value fits a fixed size too.
+  EXPECT_EQ(Operate(v, operation::kSubtract, VectorOf<double>({7}), operation::kBroadcast), 0);
+  ExpectValues(v, {5, 7, 9, 0, 1});
+  EXPECT_EQ(Operate(v, operation::kSubtract, VectorOf<double>({7})), status::kFailed);
   const ObjectRef short_one = VectorOf<double>({3});
   EXPECT_EQ(Operate(short_one, operation::kAdd, short_one, operation::kBroadcast), 0);
   ExpectValues(short_one, {6});

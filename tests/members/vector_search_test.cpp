@@ -123,6 +123,8 @@ TEST(Replace, WithinATolerance) {
     EXPECT_EQ(result.Int(), c.result);
     EXPECT_EQ(ValuesOf<double>(v), c.values);
   }
+  const ObjectRef close = VectorOf<double>({2, std::nextafter(2.0, 3.0)});
+  EXPECT_EQ(Call(close, "Replace", 2.0, 9.0).Int(), 1) << "exactly, without a tolerance";
   // Longer than a block, with matches at its seams.
   std::vector<int> values(5000, 1);
   values[1023] = values[1024] = values[4999] = 7;

@@ -390,6 +390,47 @@ TEST(Bytes, Refusals) {
   EXPECT_EQ(Call(v, "GetSize").Int(), 0);
 }
 
+// A vector as its own argument acts as a copy of it would.
+TEST(VectorItself, AsAnArgument) {
+  const ObjectRef ints = VectorOf<int>({3, 1, 2, 9});
+  EXPECT_EQ(Call(ints, "RemoveAt", ints).Int(), 0) << "there is no element 9";
+  EXPECT_EQ(AsDoubles(ints), (Doubles{3, 1, 2, 9}));
+  Call(ints, "SetSize", 3);
+  Call(ints, "SetAtGrow", 3, 0);
+  EXPECT_EQ(Call(ints, "RemoveAt", ints).Int(), 1);
+  EXPECT_EQ(AsDoubles(ints), (Doubles{}));
+  const ObjectRef v = VectorOf<double>({1, 2, kM, 2});
+  EXPECT_EQ(Call(v, "Merge", v).Int(), 0);
+  EXPECT_EQ(Call(v, "SetSubVector", v, 0, 4).Int(), 0);
+  EXPECT_EQ(Call(v, "GetSubVector", v, 0, -1).Int(), 0);
+  ExpectValues(v, {1, 2, kM, 2});
+  const ObjectRef edges = VectorOf<double>({1, 2, 4});
+  const ObjectRef counts = Make(kTypeInt | kFlagVector);
+  EXPECT_EQ(Call(edges, "FrequencyCount", edges, counts, 2).Int(), 0);
+  EXPECT_EQ(AsDoubles(counts), (Doubles{1, 1, 1}));
+  EXPECT_EQ(Call(edges, "GetSubVector", edges, 2).Int(), 0);
+  EXPECT_EQ(Call(edges, "Append", edges).Int(), 1);
+  ExpectValues(edges, {4, 4});
+  const ObjectRef bytes = VectorOf<unsigned char>({1, 2});
+  EXPECT_EQ(Call(bytes, "Append", bytes).Int(), 1);
+  EXPECT_EQ(Call(bytes, "GetBytes", bytes).Int(), 1);
+  EXPECT_EQ(AsDoubles(bytes), (Doubles{1, 2, 1, 2}));
+}
+
+// Sizes that an int cannot hold, from members that add up two of them.
+TEST(VectorSize, SumsOfSizesThatOverflow) {
+  const ObjectRef bytes = VectorOf<unsigned char>({1, 2, 3});
+  const ObjectRef source = VectorOf<unsigned char>({7});
+  EXPECT_EQ(Call(bytes, "InsertAt", 2, 7, kMaxInt).status, status::kCannotResize);
+  EXPECT_EQ(Call(bytes, "InsertAt", kMaxInt, 7, kMaxInt).status, status::kCannotResize);
+  EXPECT_EQ(Call(bytes, "InsertValue", 7, 3, kMaxInt - 1).status, status::kCannotResize);
+  EXPECT_EQ(Call(bytes, "Uniform", kMaxInt, source, 1).status, status::kCannotResize);
+  EXPECT_EQ(Call(bytes, "SetSubVector", source, kMaxInt, kMaxInt).Int(), -1);
+  EXPECT_EQ(Call(bytes, "RemoveAt", kMaxInt, kMaxInt).status, status::kOutOfRange);
+  EXPECT_EQ(Call(bytes, "RemoveAt", 2, kMaxInt).status, status::kOutOfRange);
+  EXPECT_EQ(AsDoubles(bytes), (Doubles{1, 2, 3}));
+}
+
 TEST(VectorText, CommentAndNameAndHostText) {
   const ObjectRef v = VectorOf<double>({1.5, kM, -2e10});
   const ObjectRef text = Make(kTypeString);

@@ -203,14 +203,17 @@ int TCAllVectorsBaseBase<T>::AssignRow(int row, const vela::VectorArgument& sour
   const bool append = (options & operation::kAppend) != 0;
   const std::size_t count = source.Size();
   const std::size_t offset = append ? this->RowSize(row) : 0;
-  SetSizeFixed(row);
-  if (same_row && !append) return status::kOk;
+  if (same_row && !append) {
+    SetSizeFixed(row);
+    return status::kOk;
+  }
 
   const int lower = append ? this->RowLowerBound(row) : source.vector->RowLowerBound(source.row);
   const auto size = static_cast<std::int64_t>(offset + count);
   const int error =
       append ? this->RawResize(row, size) : this->ResizeWithLowerBound(row, size, lower);
   if (error != status::kOk) return error;
+  SetSizeFixed(row);
 
   vela::RowElements values(source);
   RowAccess<T> elements(*this, row);

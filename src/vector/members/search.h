@@ -106,8 +106,8 @@ int FindFirst(member::Arguments& args, std::span<const T> x) {
   return FindElements(x, wanted, scope, found) > 0 ? static_cast<int>(found[0]) : -1;
 }
 
-// Makes found the positions of the elements wanted, a block at a time, so that it never grows beyond
-// what it has to hold; how many.
+// Makes found the positions of the elements wanted, a block at a time, so that it never grows
+// beyond what it has to hold; how many.
 template <class T>
 std::size_t StorePositions(std::span<const T> x, const Wanted<T>& wanted, kernel::FindScope scope,
                            const VectorArgument& found) {
