@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <type_traits>
 
 #include "kernel/convert.h"
 #include "kernel/line_start.h"
@@ -23,13 +22,20 @@ namespace {
 // vector code of them.
 template <class T>
 T DifferenceOf(T later, T earlier) {
-  if constexpr (std::integral<T> && sizeof(T) <= 4) {
-    using Wide = std::conditional_t<sizeof(T) == 4, std::int64_t, std::int32_t>;
-    using Limits = std::numeric_limits<T>;
-    return static_cast<T>(
-        std::clamp<Wide>(Wide{later} - Wide{earlier}, Limits::min(), Limits::max()));
+  using Limits = std::numeric_limits<T>;
+  if constexpr (std::same_as<T, std::uint32_t>) {
+    return later >= earlier ? later - earlier : 0;
+  } else if constexpr (std::same_as<T, std::int32_t>) {
+    const auto wrapped =
+        static_cast<T>(static_cast<std::uint32_t>(later) - static_cast<std::uint32_t>(earlier));
+    // It left the range where the signs of the operands differ and the result took the wrong one.
+    const bool overflows = ((later ^ earlier) & (later ^ wrapped)) < 0;
+    return overflows ? (later < 0 ? Limits::min() : Limits::max()) : wrapped;
+  } else if constexpr (std::integral<T> && sizeof(T) < 4) {
+    return static_cast<T>(std::clamp<int>(later - earlier, Limits::min(), Limits::max()));
+  } else {
+    return ConvertElement<T>(static_cast<double>(later) - static_cast<double>(earlier));
   }
-  return ConvertElement<T>(static_cast<double>(later) - static_cast<double>(earlier));
 }
 
 // Front to back, so that in place an element is replaced only after its last use.
