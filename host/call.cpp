@@ -2,7 +2,6 @@
 // call_texts.cpp, objects and buffers in call_objects.cpp, write-back in call_write_back.cpp.
 #include "frame/interface/call.h"
 
-#include <limits>
 #include <new>
 
 #include "frame/interface/status.h"
@@ -13,25 +12,10 @@ CTCall::~CTCall() = default;
 int CTCall::IsReady() { return 1; }
 void CTCall::Notify(int) {}
 
-CTCall::Argument& CTCall::AddArgument() {
-  static_assert(std::is_trivially_destructible_v<Argument>);
-  if (count_ >= kInlineArguments) {
-    Argument& argument = more_arguments_.emplace_back();
-    ++count_;
-    return argument;
-  }
-  void* const place = inline_arguments_ + count_++ * sizeof(Argument);
-  return *new (place) Argument;
-}
-
-CTCall::Argument* CTCall::Find(unsigned arg) {
-  if (arg >= count_) return nullptr;
-  if (arg >= kInlineArguments) return &more_arguments_[arg - kInlineArguments];
-  return std::launder(reinterpret_cast<Argument*>(inline_arguments_ + arg * sizeof(Argument)));
-}
-
-const CTCall::Argument* CTCall::Find(unsigned arg) const {
-  return const_cast<CTCall*>(this)->Find(arg);
+CTCall::Argument& CTCall::AddAnotherArgument() {
+  Argument& argument = more_arguments_.emplace_back();
+  ++count_;
+  return argument;
 }
 
 void CTCall::Clear() {
@@ -43,20 +27,9 @@ void CTCall::Clear() {
   indices_ = {};
 }
 
-unsigned CTCall::GetTypeID(unsigned arg) const {
-  const Argument* const argument = Find(arg);
-  return argument ? argument->type_id : 0;
-}
-
 void CTCall::SetIndeces(std::uint32_t kind, unsigned index, unsigned element, unsigned column) {
   indices_ = {static_cast<std::int32_t>(kind), static_cast<std::int32_t>(index),
               static_cast<std::int32_t>(element), static_cast<std::int32_t>(column)};
-}
-
-int CTCall::SetReturnInt(int value) {
-  result_kind_ = ResultKind::kInt;
-  result_integer_ = value;
-  return status::kOk;
 }
 
 int CTCall::SetReturnInt(unsigned value) {

@@ -132,7 +132,7 @@ struct ArgumentReader {
 };
 
 template <class T, class Argument>
-int ReadInteger(const Argument* argument, T& out) {
+int ReadIntegerOf(const Argument* argument, T& out) {
   Number number;
   if (const int code = ArgumentReader::Read(argument, number)) return code;
   out = ToInteger<T>(number);
@@ -158,9 +158,8 @@ int ReadPoint(const Argument* argument, Point& out) {
 
 }  // namespace
 
-int CTCall::GetInt(unsigned arg, int& out) { return ReadInteger(Find(arg), out); }
-int CTCall::GetUINT(unsigned arg, unsigned& out) { return ReadInteger(Find(arg), out); }
-int CTCall::GetDWORD(unsigned arg, DWORD& out) { return ReadInteger(Find(arg), out); }
+int CTCall::ReadInteger(unsigned arg, int& out) { return ReadIntegerOf(Find(arg), out); }
+int CTCall::ReadInteger(unsigned arg, unsigned& out) { return ReadIntegerOf(Find(arg), out); }
 
 int CTCall::GetDouble(unsigned arg, double& out) {
   Number number;

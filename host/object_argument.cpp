@@ -21,10 +21,6 @@ tagMSOOBJVECT::tagMSOOBJVECT(CScriptVelaObject* the_object, std::uint32_t the_ty
     : tagMSOOBJVECT(the_object, the_type_word, MakeIndices(object_index, element, column),
                     the_flags) {}
 
-tagMSOOBJVECT::tagMSOOBJVECT(CScriptVelaObject* the_object, std::uint32_t the_type_word,
-                             const MSOINDICES& the_indices, std::uint32_t the_flags)
-    : object(the_object), type_word(the_type_word), indices(the_indices), flags(the_flags) {}
-
 tagMSOOBJVECT tagMSOOBJVECT::Plain(const OneTCcomplex& value, std::uint32_t type_id) {
   tagMSOOBJVECT operand(nullptr, type_id, MSOINDICES{});
   operand.plain = value;

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utf8.h>
 
+#include "host/text/byte_scan.h"
+
 namespace vela::host {
 namespace {
 
@@ -57,12 +59,7 @@ bool CharacterSet::ContainsBeyondAscii(char32_t character) const {
   return std::binary_search(others_.begin(), others_.end(), character);
 }
 
-bool IsAscii(std::string_view text) {
-  const char* end = text.data() + text.size();
-  const char* rest = text.data() + AsciiBlocks(text.data(), end);
-  return std::all_of(rest, rest + std::min<std::ptrdiff_t>(kBlock, end - rest),
-                     [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
+bool IsAscii(std::string_view text) { return AsciiPrefix(text) == text.size(); }
 
 bool IsValidUtf8(std::string_view text) { return utf8::is_valid(text.begin(), text.end()); }
 

@@ -32,10 +32,10 @@ class CharacterReader {
   }
   // Passes over ASCII characters in whole blocks, at most so many; returns how many.
   std::size_t SkipAscii(std::size_t most);
-  // Passes over ASCII characters for which skip(byte) holds; it must not hold for other bytes.
-  template <typename Skip>
-  void SkipWhile(Skip skip) {
-    while (at_ != end_ && skip(*at_)) ++at_;
+  // Passes on to find(at, end), a place in front of the end with only ASCII characters before it.
+  template <typename Find>
+  void SkipTo(Find find) {
+    at_ = find(at_, end_);
   }
 
  private:

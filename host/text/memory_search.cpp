@@ -4,7 +4,15 @@
 #include <cstring>
 #include <functional>
 
+#include "host/text/byte_scan.h"
+
 namespace vela::host {
+namespace {
+
+// Bytes that may be compared in vain, besides some for each byte of text.
+constexpr std::size_t kMostCompared = 1024;
+
+}  // namespace
 
 #if defined(_WIN32)
 
@@ -64,6 +72,7 @@ ByteSearch::ByteSearch(std::string_view needle) : needle_(needle) {
 
 std::size_t ByteSearch::FindLong(std::string_view text) const {
   const std::size_t size = needle_.size();
+  if (text.size() < size) return std::string_view::npos;
   // Most texts are left here: no occurrence of the first byte, or only a late one.
   std::size_t at = text.find(needle_.front());
   if (at == std::string_view::npos) return at;
@@ -105,11 +114,35 @@ std::size_t ByteSearch::FindLong(std::string_view text) const {
 
 #endif
 
+// Looks at the places where the needle's first and last byte are where they belong.
+std::size_t ByteSearch::FindByEnds(std::string_view text) const {
+  const std::size_t last = needle_.size() - 1;
+  const Bytes16 first_byte = Bytes16::Fill(needle_.front());
+  const Bytes16 last_byte = Bytes16::Fill(needle_.back());
+  std::size_t compared = 0;
+  std::size_t at = 0;
+  for (; at + last + Bytes16::kSize <= text.size(); at += Bytes16::kSize) {
+    const char* const window = text.data() + at;
+    unsigned candidates =
+        (Bytes16::Load(window).Equal(first_byte) & Bytes16::Load(window + last).Equal(last_byte))
+            .HighBits();
+    for (; candidates != 0; candidates &= candidates - 1) {
+      const auto offset = static_cast<std::size_t>(std::countr_zero(candidates));
+      if (std::memcmp(window + offset, needle_.data(), last) == 0) return at + offset;
+      compared += last;
+    }
+    // Texts that match again and again for long are left to the search that takes linear time.
+    if (compared > kMostCompared + 4 * at) break;
+  }
+  const std::size_t found = FindLong(text.substr(at));
+  return found == std::string_view::npos ? found : at + found;
+}
+
 std::size_t ByteSearch::FindIn(std::string_view text, std::size_t start) const {
   if (start > text.size() || needle_.size() > text.size() - start) return std::string_view::npos;
   if (needle_.empty()) return start;
   if (needle_.size() == 1) return text.find(needle_.front(), start);
-  const std::size_t found = FindLong(text.substr(start));
+  const std::size_t found = FindByEnds(text.substr(start));
   return found == std::string_view::npos ? found : start + found;
 }
 

@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <span>
+#include <vector>
 
 #include "frame/interface/string_utf8.h"
 #include "host/text/case_mapping.h"
@@ -48,27 +50,27 @@ void RemoveTrailing(char*& data, std::size_t bytes) {
   text_buffer::Splice(data, text_buffer::HeaderOf(data).length - count, count, {});
 }
 
-std::size_t CountMatches(std::string_view text, const ByteSearch& old_text, std::size_t old_size) {
-  std::size_t count = 0;
-  std::size_t at = 0;
-  while ((at = old_text.FindIn(text, at)) != std::string_view::npos) {
-    ++count;
-    at += old_size;
+// Where the matches begin, none of which overlap.
+std::vector<std::uint32_t> FindMatches(std::string_view text, std::string_view old_text) {
+  const ByteSearch search(old_text);
+  std::vector<std::uint32_t> matches;
+  for (std::size_t at = 0; (at = search.FindIn(text, at)) != std::string_view::npos;) {
+    matches.push_back(static_cast<std::uint32_t>(at));
+    at += old_text.size();
   }
-  return count;
+  return matches;
 }
 
 // Copies text to the given memory with every match replaced.
-void CopyReplaced(char* to, std::string_view text, const ByteSearch& old_text, std::size_t old_size,
-                  std::string_view new_text) {
+void CopyReplaced(char* to, std::string_view text, std::span<const std::uint32_t> matches,
+                  std::size_t old_size, std::string_view new_text) {
   std::size_t from = 0;
-  while (from < text.size()) {
-    const std::size_t match = std::min(old_text.FindIn(text, from), text.size());
+  for (const std::uint32_t match : matches) {
     to = std::copy_n(text.data() + from, match - from, to);
-    if (match == text.size()) return;
     to = std::copy_n(new_text.data(), new_text.size(), to);
     from = match + old_size;
   }
+  std::copy(text.data() + from, text.data() + text.size(), to);
 }
 
 void MapCaseOf(char*& data, LetterCase letter_case) {
@@ -108,8 +110,8 @@ int CStringUTF8::Replace(char old_ch, char new_ch) {
 int CStringUTF8::Replace(std::string_view old_text, std::string_view new_text) {
   if (old_text.empty()) return 0;
   const std::string_view text = View();
-  const ByteSearch search(old_text);
-  const auto count = static_cast<std::int64_t>(CountMatches(text, search, old_text.size()));
+  const std::vector<std::uint32_t> matches = FindMatches(text, old_text);
+  const auto count = static_cast<std::int64_t>(matches.size());
   if (count == 0) return 0;
   std::int64_t growth =
       static_cast<std::int64_t>(new_text.size()) - static_cast<std::int64_t>(old_text.size());
@@ -118,7 +120,7 @@ int CStringUTF8::Replace(std::string_view old_text, std::string_view new_text) {
   }
   const std::int64_t length = GetLength() + growth;
   char* const fresh = text_buffer::Allocate(length, length);
-  CopyReplaced(fresh, text, search, old_text.size(), new_text);
+  CopyReplaced(fresh, text, matches, old_text.size(), new_text);
   text_buffer::Adopt(data_, fresh);
   return static_cast<int>(count);
 }

@@ -1,7 +1,6 @@
 // Comparison and search.
-#include <algorithm>
-
 #include "frame/interface/string_utf8.h"
+#include "host/text/byte_scan.h"
 #include "host/text/character_search.h"
 #include "host/text/characters.h"
 #include "host/text/memory_search.h"
@@ -61,8 +60,7 @@ int CStringUTF8::FindOneOf(const char* set) const {
 }
 
 int CStringUTF8::Count(char ch) const {
-  const std::string_view text = View();
-  return static_cast<int>(std::count(text.begin(), text.end(), ch));
+  return static_cast<int>(vela::host::CountByte(View(), ch));
 }
 
 CStringUTF8 CStringUTF8::SpanIncluding(const char* set) const {

@@ -7,14 +7,12 @@
 #include <new>
 #include <stdexcept>
 
-namespace vela::host::text_buffer {
-namespace {
+namespace vela::host {
 
-struct EmptyText {
-  Header header{kStatic, 0, 0};
-  char text[1] = {};
-};
-constinit EmptyText empty_text;
+constinit EmptyText empty_text = {{text_buffer::kStatic, 0, 0, 0}, {}};
+
+namespace text_buffer {
+namespace {
 
 void CopyBytes(char* to, std::string_view from) {
   if (!from.empty()) std::memcpy(to, from.data(), from.size());
@@ -36,8 +34,6 @@ std::int64_t GrownCapacity(std::int64_t old_length, std::int64_t length) {
 
 }  // namespace
 
-char* Empty() noexcept { return empty_text.text; }
-
 char* Allocate(std::int64_t length, std::int64_t capacity) {
   if (capacity > kMaxLength) throw std::length_error("text is too long");
   // Whole blocks of 16 bytes, terminator included.
@@ -46,7 +42,7 @@ char* Allocate(std::int64_t length, std::int64_t capacity) {
   if (memory == nullptr) throw std::bad_alloc();
   const auto room = std::min(static_cast<std::int64_t>(bytes) - 1, kMaxLength);
   auto* header =
-      new (memory) Header{1, static_cast<std::int32_t>(length), static_cast<std::int32_t>(room)};
+      new (memory) Header{1, static_cast<std::int32_t>(length), static_cast<std::int32_t>(room), 0};
   char* text = reinterpret_cast<char*>(header + 1);
   // Room that a caller may take over shows no bytes that some other text left behind.
   std::memset(text + length, 0, static_cast<std::size_t>(room - length) + 1);
@@ -59,6 +55,23 @@ char* New(std::string_view text) {
   char* copy = Allocate(length, length);
   CopyBytes(copy, text);
   return copy;
+}
+
+char* PlaceInBlock(Block& block, std::size_t offset, std::string_view text) {
+  const std::size_t bytes = BytesInBlock(text) - sizeof(Header);
+  char* const place = reinterpret_cast<char*>(&block) + offset;
+  auto* header =
+      new (place) Header{1, static_cast<std::int32_t>(text.size()),
+                         static_cast<std::int32_t>(bytes - 1), static_cast<std::int32_t>(offset)};
+  char* const copy = reinterpret_cast<char*>(header + 1);
+  // The zeros after the text, then the text.
+  std::memset(copy + bytes - 16, 0, 16);
+  CopyBytes(copy, text);
+  return copy;
+}
+
+void Forget(Block& block, std::int32_t texts) noexcept {
+  if (block.texts.fetch_sub(texts, std::memory_order_acq_rel) == texts) std::free(&block);
 }
 
 char* Share(char* text) {
@@ -76,7 +89,9 @@ void Release(char* text) noexcept {
   if (state == kStatic) return;
   // A sole owner has nobody to race with.
   if (state > 1 && references.fetch_sub(1, std::memory_order_acq_rel) > 1) return;
-  std::free(&HeaderOf(text));
+  Header& header = HeaderOf(text);
+  if (header.offset_in_block == 0) return std::free(&header);
+  Forget(*reinterpret_cast<Block*>(reinterpret_cast<char*>(&header) - header.offset_in_block), 1);
 }
 
 bool IsWritable(const char* text) noexcept {
@@ -150,4 +165,5 @@ void Splice(char*& text, std::int64_t at, std::int64_t removed, std::string_view
   Adopt(text, fresh);
 }
 
-}  // namespace vela::host::text_buffer
+}  // namespace text_buffer
+}  // namespace vela::host

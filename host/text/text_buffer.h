@@ -6,16 +6,13 @@
 #include <cstdint>
 #include <string_view>
 
+#include "frame/interface/string_utf8.h"
+
 namespace vela::host::text_buffer {
 
 inline constexpr std::int64_t kMaxLength = 0x7FFFFFF0;
 
-struct alignas(16) Header {
-  std::atomic<std::int32_t> references;  // or one of the states below
-  std::int32_t length;
-  std::int32_t capacity;
-};
-static_assert(sizeof(Header) == 16);
+using Header = TextHeader;
 
 // Buffers in these states belong to one string, and a copy of it gets its own.
 inline constexpr std::int32_t kLocked = -1;  // until the string is unlocked, a new buffer included
@@ -32,11 +29,23 @@ inline std::string_view View(const char* text) {
   return {text, static_cast<std::size_t>(HeaderOf(text).length)};
 }
 
-char* Empty() noexcept;
+inline char* Empty() noexcept { return empty_text.text; }
 // A text of the given length whose bytes are unset, and zeros after it, owned by the caller. Throws
 // std::length_error beyond kMaxLength, std::bad_alloc.
 char* Allocate(std::int64_t length, std::int64_t capacity);
 char* New(std::string_view text);
+// Many texts in one piece of memory: their count, then the texts. Adding a text to a block of so
+// many bytes takes BytesInBlock(text) of them.
+struct alignas(16) Block {
+  std::atomic<std::int32_t> texts;
+};
+inline constexpr std::size_t kBlockBytes = 8192;
+inline std::size_t BytesInBlock(std::string_view text) {
+  return sizeof(Header) + ((text.size() + 16) & ~std::size_t{15});
+}
+char* PlaceInBlock(Block& block, std::size_t offset, std::string_view text);
+// Takes texts off the count; frees the block of which none is left.
+void Forget(Block& block, std::int32_t texts) noexcept;
 // What a copy of a string holds: the same buffer, or a duplicate of one in a state of its own.
 char* Share(char* text);
 void Release(char* text) noexcept;

@@ -13,4 +13,15 @@ void VectorSort(std::uint32_t* keys, std::size_t n);
 void VectorSort(std::int64_t* keys, std::size_t n);
 void VectorSort(std::uint64_t* keys, std::size_t n);
 
+/// A number of 128 bits.
+struct WideKey {
+  std::uint64_t low;
+  std::uint64_t high;
+
+  friend bool operator<(const WideKey& a, const WideKey& b) {
+    return a.high != b.high ? a.high < b.high : a.low < b.low;
+  }
+};
+void VectorSort(WideKey* keys, std::size_t n);
+
 }  // namespace vela::kernel

@@ -11,20 +11,30 @@ namespace vela::text {
 namespace {
 
 constexpr std::size_t kBufferBytes = std::size_t{1} << 19;
+// Read at a time: little enough to stay in the nearer caches until the lines are taken.
+constexpr std::size_t kReadBytes = std::size_t{1} << 17;
 static_assert(kBufferBytes > 2 * (LineReader::kMostBytes + 4));
 
 constexpr bool IsLineEnd(char ch) { return ch == '\n' || ch == '\r'; }
 
-// The first CR or LF in [at, end), or end.
+// A bit for each of sixteen bytes, the first in the lowest: whether it is CR or LF.
+std::uint64_t LineEnds(const char* text) {
+  const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+  const __m128i found = _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n')),
+                                     _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\r')));
+  return static_cast<std::uint64_t>(_mm_movemask_epi8(found));
+}
+
+// The first CR or LF in [at, end), or end. Lines differ in length: looking at many bytes at once
+// spares a guess at how many looks a line takes.
 std::size_t FindLineEnd(const char* text, std::size_t at, std::size_t end) {
-  const __m128i feed = _mm_set1_epi8('\n');
-  const __m128i carriage = _mm_set1_epi8('\r');
-  for (; at + 16 <= end; at += 16) {
-    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + at));
-    const __m128i found =
-        _mm_or_si128(_mm_cmpeq_epi8(bytes, feed), _mm_cmpeq_epi8(bytes, carriage));
-    const auto mask = static_cast<unsigned>(_mm_movemask_epi8(found));
-    if (mask != 0) return at + static_cast<std::size_t>(std::countr_zero(mask));
+  constexpr std::size_t kVector = sizeof(__m128i);
+  for (; at + 4 * kVector <= end; at += 4 * kVector) {
+    const char* const from = text + at;
+    const std::uint64_t ends = LineEnds(from) | LineEnds(from + kVector) << 16 |
+                               LineEnds(from + 2 * kVector) << 32 |
+                               LineEnds(from + 3 * kVector) << 48;
+    if (ends != 0) return at + static_cast<std::size_t>(std::countr_zero(ends));
   }
   while (at < end && !IsLineEnd(text[at])) ++at;
   return at;
@@ -79,8 +89,8 @@ bool LineReader::Fill() {
   filled_ = ahead;
   const std::int64_t from = offset_ + static_cast<std::int64_t>(ahead);
   if (from >= limit_) return false;
-  const std::size_t room = static_cast<std::size_t>(
-      std::min<std::int64_t>(limit_ - from, static_cast<std::int64_t>(kBufferBytes - ahead)));
+  const std::size_t room = static_cast<std::size_t>(std::min<std::int64_t>(
+      limit_ - from, static_cast<std::int64_t>(std::min(kReadBytes, kBufferBytes - ahead))));
   const std::size_t read = room == 0 ? 0 : source_->ReadAt(from, buffer_.get() + filled_, room);
   if (read == 0) limit_ = from;  // cut short
   filled_ += read;
@@ -119,7 +129,23 @@ LineReader::Run LineReader::FindLine() {
   }
 }
 
+// A line of bytes that lies in the buffer with its end, as nearly all do.
+bool LineReader::NextInBuffer(bool keeps_end, std::string_view& line) {
+  constexpr std::size_t kEndBytes = 2;
+  const std::size_t ahead = filled_ - begin_;
+  if (encoding_ != TextEncoding::kBytes || ahead <= kEndBytes) return false;
+  const char* const text = buffer_.get() + begin_;
+  const std::size_t most = std::min(ahead, kMostBytes) - kEndBytes;
+  const std::size_t content = FindLineEnd(text, 0, most);
+  if (content == most) return false;
+  const std::size_t end = text[content] == '\r' && text[content + 1] == '\n' ? 2 : 1;
+  line = {text, content + (keeps_end ? end : 0)};
+  begin_ += content + end;
+  return true;
+}
+
 bool LineReader::Next(bool keeps_end, std::string_view& line) {
+  if (NextInBuffer(keeps_end, line)) return true;
   if (told_end_) limit_ = source_->GetEnd();
   if (Position() == 0 && encoding_ != TextEncoding::kBytes) SkipMark();
   told_end_ = !Ensure(1);

@@ -56,6 +56,7 @@ class LineReader {
     std::size_t end;
   };
 
+  bool NextInBuffer(bool keeps_end, std::string_view& line);
   std::string_view Available() const { return {buffer_.get() + begin_, filled_ - begin_}; }
   bool Fill();
   bool Ensure(std::size_t bytes);

@@ -2,10 +2,12 @@
 
 #include <cstring>
 #include <limits>
+#include <typeinfo>
 
 #include "frame/member/table.h"
 #include "text/open_mode.h"
 #include "text/stream_scan.h"
+#include "text/string_object.h"
 
 using vela::member::Arguments;
 using vela::member::Check;
@@ -52,16 +54,10 @@ FileCause Instead(FileCause cause, FileCause of_failure) {
 // The target becomes the text. A string keeps its memory from line to line.
 int StoreText(const tagMSOOBJVECT& target, std::string_view text) {
   CScriptVelaObject& object = *target.object;
-  if (object.GetTypeID() != kTypeString) {
-    return object.SetStringValue(&target.indices, CStringUTF8(text));
+  if (typeid(object) == typeid(CScriptVelaString)) {
+    return static_cast<CScriptVelaString&>(object).AssignBytes(&target.indices, text);
   }
-  if (const int code = object.SetBufferSize(&target.indices, static_cast<unsigned>(text.size()))) {
-    return code;
-  }
-  void* buffer = nullptr;
-  if (const int code = object.GetBufferMSO(&target.indices, &buffer)) return code;
-  if (!text.empty()) std::memcpy(buffer, text.data(), text.size());
-  return object.ReleaseBufferMSO(&target.indices, buffer);
+  return object.SetStringValue(&target.indices, CStringUTF8(text));
 }
 
 }  // namespace
@@ -95,7 +91,6 @@ const CClassMember* CMSCSTDIOFile::FindMember(const char* name, unsigned name_ha
 }
 
 void CMSCSTDIOFile::BeginLines() {
-  if (lines_.IsActive()) return;
   Succeeds(Instead(stream_.Flush(), FileCause::kDiskFull));
   lines_.Start(source_, stream_.Position());
 }
@@ -219,7 +214,7 @@ int CMSCSTDIOFile::ReadString(CTCall* call) {
     if (target.object == nullptr) Fail(status::kUnresolved);
     const bool keeps_end = (args.Dword(1) & kKeepLineEnd) != 0;
     if (!CanRead(handle_.Access())) Succeeds(FileCause::kAccessDenied);
-    BeginLines();
+    if (!lines_.IsActive()) BeginLines();
     std::string_view line;
     const bool was_read = lines_.Next(keeps_end, line);
     Check(StoreText(target, line));

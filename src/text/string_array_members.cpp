@@ -63,16 +63,15 @@ Grouping GroupTexts(const Texts& texts) {
   Grouping grouping;
   grouping.group_of.reserve(texts.size());
   TextGroups groups;
-  for (unsigned i = 0; i < texts.size(); ++i) {
-    const auto [group, is_new] = groups.Add(texts[i].View());
-    grouping.group_of.push_back(static_cast<int>(group));
-    if (is_new) {
-      grouping.firsts.push_back(i);
+  groups.AddAll(texts, [&](TextGroups::Membership text) {
+    if (text.is_new) {
+      grouping.firsts.push_back(static_cast<unsigned>(grouping.group_of.size()));
       grouping.counts.push_back(1);
     } else {
-      ++grouping.counts[group];
+      ++grouping.counts[text.group];
     }
-  }
+    grouping.group_of.push_back(static_cast<int>(text.group));
+  });
   return grouping;
 }
 
@@ -193,7 +192,7 @@ int TCVectorString::FindDuplicates(CTCall* call) {
                         (!counts || vela::text::IsVectorOf<unsigned>(counts));
     if (!usable) return args.Return(-1);
     if (IsSameRow(firsts, counts)) Fail(status::kBadArguments);
-    const Grouping grouping = GroupTexts(case_sensitive ? texts : InUpperCase(texts));
+    const Grouping grouping = case_sensitive ? GroupTexts(texts) : GroupTexts(InUpperCase(texts));
     const std::vector<unsigned> reported = ReportedGroups(grouping, control);
     ReportGroups(grouping, reported, map, firsts, counts);
     args.Return(static_cast<int>(reported.size()));

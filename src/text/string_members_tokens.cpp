@@ -1,8 +1,10 @@
 // Members of "string" about tokens.
 #include <cstring>
+#include <functional>
 #include <vector>
 
 #include "text/operand_text.h"
+#include "text/plain_decimal.h"
 #include "text/string_array.h"
 #include "text/string_member.h"
 #include "text/string_object.h"
@@ -38,15 +40,26 @@ double NumberOf(std::string_view token) {
 
 int StoreTokens(Tokenizer tokens, TCVectorString& target, int row) {
   TCVectorString::Texts texts;
-  for (std::string_view token; tokens.Next(token);) texts.emplace_back(token);
+  texts.reserve(tokens.EstimateCount());
+  CStringUTF8Maker maker;
+  for (std::string_view token; tokens.Next(token);) texts.push_back(maker.Make(token));
   const int count = static_cast<int>(texts.size());
   target.StoreRow(row, std::move(texts));
   return count;
 }
 
-int StoreNumbers(Tokenizer tokens, const vela::VectorArgument& target) {
+int StoreNumbers(Tokenizer tokens, std::string_view text, const vela::VectorArgument& target) {
+  const char* const end = text.data() + text.size();
   std::vector<double> numbers;
-  for (std::string_view token; tokens.Next(token);) numbers.push_back(NumberOf(token));
+  numbers.reserve(tokens.EstimateCount());
+  for (std::string_view token; tokens.Next(token);) {
+    double number = 0;
+    // A token of pieces lies outside the text.
+    const bool is_inside =
+        !std::less<>()(token.data(), text.data()) && !std::less<>()(end, token.data());
+    const bool is_plain = is_inside && vela::text::ReadPlainDecimal(token, end, number);
+    numbers.push_back(is_plain ? number : NumberOf(token));
+  }
   vela::text::StoreNumbers(target, numbers);
   return static_cast<int>(numbers.size());
 }
@@ -84,7 +97,7 @@ int CScriptVelaString::GetTokens(CTCall* call) {
     const Tokenizer tokens(text.View(), Separator(args, 1));
     auto* strings = dynamic_cast<TCVectorString*>(target.vector);
     args.Return(strings != nullptr ? StoreTokens(tokens, *strings, target.row)
-                                   : StoreNumbers(tokens, target));
+                                   : StoreNumbers(tokens, text.View(), target));
   });
 }
 

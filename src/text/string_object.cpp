@@ -194,6 +194,15 @@ int CScriptVelaString::SetStringValue(const MSOINDICES* at, const CStringUTF8& t
   });
 }
 
+int CScriptVelaString::AssignBytes(const MSOINDICES* at, std::string_view bytes) {
+  CStringUTF8* element = Element(at);
+  if (element == nullptr) return status::kUnresolved;
+  return Guarded([&] {
+    *element = bytes;
+    return int{status::kOk};
+  });
+}
+
 int CScriptVelaString::SetNumericValue(const MSOINDICES* at, char value) {
   return Guarded([&] { return SetStringValue(at, make_str_from_char(value)); });
 }

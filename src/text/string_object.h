@@ -17,7 +17,7 @@
 // it, as asked. Statuses: 1 for an argument of the wrong type, 2 for an element that does not
 // exist, 3 for a wrong number of arguments (1 where noted), 28 for an index out of range where
 // noted. A count or position outside the text is otherwise clipped, or not found.
-class CScriptVelaString : public vela::ValueAccess<CScriptVelaString, TesselCObject> {
+class CScriptVelaString final : public vela::ValueAccess<CScriptVelaString, TesselCObject> {
   using Base = vela::ValueAccess<CScriptVelaString, TesselCObject>;
 
  public:
@@ -52,6 +52,8 @@ class CScriptVelaString : public vela::ValueAccess<CScriptVelaString, TesselCObj
   int SetString(const MSOINDICES* at, const char* text) override;
   // Shares the text, embedded NULs included.
   int SetStringValue(const MSOINDICES* at, const CStringUTF8& text) override;
+  // The bytes become the text, in the memory it has where they fit.
+  int AssignBytes(const MSOINDICES* at, std::string_view bytes);
   // A char becomes one character, not its number.
   int SetNumericValue(const MSOINDICES* at, char value) override;
   // The text in double quotes.

@@ -4,73 +4,100 @@
 #include <bit>
 #include <cstring>
 #include <string_view>
-#include <tuple>
+
+#include "kernel/vector_sort.h"
 
 namespace vela::text {
 namespace {
 
 constexpr std::size_t kPieceSize = sizeof(std::uint64_t);
 
-// Eight bytes of a text as a number that orders like them; the end of the text orders below any
-// byte by the count of bytes. For a descending order both are inverted.
-struct Key {
-  std::uint64_t piece;
-  std::uint32_t index;
-  std::uint32_t bytes;
+using kernel::WideKey;
 
-  auto Order() const { return std::tie(piece, bytes, index); }
-};
+// A key orders like eight bytes of a text, then by how many of the eight the text has, then by the
+// text's position, so that the end of a text comes before any byte and equal texts stay in order.
+// For a descending order the first two are inverted.
+constexpr WideKey MakeKey(std::uint64_t piece, std::uint32_t bytes, std::uint32_t index) {
+  return {std::uint64_t{bytes} << 32 | index, piece};
+}
+constexpr std::uint32_t IndexOf(const WideKey& key) { return static_cast<std::uint32_t>(key.low); }
+constexpr std::uint32_t BytesOf(const WideKey& key) {
+  return static_cast<std::uint32_t>(key.low >> 32);
+}
 
 class Sorter {
  public:
   Sorter(std::span<const CStringUTF8> texts, bool ascending)
       : texts_(texts), inverted_(ascending ? 0 : ~std::uint64_t{0}) {}
 
-  // Texts that agree in all pieces so far are a range; each is sorted by its next piece. Ranges
-  // wait on a stack of our own: texts may agree in any number of pieces.
-  void Sort(std::vector<Key>& keys) {
-    ranges_.push_back({0, keys.size(), 0});
-    while (!ranges_.empty()) {
-      const Range range = ranges_.back();
-      ranges_.pop_back();
-      const std::span<Key> part(keys.data() + range.begin, range.end - range.begin);
-      for (Key& key : part) Load(key, range.depth);
-      std::sort(part.begin(), part.end(),
-                [](const Key& a, const Key& b) { return a.Order() < b.Order(); });
-      PushEqualRanges(part, range);
+  // Texts that agree in all pieces so far are a range; the ranges are sorted by the next piece
+  // until none has two texts.
+  void Sort(std::vector<WideKey>& keys) {
+    std::vector<Range> ranges = {keys}, equal;
+    for (std::size_t depth = 0; !ranges.empty(); depth += kPieceSize) {
+      for (const Range& range : ranges) Load(range, depth);
+      equal.clear();
+      for (const Range& range : ranges) {
+        SortKeys(range);
+        PushEqualRanges(range, equal);
+      }
+      ranges.swap(equal);
     }
   }
 
  private:
-  struct Range {
-    std::size_t begin, end, depth;
-  };
+  using Range = std::span<WideKey>;
 
-  void Load(Key& key, std::size_t depth) const {
-    const std::string_view rest = texts_[key.index].View().substr(depth);
-    const std::size_t size = std::min(rest.size(), kPieceSize);
-    std::uint64_t piece = 0;
-    std::memcpy(&piece, rest.data(), size);
-    static_assert(std::endian::native == std::endian::little);
-    key.piece = __builtin_bswap64(piece) ^ inverted_;
-    key.bytes = static_cast<std::uint32_t>(inverted_ == 0 ? size : kPieceSize - size);
+  void Load(const Range& range, std::size_t depth) const {
+    // Texts lie anywhere in memory.
+    constexpr std::size_t kAhead = 16;
+    const std::size_t size = range.size();
+    for (std::size_t i = 0; i < size; ++i) {
+      if (i + kAhead < size) {
+        __builtin_prefetch(texts_[IndexOf(range[i + kAhead])].c_str() + depth);
+      }
+      const std::uint32_t index = IndexOf(range[i]);
+      range[i] = KeyOf(texts_[index].View().substr(depth), index);
+    }
   }
 
-  void PushEqualRanges(std::span<const Key> part, const Range& range) {
+  WideKey KeyOf(std::string_view rest, std::uint32_t index) const {
+    const std::size_t size = std::min(rest.size(), kPieceSize);
+    std::uint64_t piece = 0;
+    if (size == kPieceSize) {
+      std::memcpy(&piece, rest.data(), kPieceSize);
+    } else {
+      std::memcpy(&piece, rest.data(), size);
+    }
+    static_assert(std::endian::native == std::endian::little);
+    const std::size_t bytes = inverted_ == 0 ? size : kPieceSize - size;
+    return MakeKey(__builtin_bswap64(piece) ^ inverted_, static_cast<std::uint32_t>(bytes), index);
+  }
+
+  static void SortKeys(const Range& range) {
+    constexpr std::size_t kSmall = 64;
+    if (range.size() < kSmall) {
+      std::sort(range.begin(), range.end());
+    } else {
+      kernel::VectorSort(range.data(), range.size());
+    }
+  }
+
+  void PushEqualRanges(const Range& range, std::vector<Range>& equal) const {
     const std::uint32_t whole = inverted_ == 0 ? kPieceSize : 0;
-    for (std::size_t begin = 0, end; begin < part.size(); begin = end) {
+    for (std::size_t begin = 0, end; begin < range.size(); begin = end) {
       end = begin + 1;
-      const Key& first = part[begin];
-      if (first.bytes != whole) continue;  // ended texts are in order by index
-      while (end < part.size() && part[end].piece == first.piece && part[end].bytes == whole) ++end;
-      if (end - begin < 2) continue;
-      ranges_.push_back({range.begin + begin, range.begin + end, range.depth + kPieceSize});
+      const WideKey& first = range[begin];
+      if (BytesOf(first) != whole) continue;  // ended texts are in order by position
+      while (end < range.size() && range[end].high == first.high && BytesOf(range[end]) == whole) {
+        ++end;
+      }
+      if (end - begin > 1) equal.push_back(range.subspan(begin, end - begin));
     }
   }
 
   std::span<const CStringUTF8> texts_;
   std::uint64_t inverted_;
-  std::vector<Range> ranges_;
 };
 
 }  // namespace
@@ -79,18 +106,18 @@ std::vector<std::uint32_t> SortedOrder(std::span<const CStringUTF8> texts, bool 
                                        bool empty_first) {
   std::vector<std::uint32_t> order;
   order.reserve(texts.size());
-  std::vector<Key> keys;
+  std::vector<WideKey> keys;
   keys.reserve(texts.size());
   for (std::uint32_t i = 0; i < texts.size(); ++i) {
     if (texts[i].IsEmpty()) {
       order.push_back(i);
     } else {
-      keys.push_back({0, i, 0});
+      keys.push_back(MakeKey(0, 0, i));
     }
   }
   Sorter(texts, ascending).Sort(keys);
   const std::size_t empty_count = order.size();
-  for (const Key& key : keys) order.push_back(key.index);
+  for (const WideKey& key : keys) order.push_back(IndexOf(key));
   if (!empty_first) {
     std::rotate(order.begin(), order.begin() + static_cast<std::ptrdiff_t>(empty_count),
                 order.end());

@@ -26,6 +26,7 @@ void StoreElements(const VectorArgument& target, std::span<const T> elements) {
 // The row becomes these numbers, converted to its element type; it must be numeric.
 inline void StoreNumbers(const VectorArgument& target, std::span<const double> numbers) {
   WithElementType(target.vector->GetInternalDataTypeID(), [&]<class T>() {
+    if constexpr (std::is_same_v<T, double>) return StoreElements<T>(target, numbers);
     std::vector<T> elements(numbers.size());
     ConvertRun<T>(ElementRun(numbers), elements);
     StoreElements<T>(target, elements);

@@ -1,15 +1,18 @@
 #include "frame/interface/string_utf8.h"
 
+#include <algorithm>
 #include <chrono>
 #include <clocale>
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <iterator>
 #include <random>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "frame/interface/host_services.h"
@@ -250,7 +253,7 @@ TEST(StringUtf8, FindAgreesWithPlainSearch) {
   for (int round = 0; round < 20000; ++round) {
     // Few letters make periodic texts and near misses.
     const unsigned letters = 1 + random() % 3;
-    std::string text(random() % 40, 'a');
+    std::string text(random() % 100, 'a');
     for (char& c : text) c = static_cast<char>('a' + random() % letters);
     std::string sub(1 + random() % 12, 'a');
     for (char& c : sub) c = static_cast<char>('a' + random() % letters);
@@ -260,6 +263,120 @@ TEST(StringUtf8, FindAgreesWithPlainSearch) {
     ASSERT_EQ(string.FindNoCase(sub), expected) << text << " / " << sub;
     ASSERT_EQ(string.CharFind(sub), expected) << text << " / " << sub;
   }
+}
+
+// Characters of every length, and bytes that are none.
+std::string RandomText(std::mt19937& random, std::size_t count) {
+  const char* const characters[] = {"a",
+                                    "A",
+                                    "k",
+                                    "z",
+                                    "Z",
+                                    "[",
+                                    "\xC3\x9F",
+                                    "\xC3\xA9",
+                                    "\xC3\x89",
+                                    "\xCE\xB1",
+                                    "\xCE\x91",
+                                    "\xC5\xBF",
+                                    "\xE2\x84\xAA",
+                                    "\xF0\x90\x90\x80",
+                                    "\xFF",
+                                    "\xC3",
+                                    "\xA9",
+                                    "\xCE\x90"};
+  // Mostly ASCII, so that whole vectors of it occur.
+  const unsigned kinds = random() % 2 == 0 ? 6 : std::size(characters);
+  std::string text;
+  for (std::size_t i = 0; i < count; ++i) text += characters[random() % kinds];
+  return text;
+}
+
+TEST(StringUtf8, CaseOfATextIsThatOfItsCharacters) {
+  std::mt19937 random(21);
+  for (int round = 0; round < 3000; ++round) {
+    const std::string front = RandomText(random, random() % 40) + ' ';
+    const std::string back = RandomText(random, random() % 40);
+    for (const auto change : {&CStringUTF8::MakeUpper, &CStringUTF8::MakeLower}) {
+      const auto changed = [&](const std::string& text) {
+        CStringUTF8 string{std::string_view(text)};
+        (string.*change)();
+        return Str(string);
+      };
+      ASSERT_EQ(changed(front + back), changed(front) + changed(back)) << front << back;
+    }
+  }
+}
+
+TEST(StringUtf8, FindNoCaseIsTheFirstPlaceThatComparesEqual) {
+  std::mt19937 random(22);
+  for (int round = 0; round < 3000; ++round) {
+    const std::string text = RandomText(random, random() % 60);
+    const CStringUTF8 string{std::string_view(text)};
+    const std::string sub = RandomText(random, 1 + random() % 3);
+    const CStringUTF8 wanted{std::string_view(sub)};
+    int size = 0;
+    const int found = string.FindNoCase(sub, 0, &size);
+    for (int at = 0; at < string.CharGetLength(); ++at) {
+      const int begin = string.CharLeft(at).GetLength();
+      bool is_match = false;
+      for (int count = 1; count <= 9 && !is_match; ++count) {
+        is_match = string.CharMid(at, count).CompareNoCase(wanted) == 0;
+      }
+      if (!is_match) continue;
+      ASSERT_EQ(found, begin) << text << " / " << sub;
+      ASSERT_EQ(string.Mid(found, size).CompareNoCase(wanted), 0) << text << " / " << sub;
+      break;
+    }
+    ASSERT_TRUE(found < 0 || string.Mid(found, size).CompareNoCase(wanted) == 0) << text;
+  }
+}
+
+TEST(StringUtf8, CountsBytesOfAnyLength) {
+  for (const int size : {0, 1, 15, 31, 32, 33, 1000, 8159, 8160, 8161, 20000}) {
+    std::string text(static_cast<std::size_t>(size), 'x');
+    for (int i = 0; i < size; i += 7) text[static_cast<std::size_t>(i)] = '\xFF';
+    EXPECT_EQ(CStringUTF8(text).Count('\xFF'), (size + 6) / 7) << size;
+    EXPECT_EQ(CStringUTF8(text).Count('x'), size - (size + 6) / 7) << size;
+  }
+}
+
+TEST(StringUtf8, TextsMadeTogetherLiveOnTheirOwn) {
+  std::mt19937 random(23);
+  std::vector<std::pair<CStringUTF8, std::string>> texts;
+  for (int round = 0; round < 20; ++round) {
+    CStringUTF8Maker maker;
+    for (int i = 0; i < 1000; ++i) {
+      const std::string content(random() % 40 * (random() % 100 == 0 ? 100 : 1), 'a');
+      texts.emplace_back(maker.Make(content), content);
+    }
+    // Some go, some change, some are shared, while the maker is at work and after it.
+    std::shuffle(texts.begin(), texts.end(), random);
+    texts.resize(texts.size() / 2);
+    for (std::size_t i = 0; i < 100; ++i) {
+      auto& [text, content] = texts[i];
+      texts.emplace_back(text, content);
+      auto& [changed, expected] = texts[i + 100];
+      if (i % 2 == 0) changed += "more", expected += "more";
+      if (i % 3 == 0) changed = std::string_view("less"), expected = "less";
+    }
+  }
+  for (const auto& [text, content] : texts) {
+    ASSERT_EQ(Str(text), content);
+    ASSERT_EQ(text.c_str()[text.GetLength()], '\0');
+  }
+}
+
+TEST(StringUtf8, ThreadsReleaseTextsOfOneBlock) {
+  std::vector<std::vector<CStringUTF8>> parts(4);
+  CStringUTF8Maker maker;
+  for (int i = 0; i < 40000; ++i) {
+    parts[static_cast<std::size_t>(i) % 4].push_back(maker.Make(std::to_string(i)));
+  }
+  std::vector<std::thread> threads;
+  for (auto& part : parts) threads.emplace_back([&part] { part.clear(); });
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(Str(maker.Make("after")), "after");
 }
 
 TEST(StringUtf8, TrimsUnicodeWhiteSpaceAndSets) {

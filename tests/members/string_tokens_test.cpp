@@ -1,3 +1,6 @@
+#include <iterator>
+#include <random>
+
 #include "text_fixture.h"
 
 namespace vela::testing {
@@ -71,6 +74,33 @@ TEST(StringTokens, NumbersIntoEveryVector) {
   const ObjectRef long_token = StringOf(std::string(100, '0') + "7");
   EXPECT_EQ(Call(long_token, "GetTokens", ints).Int(), 1);
   EXPECT_EQ(ValuesOf<int>(ints), std::vector<int>{7});
+}
+
+// A token reads as the number that the whole text reads as when it is that token alone.
+TEST(StringTokens, NumbersReadAsTextsDo) {
+  std::mt19937 random(4);
+  const std::string parts[] = {"0",     "7",        "12345678",  "123456789",  "00000000000000001",
+                               ".",     "-",        "+",         "e5",         "x1",
+                               "NANUM", "99999999", ".12345678", ".123456789", " "};
+  for (const char separator : {',', '\0', '.', '1'}) {
+    std::string text;
+    for (int i = 0; i < 20000; ++i) {
+      for (unsigned part = random() % 4; part > 0; --part)
+        text += parts[random() % std::size(parts)];
+      text += separator == '\0' ? ' ' : separator;
+    }
+    const ObjectRef s = StringOf(text), numbers = Make(kTypeDouble | kFlagVector);
+    const ObjectRef tokens = ArrayOf({});
+    const int count = static_cast<int>(Call(s, "GetTokens", numbers, separator).Int());
+    ASSERT_EQ(Call(s, "GetTokens", tokens, separator).Int(), count);
+    const std::vector<double> values = ValuesOf<double>(numbers);
+    for (int i = 0; i < count; ++i) {
+      const MSOINDICES at = MSOINDICES::Element(i);
+      double value = 0;
+      ASSERT_EQ(tokens->GetDouble(&at, value), 0);
+      ASSERT_EQ(values[static_cast<std::size_t>(i)], value) << TextOf(tokens, &at);
+    }
+  }
 }
 
 TEST(StringTokens, SetTokensJoins) {

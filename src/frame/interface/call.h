@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
+#include <type_traits>
 #include <vector>
 
 #include "frame/interface/complex.h"
@@ -12,6 +14,7 @@
 #include "frame/interface/object_argument.h"
 #include "frame/interface/point.h"
 #include "frame/interface/string_utf8.h"
+#include "frame/interface/type_words.h"
 #include "platform/types.h"
 
 class CScriptVelaObject;
@@ -65,13 +68,21 @@ class VELAHOST_API CTCall {
   // Type id of the argument, joined with its container flag: 3 for a character, 8 for an int, 11
   // for a double literal, 33 for a string literal, the object's own type word for an object (a
   // reference reports its target); 0 for NULL and for an argument that is not there.
-  unsigned GetTypeID(unsigned arg) const;
+  unsigned GetTypeID(unsigned arg) const {
+    const Argument* const argument = Find(arg);
+    return argument != nullptr ? argument->type_id : 0;
+  }
 
   // Numbers convert as the scalar objects do: truncation toward zero with saturation, NaN and the
   // missing value give 0. A text converts by the text-to-number rule.
-  int GetInt(unsigned arg, int& out);
-  int GetUINT(unsigned arg, unsigned& out);
-  int GetDWORD(unsigned arg, DWORD& out);
+  int GetInt(unsigned arg, int& out) { return GetInteger(arg, out); }
+  int GetUINT(unsigned arg, unsigned& out) { return GetInteger(arg, out); }
+  int GetDWORD(unsigned arg, DWORD& out) {
+    unsigned bits = 0;
+    const int code = GetUINT(arg, bits);
+    if (code == 0) out = bits;
+    return code;
+  }
   int GetDouble(unsigned arg, double& out);
   int GetComplex(unsigned arg, OneTCcomplex& out);
   int GetPointInt(unsigned arg, PointInt& out);
@@ -85,7 +96,14 @@ class VELAHOST_API CTCall {
   int GetArgumentObject(int arg, tagMSOOBJVECT& out);
   // The object that a by-reference argument points at; flags other than 0 accept an argument passed
   // by value as well.
-  int GetArgumentReferenceTarget(int arg, tagMSOOBJVECT& out, unsigned flags);
+  int GetArgumentReferenceTarget(int arg, tagMSOOBJVECT& out, unsigned flags) {
+    const Argument* const argument = Find(static_cast<unsigned>(arg));
+    if (argument == nullptr || !argument->by_reference || IsUnresolved(argument->type_id)) {
+      return ReadReferenceTarget(arg, out, flags);
+    }
+    SetObject(*argument, out);
+    return 0;
+  }
   // The bytes of an argument: the text of a string, the elements of a vector, the storage of a
   // scalar. bytes is the least that the member will touch (0: whatever is there); an argument that
   // has fewer is status 3. Pair with ReleaseBuffer.
@@ -98,7 +116,11 @@ class VELAHOST_API CTCall {
   MSOINDICES& GetIndeces() { return indices_; }
   void SetIndeces(std::uint32_t kind, unsigned index, unsigned element, unsigned column);
 
-  int SetReturnInt(int value);
+  int SetReturnInt(int value) {
+    result_kind_ = ResultKind::kInt;
+    result_integer_ = value;
+    return 0;
+  }
   int SetReturnInt(unsigned value);
   int SetReturnInt(unsigned long value);
   int SetReturnInt(unsigned long long value);
@@ -155,9 +177,21 @@ class VELAHOST_API CTCall {
   };
 
   static constexpr unsigned kInlineArguments = 8;
-  Argument& AddArgument();
-  Argument* Find(unsigned arg);
-  const Argument* Find(unsigned arg) const;
+  Argument& AddArgument() {
+    static_assert(std::is_trivially_destructible_v<Argument>);
+    if (count_ >= kInlineArguments) return AddAnotherArgument();
+    void* const place = inline_arguments_ + count_++ * sizeof(Argument);
+    return *new (place) Argument;
+  }
+  const Argument* Find(unsigned arg) const {
+    if (arg >= count_) return nullptr;
+    if (arg >= kInlineArguments) return &more_arguments_[arg - kInlineArguments];
+    const void* const place = inline_arguments_ + arg * sizeof(Argument);
+    return std::launder(static_cast<const Argument*>(place));
+  }
+  Argument* Find(unsigned arg) {
+    return const_cast<Argument*>(static_cast<const CTCall*>(this)->Find(arg));
+  }
   void Clear();
 
   unsigned count_ = 0;
@@ -170,7 +204,31 @@ class VELAHOST_API CTCall {
   CStringUTF8 result_text_;
 
  private:
+  Argument& AddAnotherArgument();
   void* LendText(const char* text, unsigned size);
+
+  // A plain int as it is: an unsigned type takes its bits, so that -1 means "all flags".
+  template <class T>
+  int GetInteger(unsigned arg, T& out) {
+    const Argument* const argument = Find(arg);
+    if (argument == nullptr || argument->kind != ArgumentKind::kInt) return ReadInteger(arg, out);
+    out = static_cast<T>(argument->integer);
+    return 0;
+  }
+  static constexpr bool IsUnresolved(unsigned type_id) {
+    return type_id == kTypeReference || type_id == kTypePointer;
+  }
+  static void SetObject(const Argument& argument, tagMSOOBJVECT& out) {
+    out.object = argument.object;
+    out.type_word = argument.type_id;
+    out.indices = argument.indices;
+    out.flags = argument.by_reference ? tagMSOOBJVECT::kByReference : 0;
+    out.plain = {};
+    out.lent_buffer = nullptr;
+  }
+  int ReadReferenceTarget(int arg, tagMSOOBJVECT& out, unsigned flags);
+  int ReadInteger(unsigned arg, int& out);
+  int ReadInteger(unsigned arg, unsigned& out);
 
   // Raw storage, so that a frame costs only the arguments it has.
   alignas(Argument) std::byte inline_arguments_[kInlineArguments * sizeof(Argument)];

@@ -25,8 +25,9 @@ struct VELAHOST_API tagMSOOBJVECT {
   tagMSOOBJVECT(CScriptVelaObject* object, std::uint32_t type_word,
                 std::int32_t object_index = kNoIndex, std::int32_t element = kNoIndex,
                 std::int32_t column = kNoIndex, std::uint32_t flags = 0);
-  tagMSOOBJVECT(CScriptVelaObject* object, std::uint32_t type_word, const MSOINDICES& indices,
-                std::uint32_t flags = 0);
+  tagMSOOBJVECT(CScriptVelaObject* the_object, std::uint32_t the_type_word,
+                const MSOINDICES& the_indices, std::uint32_t the_flags = 0)
+      : object(the_object), type_word(the_type_word), indices(the_indices), flags(the_flags) {}
   // A plain value for Operate2 with the plain-operand bit; type_id is a scalar type id.
   static tagMSOOBJVECT Plain(const OneTCcomplex& value, std::uint32_t type_id);
 

@@ -1,10 +1,36 @@
 // The host's UTF-8 string: every text in the library is held in one.
 #pragma once
 
+#include <atomic>
 #include <cstdarg>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "frame/interface/export.h"
+
+namespace vela::host {
+
+// What lies in front of a text.
+struct alignas(16) TextHeader {
+  std::atomic<std::int32_t> references;  // or a state of the buffer, not above 0
+  std::int32_t length;
+  std::int32_t capacity;
+  // Bytes from the start of the block that many texts share to this header; 0 for a text with
+  // memory of its own.
+  std::int32_t offset_in_block;
+};
+static_assert(sizeof(TextHeader) == 16);
+
+// The one empty text, whose references are never counted and whose byte is never written.
+struct EmptyText {
+  TextHeader header;
+  char text[16];
+};
+VELAHOST_API extern EmptyText empty_text;
+
+}  // namespace vela::host
 
 // A reference-counted, copy-on-write, NUL-terminated byte buffer with its length in a header in
 // front; one pointer wide. Copies share the buffer until one of them changes; the count is atomic.
@@ -14,22 +40,37 @@
 // 2^31 - 16 bytes std::length_error; both leave the string as it was.
 class VELAHOST_API CStringUTF8 {
  public:
-  CStringUTF8() noexcept;
+  CStringUTF8() noexcept : data_(vela::host::empty_text.text) {}
   CStringUTF8(const char* text);
   CStringUTF8(const char* text, int length);
   explicit CStringUTF8(std::string_view text);
   CStringUTF8(const CStringUTF8& other);  // allocates only for a locked buffer
-  CStringUTF8(CStringUTF8&& other) noexcept;
-  ~CStringUTF8();
+  CStringUTF8(CStringUTF8&& other) noexcept
+      : data_(std::exchange(other.data_, vela::host::empty_text.text)) {}
+  ~CStringUTF8() {
+    if (data_ != vela::host::empty_text.text) Release();
+  }
   CStringUTF8& operator=(const CStringUTF8& other);
   CStringUTF8& operator=(CStringUTF8&& other) noexcept;
   CStringUTF8& operator=(const char* text);
-  CStringUTF8& operator=(std::string_view text);
+  CStringUTF8& operator=(std::string_view text) {
+    vela::host::TextHeader& header = Header();
+    const std::size_t room = static_cast<std::size_t>(header.capacity);
+    // The text's own memory, when nobody else has it: no call, whatever line comes next.
+    if (text.empty() || text.size() > room ||
+        header.references.load(std::memory_order_acquire) != 1) {
+      return Assign(text);
+    }
+    std::memmove(data_, text.data(), text.size());
+    data_[text.size()] = '\0';
+    header.length = static_cast<std::int32_t>(text.size());
+    return *this;
+  }
 
   operator const char*() const { return data_; }
   const char* c_str() const { return data_; }
   std::string_view View() const { return {data_, static_cast<std::size_t>(GetLength())}; }
-  int GetLength() const;
+  int GetLength() const { return Header().length; }
   bool IsEmpty() const { return GetLength() == 0; }
   void Empty();
 
@@ -125,7 +166,41 @@ class VELAHOST_API CStringUTF8 {
   }
 
  private:
+  friend class CStringUTF8Maker;
+
+  struct Owned {
+    char* data;
+  };
+  explicit CStringUTF8(Owned text) noexcept : data_(text.data) {}
+
+  vela::host::TextHeader& Header() const {
+    return reinterpret_cast<vela::host::TextHeader*>(data_)[-1];
+  }
+  CStringUTF8& Assign(std::string_view text);
+  void Release() noexcept;
+
   char* data_;  // first byte of the text; the header lies in front
 };
 
 static_assert(sizeof(CStringUTF8) == sizeof(char*));
+
+// Makes many small texts for less than they cost one by one. They lie together in blocks of a few
+// kilobytes; a block is freed with the last of its texts. Otherwise they are like any other.
+class VELAHOST_API CStringUTF8Maker {
+ public:
+  CStringUTF8Maker() = default;
+  ~CStringUTF8Maker() { Retire(); }
+  CStringUTF8Maker(const CStringUTF8Maker&) = delete;
+  CStringUTF8Maker& operator=(const CStringUTF8Maker&) = delete;
+
+  // Throws as the constructors of CStringUTF8 do.
+  CStringUTF8 Make(std::string_view text);
+
+ private:
+  void Begin();
+  void Retire();
+
+  char* block_ = nullptr;
+  std::size_t used_ = 0;
+  std::int32_t made_ = 0;
+};

@@ -31,24 +31,6 @@ bool Arguments::IsText(unsigned arg) const {
   return id == kTypeString || id == kTypeStringLiteral;
 }
 
-int Arguments::Int(unsigned arg) {
-  int value = 0;
-  Check(call_.GetInt(arg, value));
-  return value;
-}
-
-unsigned Arguments::Unsigned(unsigned arg) {
-  unsigned value = 0;
-  Check(call_.GetUINT(arg, value));
-  return value;
-}
-
-DWORD Arguments::Dword(unsigned arg) {
-  DWORD value = 0;
-  Check(call_.GetDWORD(arg, value));
-  return value;
-}
-
 double Arguments::Double(unsigned arg) {
   double value = 0;
   Check(call_.GetDouble(arg, value));
@@ -73,12 +55,6 @@ tagMSOOBJVECT Arguments::Object(unsigned arg) {
   return object;
 }
 
-tagMSOOBJVECT Arguments::Reference(unsigned arg) {
-  tagMSOOBJVECT object;
-  Check(call_.GetArgumentReferenceTarget(static_cast<int>(arg), object, 0));
-  return object;
-}
-
 void* Arguments::Buffer(unsigned arg, int bytes) {
   void* data = nullptr;
   Check(call_.GetBuffer(arg, &data, bytes));
@@ -86,7 +62,7 @@ void* Arguments::Buffer(unsigned arg, int bytes) {
   return data;
 }
 
-Arguments::~Arguments() {
+void Arguments::ReleaseBuffers() {
   for (unsigned arg = 0; locked_ != 0; ++arg, locked_ >>= 1) {
     if ((locked_ & 1) != 0) call_.ReleaseBuffer(arg);
   }

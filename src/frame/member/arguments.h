@@ -55,9 +55,21 @@ class Arguments {
   bool IsText(unsigned arg) const;
   bool IsNull(unsigned arg) const { return TypeId(arg) == kTypeNone; }
 
-  int Int(unsigned arg);
-  unsigned Unsigned(unsigned arg);
-  DWORD Dword(unsigned arg);
+  int Int(unsigned arg) {
+    int value = 0;
+    Check(call_.GetInt(arg, value));
+    return value;
+  }
+  unsigned Unsigned(unsigned arg) {
+    unsigned value = 0;
+    Check(call_.GetUINT(arg, value));
+    return value;
+  }
+  DWORD Dword(unsigned arg) {
+    DWORD value = 0;
+    Check(call_.GetDWORD(arg, value));
+    return value;
+  }
   double Double(unsigned arg);
   OneTCcomplex Complex(unsigned arg);
   CStringUTF8 Text(unsigned arg);
@@ -66,7 +78,11 @@ class Arguments {
   // The object of an argument, resolved through references; its object is null for NULL. The
   // reference form insists on an argument that can be written back to.
   tagMSOOBJVECT Object(unsigned arg);
-  tagMSOOBJVECT Reference(unsigned arg);
+  tagMSOOBJVECT Reference(unsigned arg) {
+    tagMSOOBJVECT object;
+    Check(call_.GetArgumentReferenceTarget(static_cast<int>(arg), object, 0));
+    return object;
+  }
 
   // The bytes of an argument, at least bytes of them; released with this object.
   void* Buffer(unsigned arg, int bytes = 0);
@@ -85,11 +101,16 @@ class Arguments {
     Check(call_.SetComplex(static_cast<int>(arg), value));
   }
 
-  ~Arguments();
+  ~Arguments() {
+    if (locked_ != 0) [[unlikely]]
+      ReleaseBuffers();
+  }
   Arguments(const Arguments&) = delete;
   Arguments& operator=(const Arguments&) = delete;
 
  private:
+  void ReleaseBuffers();
+
   CTCall& call_;
   unsigned locked_ = 0;  // bit k: argument k's buffer is held
 };
