@@ -1,9 +1,10 @@
 # The front door. `make run` and `make test` install what they need on a Debian 12 machine.
 .DEFAULT_GOAL := build
-.PHONY: run build build-release build-windows test bench unbuilt sanitize check format layering \
+.PHONY: run build build-release build-windows test bench unbuilt sanitize fuzz check format layering \
         exports packages packages-test packages-bench clean
 
 JOBS ?= $(shell nproc)
+FUZZ_SECONDS ?= 30
 release := build/release/bin
 windows := build/windows/bin
 build_preset = cmake --preset $(1) && cmake --build --preset $(1) -j $(JOBS)
@@ -40,6 +41,11 @@ unbuilt: packages
 sanitize: packages-test
 	$(call build_preset,debug)
 	ctest --preset debug -j $(JOBS)
+
+# Every fuzz target for FUZZ_SECONDS (30) each; fails on a finding.
+fuzz: packages-test
+	$(call build_preset,fuzz)
+	FUZZ_SECONDS=$(FUZZ_SECONDS) fuzz/run.sh
 
 check: format layering exports
 

@@ -54,6 +54,14 @@ class Maker {
     vector->InitalizeFromMemory(bytes.data(), static_cast<int>(bytes.size() / width));
   }
 
+  // Fills the vector of doubles with the next variant of the data, in turn.
+  void Refill(const ObjectRef& vector) {
+    const std::vector<std::byte>& variants = data_.at("variants");
+    const std::size_t bytes = data_.at("x").size();
+    vector->InitalizeFromMemory(&variants[turn_], Size("x"));
+    turn_ = (turn_ + bytes) % variants.size();
+  }
+
   int Size(const std::string& name, std::size_t width = 8) const {
     return static_cast<int>(data_.at(name).size() / width);
   }
@@ -61,6 +69,7 @@ class Maker {
  private:
   const host::Library& library_;
   const Data& data_;
+  std::size_t turn_ = 0;  // where the next variant begins
 };
 
 using Case = std::function<Prepared(Maker&)>;
@@ -86,8 +95,7 @@ Case InPlace(const char* member, AddArguments&& add) {
     const ObjectRef vector = maker.Vector(kTypeDouble);
     auto site = std::make_shared<CallSite>(vector, member);
     add(maker, *site);
-    const Maker copy = maker;
-    return Prepared{[vector, copy] { copy.Fill(vector, kTypeDouble); }, [site] { (*site)(); }};
+    return Prepared{[vector, maker]() mutable { maker.Refill(vector); }, [site] { (*site)(); }};
   };
 }
 
@@ -95,8 +103,7 @@ Case Operator(unsigned code) {
   return [code](Maker& maker) {
     const ObjectRef x = maker.Vector(kTypeDouble);
     const ObjectRef y = maker.Vector(kTypeDouble, "y");
-    const Maker copy = maker;
-    return Prepared{[x, copy] { copy.Fill(x, kTypeDouble); },
+    return Prepared{[x, maker]() mutable { maker.Refill(x); },
                     [x, y, code] {
                       const tagMSOOBJVECT operand(y.Get(), y->GetTypeID());
                       if (x->Operate2(nullptr, code, operand, 0) != 0) std::abort();
@@ -159,8 +166,7 @@ Prepared SortWithIndices(Maker& maker) {
   site->Frame().AddInt(1);
   site->AddObject(indices);
   site->Frame().AddInt(0);
-  const Maker copy = maker;
-  return {[vector, copy] { copy.Fill(vector, kTypeDouble); }, [site] { (*site)(); }};
+  return {[vector, maker]() mutable { maker.Refill(vector); }, [site] { (*site)(); }};
 }
 
 Prepared Average(Maker& maker) {

@@ -33,7 +33,6 @@ vela_header_library(pegtl tao-pegtl-dev tao)
 vela_header_library(cli11 libcli11-dev CLI)
 vela_header_library(utf8cpp libutfcpp-dev utf8.h utf8)
 vela_header_library(fast_float libfast-float-dev fast_float)
-vela_header_library(boost libboost-dev boost)
 
 if(WIN32)
   # Highway has no Windows package: its headers alone, with the instruction set chosen at compile
@@ -43,9 +42,7 @@ if(WIN32)
 else()
   find_package(PkgConfig REQUIRED)
   vela_pkg_library(hwy libhwy-dev libhwy libhwy-contrib)
-  vela_pkg_library(icu libicu-dev icu-uc icu-i18n)
-  vela_pkg_library(uchardet libuchardet-dev uchardet)
-  vela_pkg_library(edit libedit-dev libedit)
+  vela_pkg_library(icu libicu-dev icu-uc)
 endif()
 
 find_package(Threads REQUIRED)

@@ -9,9 +9,13 @@ namespace tesselc {
 namespace {
 
 int ShowMembers(const std::string& filter) {
-  if (Catalogue::Get().PrintMembers(std::cout, filter)) return kSuccess;
-  std::cerr << "tesselc: error: there is no type or member '" << filter << "'\n";
-  return kMistake;
+  if (!Catalogue::Get().PrintMembers(std::cout, filter)) {
+    std::cerr << "tesselc: error: there is no type or member '" << filter << "'\n";
+    return kMistake;
+  }
+  if (std::cout.flush()) return kSuccess;
+  std::cerr << "tesselc: error: cannot write the output\n";
+  return kScriptFailed;
 }
 
 int Main(const std::vector<std::string>& words) {

@@ -4,7 +4,8 @@
     run_script_tests.py --runner TESSELC [--emulator COMMAND] [--update] PATH...
 
 PATH is a script or a folder, which stands for every .tc file under it except those in folders
-named "include". NAME.out holds the expected standard output and must exist; NAME.err holds the
+named "include". Of a document (.md), every block of C that is followed by a block of plain text is a
+script that prints that text. NAME.out holds the expected standard output and must exist; NAME.err holds the
 expected standard error (without it, a script that ends with 0 must leave standard error empty).
 Comment lines at the top of a script set the rest:
 
@@ -24,8 +25,10 @@ import re
 import shlex
 import subprocess
 import sys
+import tempfile
 
 TIMEOUT_SECONDS = 120
+EXAMPLE = re.compile(r"^```c\n(.*?)^```\n```text\n(.*?)^```\n", re.MULTILINE | re.DOTALL)
 HEADER = re.compile(r"//\s*(exit|options|args):\s*(.*?)\s*$")
 
 
@@ -84,11 +87,42 @@ def run(script, command, windows, update):
     return failure
 
 
-def scripts_under(path):
+def examples_of(document, folder):
+    """Writes the examples of a document into a folder, as scripts named by their lines."""
+    text = document.read_text(encoding="utf-8")
+    scripts = []
+    for match in EXAMPLE.finditer(text):
+        line = text.count("\n", 0, match.start()) + 1
+        script = folder / f"{document.name}-{line}" / f"{document.stem}.tc"
+        script.parent.mkdir()
+        script.write_text(match[1], encoding="utf-8")
+        script.with_suffix(".out").write_text(match[2], encoding="utf-8")
+        scripts.append(script)
+    return scripts
+
+
+def scripts_under(path, folder):
+    if path.suffix == ".md":
+        return examples_of(path, folder)
     if path.is_file():
         return [path]
     return sorted(script for script in path.rglob("*.tc")
                   if "include" not in script.relative_to(path).parts[:-1])
+
+
+def run_all(scripts, command, windows, options):
+    """Runs scripts, tells which failed and how, and returns their number."""
+    if not scripts:
+        sys.exit(f"no scripts in {', '.join(map(str, options.paths))}")
+
+    failed = 0
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        accounts = pool.map(lambda script: run(script, command, windows, options.update), scripts)
+        for script, failure in zip(scripts, accounts):
+            if failure:
+                failed += 1
+                print(f"FAILED {script}\n{failure}")
+    return failed
 
 
 def main():
@@ -102,18 +136,10 @@ def main():
 
     runner = str(pathlib.Path(options.runner).resolve())
     command = ([options.emulator] if options.emulator else []) + [runner]
-    scripts = [script.resolve() for path in options.paths for script in scripts_under(path)]
-    if not scripts:
-        sys.exit(f"no scripts in {', '.join(map(str, options.paths))}")
-
-    failed = 0
-    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
-        accounts = pool.map(
-            lambda script: run(script, command, runner.endswith(".exe"), options.update), scripts)
-        for script, failure in zip(scripts, accounts):
-            if failure:
-                failed += 1
-                print(f"FAILED {script}\n{failure}")
+    with tempfile.TemporaryDirectory() as folder:
+        scripts = [script.resolve() for path in options.paths
+                   for script in scripts_under(path, pathlib.Path(folder))]
+        failed = run_all(scripts, command, runner.endswith(".exe"), options)
     print(f"{len(scripts) - failed} passed, {failed} failed")
     sys.exit(failed != 0)
 

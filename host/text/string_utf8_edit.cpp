@@ -50,6 +50,18 @@ void RemoveTrailing(char*& data, std::size_t bytes) {
   text_buffer::Splice(data, text_buffer::HeaderOf(data).length - count, count, {});
 }
 
+void TrimLeading(char*& data, std::string_view set) {
+  const CharacterSet drop(set);
+  const std::string_view text = text_buffer::View(data);
+  RemoveLeading(data, LeadingBytes(text, [&](char32_t c) { return drop.Contains(c); }));
+}
+
+void TrimTrailing(char*& data, std::string_view set) {
+  const CharacterSet drop(set);
+  const std::string_view text = text_buffer::View(data);
+  RemoveTrailing(data, TrailingBytes(text, [&](char32_t c) { return drop.Contains(c); }));
+}
+
 // Where the matches begin, none of which overlap.
 std::vector<std::uint32_t> FindMatches(std::string_view text, std::string_view old_text) {
   const ByteSearch search(old_text);
@@ -145,29 +157,21 @@ void CStringUTF8::TrimLeft() {
   RemoveLeading(data_, LeadingBytes(View(), vela::host::IsWhiteSpace));
 }
 
-void CStringUTF8::TrimLeft(char ch) {
-  const CharacterSet drop(std::string_view(&ch, 1));
-  RemoveLeading(data_, LeadingBytes(View(), [&](char32_t c) { return drop.Contains(c); }));
-}
+void CStringUTF8::TrimLeft(char ch) { TrimLeading(data_, std::string_view(&ch, 1)); }
 
-void CStringUTF8::TrimLeft(const char* set) {
-  const CharacterSet drop(ViewOf(set));
-  RemoveLeading(data_, LeadingBytes(View(), [&](char32_t c) { return drop.Contains(c); }));
-}
+void CStringUTF8::TrimLeft(const char* set) { TrimLeading(data_, ViewOf(set)); }
+
+void CStringUTF8::TrimLeft(const CStringUTF8& set) { TrimLeading(data_, set.View()); }
 
 void CStringUTF8::TrimRight() {
   RemoveTrailing(data_, TrailingBytes(View(), vela::host::IsWhiteSpace));
 }
 
-void CStringUTF8::TrimRight(char ch) {
-  const CharacterSet drop(std::string_view(&ch, 1));
-  RemoveTrailing(data_, TrailingBytes(View(), [&](char32_t c) { return drop.Contains(c); }));
-}
+void CStringUTF8::TrimRight(char ch) { TrimTrailing(data_, std::string_view(&ch, 1)); }
 
-void CStringUTF8::TrimRight(const char* set) {
-  const CharacterSet drop(ViewOf(set));
-  RemoveTrailing(data_, TrailingBytes(View(), [&](char32_t c) { return drop.Contains(c); }));
-}
+void CStringUTF8::TrimRight(const char* set) { TrimTrailing(data_, ViewOf(set)); }
+
+void CStringUTF8::TrimRight(const CStringUTF8& set) { TrimTrailing(data_, set.View()); }
 
 void CStringUTF8::MakeUpper() { MapCaseOf(data_, LetterCase::kUpper); }
 

@@ -25,12 +25,23 @@ std::size_t LeadingRun(std::string_view text, std::string_view characters, bool 
   return text.size();
 }
 
+int FirstOf(std::string_view text, std::string_view characters) {
+  const std::size_t run = LeadingRun(text, characters, false);
+  return run == text.size() ? -1 : static_cast<int>(run);
+}
+
 }  // namespace
 
 int CStringUTF8::Compare(const char* text) const { return View().compare(ViewOf(text)); }
 
+int CStringUTF8::Compare(const CStringUTF8& text) const { return View().compare(text.View()); }
+
 int CStringUTF8::CompareNoCase(const char* text) const {
   return vela::host::CompareFolded(View(), ViewOf(text));
+}
+
+int CStringUTF8::CompareNoCase(const CStringUTF8& text) const {
+  return vela::host::CompareFolded(View(), text.View());
 }
 
 int CStringUTF8::Find(char ch, int start) const {
@@ -54,10 +65,9 @@ int CStringUTF8::FindNoCase(std::string_view sub, int start, int* matched) const
 
 int CStringUTF8::ReverseFind(char ch) const { return ToInt(View().rfind(ch)); }
 
-int CStringUTF8::FindOneOf(const char* set) const {
-  const std::size_t run = LeadingRun(View(), ViewOf(set), false);
-  return run == View().size() ? -1 : static_cast<int>(run);
-}
+int CStringUTF8::FindOneOf(const char* set) const { return FirstOf(View(), ViewOf(set)); }
+
+int CStringUTF8::FindOneOf(const CStringUTF8& set) const { return FirstOf(View(), set.View()); }
 
 int CStringUTF8::Count(char ch) const {
   return static_cast<int>(vela::host::CountByte(View(), ch));
@@ -67,6 +77,14 @@ CStringUTF8 CStringUTF8::SpanIncluding(const char* set) const {
   return Left(static_cast<int>(LeadingRun(View(), ViewOf(set), true)));
 }
 
+CStringUTF8 CStringUTF8::SpanIncluding(const CStringUTF8& set) const {
+  return Left(static_cast<int>(LeadingRun(View(), set.View(), true)));
+}
+
 CStringUTF8 CStringUTF8::SpanExcluding(const char* set) const {
   return Left(static_cast<int>(LeadingRun(View(), ViewOf(set), false)));
+}
+
+CStringUTF8 CStringUTF8::SpanExcluding(const CStringUTF8& set) const {
+  return Left(static_cast<int>(LeadingRun(View(), set.View(), false)));
 }

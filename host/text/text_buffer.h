@@ -10,7 +10,7 @@
 
 namespace vela::host::text_buffer {
 
-inline constexpr std::int64_t kMaxLength = 0x7FFFFFF0;
+inline constexpr std::int64_t kMaxLength = CStringUTF8::kMostBytes;
 
 using Header = TextHeader;
 

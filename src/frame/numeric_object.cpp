@@ -202,6 +202,17 @@ TCBitField<T>::TCBitField(unsigned bit_count, unsigned type_word, void** args)
       m_mask(static_cast<std::uint32_t>((std::uint64_t{1} << m_bit_count) - 1)) {}
 
 template <class T>
+TCBitField<T>::TCBitField(const TCBitField& other)
+    : TCIntegral<T>(other),
+      m_bit_offset(other.m_bit_offset),
+      m_bit_count(other.m_bit_count),
+      m_mask(other.m_mask) {
+  if (other.m_word == nullptr) return;
+  own_word_ = *other.m_word;
+  m_word = &own_word_;
+}
+
+template <class T>
 int TCBitField<T>::SetMemberMemory(void* memory, unsigned bit_offset) {
   if (bit_offset >= 32) return status::kBadArguments;
   m_word = static_cast<std::uint32_t*>(memory);
@@ -213,7 +224,8 @@ template <class T>
 int TCBitField<T>::Changed() {
   if (m_word == nullptr || m_bit_count == 0) return status::kUnresolved;
   T& stored = this->Elements().front();
-  std::uint64_t value = static_cast<std::uint64_t>(static_cast<std::int64_t>(stored));
+  // The value's own bits: a negative value that fills its type is not wider than the type.
+  std::uint64_t value = static_cast<std::make_unsigned_t<T>>(stored);
   if ((value & ~std::uint64_t{m_mask}) != 0) value = m_mask;
   stored = static_cast<T>(value);
   const auto shifted_mask = static_cast<std::uint32_t>(std::uint64_t{m_mask} << m_bit_offset);

@@ -141,11 +141,13 @@ class TCFloating : public TCNumericBase<T> {
 };
 
 // An integer of bit_count bits (at most 32) inside a word of a script structure. It keeps its own
-// value and copies it into the word after each change; without a word every change fails with 2.
+// value and copies it into the word after each change; without a word every change fails with 2. A
+// copy never reaches into the structure: it has a word of its own, when the original has one.
 template <class T>
 class TCBitField : public TCIntegral<T> {
  public:
   TCBitField(unsigned bit_count, unsigned type_word, void** args);
+  TCBitField(const TCBitField& other);
   // The word must outlive the field; bit_offset is the place of the field's lowest bit, below 32.
   int SetMemberMemory(void* memory, unsigned bit_offset) override;
   CScriptVelaObject* CreateCopy() override { return vela::NewCopy(*this); }
@@ -159,4 +161,5 @@ class TCBitField : public TCIntegral<T> {
   std::uint8_t m_bit_count;
   std::uint32_t m_mask;
   std::uint32_t* m_word = nullptr;
+  std::uint32_t own_word_ = 0;  // the word of a copy
 };

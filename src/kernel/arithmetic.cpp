@@ -127,8 +127,13 @@ struct Broadcast {
 
 template <class Operation, class T>
 bool MakesMissing(T x, T y) {
-  if constexpr (std::same_as<Operation, Assign>) return std::isnan(y) | IsMissing(y);
-  return std::isunordered(x, y) | IsMissing(x) | IsMissing(y) | Operation::Overflows(x, y);
+  const auto is_value = [](T v) {
+    // One ordered comparison excludes both NaN and the missing value.
+    if constexpr (std::same_as<T, double>) return std::islessgreater(v, kMissing);
+    return !std::isnan(v);
+  };
+  if constexpr (std::same_as<Operation, Assign>) return !is_value(y);
+  return !is_value(x) | !is_value(y) | Operation::Overflows(x, y);
 }
 
 // x and the operands are the same storage or apart, so no iteration depends on another.

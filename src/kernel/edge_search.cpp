@@ -13,7 +13,7 @@ constexpr std::size_t kFewestCells = 256;
 constexpr std::size_t kMostCells = 1 << 16;
 constexpr std::size_t kCellsPerEdge = 8;
 // A cell costs about as much to set up as it saves on a few elements.
-constexpr std::size_t kElementsPerCell = 4;
+constexpr std::size_t kElementsPerCell = 2;
 
 // The least value that counts as equal to an edge. As integers, the bits of doubles step through
 // neighbouring values, away from zero.

@@ -89,6 +89,19 @@ HWY_INLINE void WritePositions(unsigned byte, std::uint32_t base, std::uint32_t*
   }
 }
 
+// Elements that are tested at a time where matches are rare.
+constexpr std::size_t kGroup = 64;
+
+template <class Matches>
+HWY_INLINE bool NoneMatches(const double* HWY_RESTRICT x, Matches matches) {
+  const hn::CappedTag<double, 8> d;
+  auto any = matches(d, hn::LoadU(d, x));
+  for (std::size_t i = hn::Lanes(d); i < kGroup; i += hn::Lanes(d)) {
+    any = hn::Or(any, matches(d, hn::LoadU(d, x + i)));
+  }
+  return hn::AllFalse(d, any);
+}
+
 // Counts the matches in x and writes their indices, counted from base, as far as they fit. At most
 // kBlockSize elements.
 template <class Matches>
@@ -96,15 +109,16 @@ std::size_t Collect(const double* HWY_RESTRICT x, std::size_t n, Matches matches
                     std::uint32_t* HWY_RESTRICT found, std::size_t capacity) {
   std::size_t count = 0;
   std::size_t i = 0;
-  for (; i + 64 <= n && count + 64 <= capacity; i += 64) {
-    std::array<unsigned, 8> bytes;
-    unsigned any = 0;
-    for (std::size_t k = 0; k < 8; ++k) any |= bytes[k] = MatchByte(x + i + 8 * k, matches);
-    if (any == 0) continue;
-    for (std::size_t k = 0; k < 8; ++k) {
-      WritePositions(bytes[k], static_cast<std::uint32_t>(base + i + 8 * k), found + count);
-      count += static_cast<std::size_t>(std::popcount(bytes[k]));
+  bool expect_none = true;
+  for (; i + kGroup <= n && count + kGroup <= capacity; i += kGroup) {
+    if (expect_none && NoneMatches(x + i, matches)) continue;
+    const std::size_t before = count;
+    for (std::size_t k = i; k < i + kGroup; k += 8) {
+      const unsigned byte = MatchByte(x + k, matches);
+      WritePositions(byte, static_cast<std::uint32_t>(base + k), found + count);
+      count += static_cast<std::size_t>(std::popcount(byte));
     }
+    expect_none = count == before;
   }
   if (capacity == 0) {
     for (; i + 8 <= n; i += 8) {

@@ -92,7 +92,9 @@ std::vector<std::size_t> CountByReached(std::span<const T> x, std::span<const do
     return true;
   });
   std::vector<std::size_t> reached(stride);
-  for (std::size_t i = 0; i < tables.size(); ++i) reached[i % stride] += tables[i];
+  for (std::size_t t = 0; t < kTables; ++t) {
+    for (std::size_t i = 0; i < stride; ++i) reached[i] += tables[t * stride + i];
+  }
   reached[search.Reached(kMissing, search.CellOf(kMissing), search.first_step)] -= missing;
   reached[0] -= nan;
   if (edges.size() > 1) reached[edges.size() - 1] += nan;

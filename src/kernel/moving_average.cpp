@@ -14,13 +14,10 @@
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
 
-// One number from each of kTiles tiles. A single one leaves the second lane idle: the compiler
-// keeps vectors of one lane in memory.
-template <std::size_t kTiles>
-constexpr std::size_t kLanes = kTiles < 2 ? 2 : kTiles;
+// One number from each of kTiles tiles.
 template <std::size_t kTiles>
 struct TileVector {
-  typedef double Type __attribute__((vector_size(kLanes<kTiles> * sizeof(double))));
+  typedef double Type __attribute__((vector_size(kTiles * sizeof(double))));
 };
 
 // The tails of a tile, side by side with those of its neighbours.
@@ -38,7 +35,7 @@ void Restore(const double* tails, std::size_t j, Vector& vector) {
 // of the tiles is a tail of it and a head of the next, and heads and tails are running sums; those
 // of several tiles go side by side, as each has to wait for its own last addition. Writes
 // out[t * window + j] for the first `results` values of j. kHoles tells whether elements may be
-// missing. Scratch: kLanes<kTiles> * window elements in sums, and with kHoles as many in counts.
+// missing. Scratch: kTiles * window elements in sums, and with kHoles as many in counts.
 template <std::size_t kTiles, bool kHoles>
 void AverageTiles(const double* HWY_RESTRICT x, std::size_t window, std::size_t results,
                   double* HWY_RESTRICT sums, double* HWY_RESTRICT counts,
@@ -89,7 +86,7 @@ bool HasMissing(const double* x, std::size_t n) {
 template <std::size_t kTiles>
 void AverageGroup(const double* x, std::size_t window, std::size_t results,
                   std::vector<double>& scratch, double* out) {
-  const std::size_t size = kLanes<kTiles> * window;
+  const std::size_t size = kTiles * window;
   if (HasMissing(x, (kTiles - 1) * window + results + window - 1)) {
     scratch.resize(2 * size);
     AverageTiles<kTiles, true>(x, window, results, scratch.data(), scratch.data() + size, out);
@@ -99,16 +96,39 @@ void AverageGroup(const double* x, std::size_t window, std::size_t results,
   }
 }
 
+// The first `results` averages of one tile, where too few tiles are left to go side by side. The
+// results wait as tails where they will be, so that even a window as long as x needs no scratch.
+void AverageTile(const double* HWY_RESTRICT x, std::size_t window, std::size_t results,
+                 double* HWY_RESTRICT out) {
+  double sum = 0.0;
+  std::size_t count = 0;
+  for (std::size_t j = window; j-- > 0;) {
+    sum += IsMissing(x[j]) ? 0.0 : x[j];
+    count += !IsMissing(x[j]);
+    if (j < results) out[j] = sum;
+  }
+  double head = 0.0;
+  for (std::size_t j = 0; j < results; ++j) {
+    if (j > 0) {
+      const double entering = x[window + j - 1];
+      head += IsMissing(entering) ? 0.0 : entering;
+      count += !IsMissing(entering);
+      count -= !IsMissing(x[j - 1]);
+    }
+    out[j] = count == 0 ? kMissing : (out[j] + head) / static_cast<double>(count);
+  }
+}
+
 // out[j] is the mean of x[j] ... x[j + window - 1] for j < n.
 void AverageWindows(const double* x, std::size_t n, std::size_t window, double* out) {
   constexpr std::size_t kSideBySide = 4;
   const std::size_t group = kSideBySide * window;
-  std::vector<double> scratch;
   if (n < group) {
     for (std::size_t j = 0; j < n; j += window) {
-      AverageGroup<1>(x + j, window, std::min(window, n - j), scratch, out + j);
+      AverageTile(x + j, window, std::min(window, n - j), out + j);
     }
   } else {
+    std::vector<double> scratch;
     // The last group may overlap the one before it.
     for (std::size_t j = 0; j < n; j += group) {
       const std::size_t begin = std::min(j, n - group);

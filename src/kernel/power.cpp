@@ -38,8 +38,7 @@ struct Checked {
   static double Of(double x, double y) {
     if (IsMissing(x) || IsMissing(y)) return kMissing;
     const double power = std::pow(x, y);
-    const bool overflows = std::isinf(power) && std::isfinite(x) && std::isfinite(y);
-    return std::isnan(power) || std::isnan(x) || std::isnan(y) || overflows ? kMissing : power;
+    return !std::isfinite(power) || std::isnan(x) || std::isnan(y) ? kMissing : power;
   }
 };
 

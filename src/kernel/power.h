@@ -13,9 +13,9 @@ namespace vela::kernel {
 /// result[i] = x[i] to the power y[i], as IEEE pow has it; the missing value is just a number here.
 void Power(std::span<const double> x, std::span<const double> y, std::span<double> result);
 
-/// The same, but missing when x or y is missing or NaN, and where the power has no finite value of
-/// its own: a negative x with a y that is not whole, 0 to a negative power, and overflow from
-/// finite operands. Underflow gives 0; infinite operands are as in IEEE pow.
+/// The same, but missing when x or y is missing or NaN, and where the power is not finite: a
+/// negative x with a y that is not whole, 0 to a negative power, overflow, and infinite powers of
+/// infinite operands. Underflow gives 0.
 void CheckedPower(std::span<const double> x, std::span<const double> y, std::span<double> result);
 
 /// The same for one pair, except that a NaN operand is as in IEEE pow.

@@ -8,8 +8,8 @@ namespace vela::kernel::detail {
 
 namespace {
 
-// Half of a first-level cache, so that the part set aside stays in it.
-constexpr std::size_t kScratchSize = 16384;
+// A part of a second-level cache, so that the part set aside stays in it.
+constexpr std::size_t kScratchSize = 131072;
 using Scratch = std::array<std::byte, kScratchSize>;
 
 void SwapBytes(std::byte* a, std::byte* b, std::size_t size, Scratch& scratch) {

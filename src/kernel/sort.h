@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <span>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -26,21 +26,23 @@ template <Element T>
 void SortWithIndices(std::span<T> values, std::span<std::uint32_t> indices, bool ascending);
 
 /// Stable sort by any strict weak ordering; indices, when not empty, follow the elements and must
-/// be as many. O(n log n); scratch a copy of both.
+/// be as many, at most 2^32. O(n log n); scratch no more than a copy of both.
 template <class T, class Less>
 void SortBy(std::span<T> values, std::span<std::uint32_t> indices, Less less) {
   if (indices.empty()) {
     std::stable_sort(values.begin(), values.end(), less);
     return;
   }
-  std::vector<std::pair<T, std::uint32_t>> pairs;
-  pairs.reserve(values.size());
-  for (std::size_t k = 0; k < values.size(); ++k) pairs.emplace_back(values[k], indices[k]);
-  std::stable_sort(pairs.begin(), pairs.end(),
-                   [&less](const auto& a, const auto& b) { return less(a.first, b.first); });
-  for (std::size_t k = 0; k < values.size(); ++k) {
-    std::tie(values[k], indices[k]) = std::move(pairs[k]);
-  }
+  std::vector<std::uint32_t> order(values.size());
+  std::iota(order.begin(), order.end(), 0u);
+  std::stable_sort(order.begin(), order.end(),
+                   [&](std::uint32_t a, std::uint32_t b) { return less(values[a], values[b]); });
+  const auto arrange = [&order]<class U>(std::span<U> elements) {
+    const std::vector<U> old(elements.begin(), elements.end());
+    for (std::size_t k = 0; k < order.size(); ++k) elements[k] = old[order[k]];
+  };
+  arrange(values);
+  arrange(indices);
 }
 
 /// Swaps the elements that is_missing picks to the front, or to the back, and returns how many

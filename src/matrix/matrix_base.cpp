@@ -93,23 +93,11 @@ const CClassMember kMatrixMembers[] = {
 
 }  // namespace
 
-const CClassMember* TCAllMatrixNonTemplBase::FindMember(const char* name, unsigned name_hash,
-                                                        CTypeBase** owner, unsigned flags) {
-  const CClassMember* row = FindMemberInTable(name, name_hash, kMatrixMembers, owner, flags);
-  return row != nullptr ? row : TesselCObject::FindMember(name, name_hash, owner, flags);
-}
+const CClassMember* TCAllMatrixNonTemplBase::MemberTable() { return kMatrixMembers; }
 
 int TCAllMatrixNonTemplBase::GetString(CStringUTF8& text) {
   text = "matrixbase";
   return 1;
-}
-
-template <class T>
-const CClassMember* TCOMatrixBase<T>::FindMember(const char* name, unsigned name_hash,
-                                                 CTypeBase** owner, unsigned flags) {
-  const CClassMember* row =
-      this->FindMemberInTable(name, name_hash, TypeTable<TCOMatrixBase>::Rows(), owner, flags);
-  return row != nullptr ? row : TCAllMatrixNonTemplBase::FindMember(name, name_hash, owner, flags);
 }
 
 template <class T>

@@ -3,27 +3,30 @@
 
 #include <initializer_list>
 
+#include "frame/member/table.h"
 #include "vector/tensors_base.h"
 
-class TCAllMatrixNonTemplBase : public TCAllTensorsBase {
+class TCAllMatrixNonTemplBase
+    : public vela::member::WithMembers<TCAllMatrixNonTemplBase, TCAllTensorsBase> {
  public:
   explicit TCAllMatrixNonTemplBase(unsigned type_word) { InitTypeIDs(type_word); }
 
   using TCAllTensorsBase::GetString;
   const char* GetTCTypeName() const override { return "matrixbase"; }
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable();
   int GetString(CStringUTF8& text) override;
 };
 
 // A matrix bound to a host MatrixObject. A new one is not attached and has no layer.
 template <class T>
-class TCOMatrixBase : public TCAllMatrixNonTemplBase {
- public:
-  explicit TCOMatrixBase(unsigned type_id)
-      : TCAllMatrixNonTemplBase((type_id & kTypeIdMask) | kFlagMatrixObject) {}
+class TCOMatrixBase : public vela::member::WithMembers<TCOMatrixBase<T>, TCAllMatrixNonTemplBase> {
+  using Base = vela::member::WithMembers<TCOMatrixBase, TCAllMatrixNonTemplBase>;
 
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+ public:
+  explicit TCOMatrixBase(unsigned type_id) : Base((type_id & kTypeIdMask) | kFlagMatrixObject) {}
+
+  static const CClassMember* MemberTable() {
+    return vela::member::TypeTable<TCOMatrixBase>::Rows();
+  }
   static std::initializer_list<CClassMember> MemberRows();
 };

@@ -7,7 +7,6 @@
 namespace {
 
 using vela::member::Arguments;
-using vela::member::Exactly;
 using vela::member::Fail;
 using vela::member::Method;
 using vela::member::NoArguments;
@@ -17,18 +16,18 @@ using vela::member::RunGetter;
 using vela::member::RunSetter;
 
 const CClassMember kComplexMembers[] = {
-    Method("Conjugate", &TCcomplex::Conjugate),
-    Property("m_re", &TCcomplex::GetRe, &TCcomplex::SetRe),
-    Property("m_im", &TCcomplex::GetIm, &TCcomplex::SetIm),
-    Method("GetPhase", &TCcomplex::GetPhase),
-    Method("GetAmplitude", &TCcomplex::GetAmplitude),
+    Method("Conjugate", &vela::ComplexValue::Conjugate),
+    Property("m_re", &vela::ComplexValue::GetRe, &vela::ComplexValue::SetRe),
+    Property("m_im", &vela::ComplexValue::GetIm, &vela::ComplexValue::SetIm),
+    Method("GetPhase", &vela::ComplexValue::GetPhase),
+    Method("GetAmplitude", &vela::ComplexValue::GetAmplitude),
     {},
 };
 
 const CClassMember kComplexMDMembers[] = {
-    Method("Get_conj", &TCcomplex::Conjugate),
-    Property("m_re", &TCcomplex::GetRe, &TCcomplex::SetRe),
-    Property("m_im", &TCcomplex::GetIm, &TCcomplex::SetIm),
+    Method("Get_conj", &vela::ComplexValue::Conjugate),
+    Property("m_re", &vela::ComplexValue::GetRe, &vela::ComplexValue::SetRe),
+    Property("m_im", &vela::ComplexValue::GetIm, &vela::ComplexValue::SetIm),
     {},
 };
 
@@ -45,58 +44,54 @@ const CRuntimeClass* TCcomplex::GetRuntimeClass() const {
   return &runtime_class;
 }
 
-const CClassMember* TCcomplex::FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                          unsigned flags) {
-  const CClassMember* row = FindMemberInTable(name, name_hash, kComplexMembers, owner, flags);
-  return row != nullptr ? row : CTypeBase::FindMember(name, name_hash, owner, flags);
+const CClassMember* TCcomplex::MemberTable() { return kComplexMembers; }
+
+const CRuntimeClass* TClccomplexMD::GetRuntimeClass() const {
+  static const CRuntimeClass runtime_class{"TClccomplexMD", sizeof(TClccomplexMD),
+                                           CScriptVelaObject::GetRuntimeClass()};
+  return &runtime_class;
 }
 
-OneTCcomplex& TCcomplex::Addressed(Arguments& args) {
+const CClassMember* TClccomplexMD::MemberTable() { return kComplexMDMembers; }
+
+namespace vela {
+
+OneTCcomplex& ComplexValue::Addressed(Arguments& args) {
   OneTCcomplex* element = Element(&args.Indices());
   if (element == nullptr) Fail(status::kUnresolved);
   return *element;
 }
 
-int TCcomplex::Conjugate(CTCall* call) {
+int ComplexValue::Conjugate(CTCall* call) {
   return Run(call, NoArguments(status::kFailed), [&](Arguments& args) {
     const OneTCcomplex& z = Addressed(args);
-    args.Return(OneTCcomplex(z.m_re, -z.m_im));
+    args.Return(OneTCcomplex(z.m_re, z.m_im == kMissingValue ? kMissingValue : -z.m_im));
   });
 }
 
-int TCcomplex::GetRe(CTCall* call) {
+int ComplexValue::GetRe(CTCall* call) {
   return RunGetter(call, [&](Arguments& args) { args.Return(Addressed(args).m_re); });
 }
 
-int TCcomplex::SetRe(CTCall* call) {
+int ComplexValue::SetRe(CTCall* call) {
   return RunSetter(call, [&](Arguments& args) { Addressed(args).m_re = args.Double(0); });
 }
 
-int TCcomplex::GetIm(CTCall* call) {
+int ComplexValue::GetIm(CTCall* call) {
   return RunGetter(call, [&](Arguments& args) { args.Return(Addressed(args).m_im); });
 }
 
-int TCcomplex::SetIm(CTCall* call) {
+int ComplexValue::SetIm(CTCall* call) {
   return RunSetter(call, [&](Arguments& args) { Addressed(args).m_im = args.Double(0); });
 }
 
-int TCcomplex::GetPhase(CTCall* call) {
+int ComplexValue::GetPhase(CTCall* call) {
   return Run(call, NoArguments(), [&](Arguments& args) { args.Return(Phase(Addressed(args))); });
 }
 
-int TCcomplex::GetAmplitude(CTCall* call) {
+int ComplexValue::GetAmplitude(CTCall* call) {
   return Run(call, NoArguments(),
              [&](Arguments& args) { args.Return(Addressed(args).GetAmplitude()); });
 }
 
-const CRuntimeClass* TClccomplexMD::GetRuntimeClass() const {
-  static const CRuntimeClass runtime_class{"TClccomplexMD", sizeof(TClccomplexMD),
-                                           TCcomplex::GetRuntimeClass()};
-  return &runtime_class;
-}
-
-const CClassMember* TClccomplexMD::FindMember(const char* name, unsigned name_hash,
-                                              CTypeBase** owner, unsigned flags) {
-  const CClassMember* row = FindMemberInTable(name, name_hash, kComplexMDMembers, owner, flags);
-  return row != nullptr ? row : CTypeBase::FindMember(name, name_hash, owner, flags);
-}
+}  // namespace vela

@@ -5,19 +5,15 @@
 #include "frame/member/table.h"
 #include "frame/numeric_object.h"
 
+namespace vela {
+
 // A complex variable, or a fixed array of them. A member acts on the element that the call's
 // indices address; one outside the array is status 2.
-class TCcomplex : public TCNumericBase<OneTCcomplex> {
+class ComplexValue : public TCNumericBase<OneTCcomplex> {
  public:
-  using TCNumericBase<OneTCcomplex>::TCNumericBase;
+  using TCNumericBase::TCNumericBase;
 
-  const CRuntimeClass* GetRuntimeClass() const override;
-  const char* GetTCTypeName() const override { return "complex"; }
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
-  CScriptVelaObject* CreateCopy() override { return vela::NewCopy(*this); }
-
-  // The conjugate as the result; the object is unchanged.
+  // The conjugate as the result; the object is unchanged. A missing part stays missing.
   int Conjugate(CTCall* call);
   int GetRe(CTCall* call);
   int SetRe(CTCall* call);
@@ -27,32 +23,45 @@ class TCcomplex : public TCNumericBase<OneTCcomplex> {
   int GetPhase(CTCall* call);
   int GetAmplitude(CTCall* call);
 
- protected:
-  OneTCcomplex& Addressed(vela::member::Arguments& args);
+ private:
+  OneTCcomplex& Addressed(member::Arguments& args);
 };
 
-// The complex elements of multi-dimensional arrays: the same value with a table of their own.
-class TClccomplexMD : public TCcomplex {
+}  // namespace vela
+
+class TCcomplex : public vela::member::WithMembers<TCcomplex, vela::ComplexValue> {
  public:
-  using TCcomplex::TCcomplex;
+  using WithMembers::WithMembers;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  const char* GetTCTypeName() const override { return "complex"; }
+  static const CClassMember* MemberTable();
+  CScriptVelaObject* CreateCopy() override { return vela::NewCopy(*this); }
+};
+
+// The complex elements of multi-dimensional arrays: the same value with a table of their own, which
+// is the only one searched.
+class TClccomplexMD : public vela::member::WithMembers<TClccomplexMD, vela::ComplexValue> {
+ public:
+  using WithMembers::WithMembers;
+
+  const CRuntimeClass* GetRuntimeClass() const override;
+  const char* GetTCTypeName() const override { return "complex"; }
+  static const CClassMember* MemberTable();
   CScriptVelaObject* CreateCopy() override { return vela::NewCopy(*this); }
 };
 
 // A point variable, or a fixed array of them, with its coordinates as members. "z" is a property in
 // the three-dimensional point; elsewhere it is not supported.
 template <class T, int N>
-class TCPointBase : public TCNumericBase<CTKPointBase<T, N>> {
-  using Base = TCNumericBase<CTKPointBase<T, N>>;
+class TCPointBase
+    : public vela::member::WithMembers<TCPointBase<T, N>, TCNumericBase<CTKPointBase<T, N>>> {
+  using Base = vela::member::WithMembers<TCPointBase, TCNumericBase<CTKPointBase<T, N>>>;
 
  public:
   using Base::Base;
 
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable() { return vela::member::TypeTable<TCPointBase>::Rows(); }
   CScriptVelaObject* CreateCopy() override { return vela::NewCopy(*this); }
 
   int GetX(CTCall* call);

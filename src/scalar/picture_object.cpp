@@ -26,8 +26,4 @@ const CRuntimeClass* TCPicture::GetRuntimeClass() const {
   return &runtime_class;
 }
 
-const CClassMember* TCPicture::FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                          unsigned flags) {
-  const CClassMember* row = FindMemberInTable(name, name_hash, kPictureMembers, owner, flags);
-  return row != nullptr ? row : TesselCObject::FindMember(name, name_hash, owner, flags);
-}
+const CClassMember* TCPicture::MemberTable() { return kPictureMembers; }

@@ -2,13 +2,13 @@
 #pragma once
 
 #include "frame/interface/tessel_object.h"
+#include "frame/member/table.h"
 
-class TCPicture : public TesselCObject {
+class TCPicture : public vela::member::WithMembers<TCPicture, TesselCObject> {
  public:
   explicit TCPicture(unsigned type_word) { InitTypeIDs(type_word); }
 
   const CRuntimeClass* GetRuntimeClass() const override;
   const char* GetTCTypeName() const override { return "Picture"; }
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable();
 };

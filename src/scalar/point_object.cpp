@@ -8,14 +8,6 @@ using vela::member::RunGetter;
 using vela::member::RunSetter;
 
 template <class T, int N>
-const CClassMember* TCPointBase<T, N>::FindMember(const char* name, unsigned name_hash,
-                                                  CTypeBase** owner, unsigned flags) {
-  const CClassMember* row = this->FindMemberInTable(
-      name, name_hash, vela::member::TypeTable<TCPointBase>::Rows(), owner, flags);
-  return row != nullptr ? row : CTypeBase::FindMember(name, name_hash, owner, flags);
-}
-
-template <class T, int N>
 std::initializer_list<CClassMember> TCPointBase<T, N>::MemberRows() {
   static const std::initializer_list<CClassMember> rows = {
       vela::member::Property("x", &TCPointBase::GetX, &TCPointBase::SetX),

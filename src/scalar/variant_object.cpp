@@ -47,11 +47,7 @@ const CRuntimeClass* TCVariantObj::GetRuntimeClass() const {
   return &runtime_class;
 }
 
-const CClassMember* TCVariantObj::FindMember(const char* name, unsigned name_hash,
-                                             CTypeBase** owner, unsigned flags) {
-  const CClassMember* row = FindMemberInTable(name, name_hash, kVariantMembers, owner, flags);
-  return row != nullptr ? row : TesselCObject::FindMember(name, name_hash, owner, flags);
-}
+const CClassMember* TCVariantObj::MemberTable() { return kVariantMembers; }
 
 VARIANT* TCVariantObj::GetVariantAddress(const MSOINDICES* at) {
   const int index = at == nullptr ? 0 : at->ObjectIndex();

@@ -4,11 +4,12 @@
 #include <vector>
 
 #include "frame/interface/tessel_object.h"
+#include "frame/member/table.h"
 #include "platform/automation.h"
 
 // One or more automation values; an operation addresses element at->ObjectIndex(), status 2 outside
 // them. The object owns its values and clears them.
-class TCVariantObj : public TesselCObject {
+class TCVariantObj : public vela::member::WithMembers<TCVariantObj, TesselCObject> {
  public:
   // A count of 0 is 1. args, when given, is one pointer to a call frame whose argument 0 is the
   // initial value. Throws std::bad_alloc.
@@ -21,8 +22,7 @@ class TCVariantObj : public TesselCObject {
 
   const CRuntimeClass* GetRuntimeClass() const override;
   const char* GetTCTypeName() const override { return "_VARIANT"; }
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable();
   int GetArraySize() const override { return static_cast<int>(values_.size()); }
   int IsVariantArraySource() override { return 1; }
   VARIANT* GetVariantAddress(const MSOINDICES* at) override;

@@ -79,11 +79,7 @@ const CRuntimeClass* CMSCFile::GetRuntimeClass() const {
   return &runtime_class;
 }
 
-const CClassMember* CMSCFile::FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                         unsigned flags) {
-  const CClassMember* row = FindMemberInTable(name, name_hash, kFileMembers, owner, flags);
-  return row != nullptr ? row : TesselCObject::FindMember(name, name_hash, owner, flags);
-}
+const CClassMember* CMSCFile::MemberTable() { return kFileMembers; }
 
 int CMSCFile::GetString(CStringUTF8& text) { return GetString(nullptr, text) == status::kOk; }
 

@@ -6,6 +6,7 @@
 
 #include "frame/interface/tessel_object.h"
 #include "frame/member/arguments.h"
+#include "frame/member/table.h"
 #include "platform/file_handle.h"
 #include "text/text_encoding.h"
 
@@ -18,7 +19,7 @@
 // A buffer argument is a string, a row of a vector or a scalar. One of fewer bytes than the member
 // is asked to move is status 3. A string that is read into becomes exactly what was read; a string
 // that is written from may give its terminator too.
-class CMSCFile : public TesselCObject {
+class CMSCFile : public vela::member::WithMembers<CMSCFile, TesselCObject> {
  public:
   explicit CMSCFile(unsigned type_id);
 
@@ -26,8 +27,7 @@ class CMSCFile : public TesselCObject {
 
   const CRuntimeClass* GetRuntimeClass() const override;
   const char* GetTCTypeName() const override { return "file"; }
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable();
   // The name of the open file and " (open)", or " (close)".
   int GetString(CStringUTF8& text) override;
   int GetString(const MSOINDICES* at, CStringUTF8& text) override;

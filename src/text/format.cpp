@@ -351,6 +351,9 @@ class Formatter {
                     std::string_view digits, bool pad_with_zeros) {
     const std::size_t size = prefix.size() + static_cast<std::size_t>(zeros) + digits.size();
     const std::size_t width = static_cast<std::size_t>(c.width);
+    if (out_.size() + std::max(width, size) > std::size_t{CStringUTF8::kMostBytes}) {
+      throw std::length_error("text is too long");
+    }
     if (width <= size && zeros == 0) {
       out_.append(prefix).append(digits);
       return;

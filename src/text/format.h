@@ -12,8 +12,9 @@ namespace vela::text {
 // The text that C's printf makes of a format and its arguments, the same on every platform and in
 // every locale. Throws std::invalid_argument where C would leave the outcome undefined: an argument
 // that is missing or of another kind than its conversion, an unknown conversion, %n, a format that
-// ends inside a conversion; and for a width or precision above kMostFormatSize. Arguments left over
-// are ignored.
+// ends inside a conversion; and for a width or precision above kMostFormatSize; and
+// std::length_error when the text would be longer than a string can be. Arguments left over are
+// ignored.
 //
 //   d i u o x X c *   an integer. Without a length, and with h, hh or l, 32 bits are meant: a wider
 //                     value must fit them, signed or unsigned. ll, I64, j, z and t mean 64 bits.

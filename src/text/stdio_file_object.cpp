@@ -64,7 +64,8 @@ int StoreText(const tagMSOOBJVECT& target, std::string_view text) {
 
 std::size_t CMSCSTDIOFile::HandleSource::ReadAt(std::int64_t offset, void* data, std::size_t size) {
   std::size_t done = 0;
-  static_cast<void>(handle_.ReadAt(offset, data, size, done));
+  const FileCause cause = handle_.ReadAt(offset, data, size, done);
+  if (cause != FileCause::kNone) failure_ = cause;
   return done;
 }
 
@@ -76,7 +77,7 @@ std::int64_t CMSCSTDIOFile::HandleSource::GetEnd() {
              : std::numeric_limits<std::int64_t>::max();
 }
 
-CMSCSTDIOFile::CMSCSTDIOFile(unsigned type_id) : CMSCFile(type_id) {}
+CMSCSTDIOFile::CMSCSTDIOFile(unsigned type_id) : WithMembers(type_id) {}
 
 const CRuntimeClass* CMSCSTDIOFile::GetRuntimeClass() const {
   static const CRuntimeClass runtime_class{"CMSCSTDIOFile", sizeof(CMSCSTDIOFile),
@@ -84,11 +85,7 @@ const CRuntimeClass* CMSCSTDIOFile::GetRuntimeClass() const {
   return &runtime_class;
 }
 
-const CClassMember* CMSCSTDIOFile::FindMember(const char* name, unsigned name_hash,
-                                              CTypeBase** owner, unsigned flags) {
-  const CClassMember* row = FindMemberInTable(name, name_hash, kStdioFileMembers, owner, flags);
-  return row != nullptr ? row : CMSCFile::FindMember(name, name_hash, owner, flags);
-}
+const CClassMember* CMSCSTDIOFile::MemberTable() { return kStdioFileMembers; }
 
 void CMSCSTDIOFile::BeginLines() {
   Succeeds(Instead(stream_.Flush(), FileCause::kDiskFull));
@@ -213,10 +210,10 @@ int CMSCSTDIOFile::ReadString(CTCall* call) {
     const tagMSOOBJVECT target = args.Reference(0);
     if (target.object == nullptr) Fail(status::kUnresolved);
     const bool keeps_end = (args.Dword(1) & kKeepLineEnd) != 0;
-    if (!CanRead(handle_.Access())) Succeeds(FileCause::kAccessDenied);
     if (!lines_.IsActive()) BeginLines();
     std::string_view line;
     const bool was_read = lines_.Next(keeps_end, line);
+    Succeeds(source_.TakeFailure());
     Check(StoreText(target, line));
     args.Return(was_read ? 1 : 0);
   });

@@ -1,6 +1,8 @@
 // The script class "stdioFile".
 #pragma once
 
+#include <utility>
+
 #include "platform/file_stream.h"
 #include "text/file_object.h"
 #include "text/line_reader.h"
@@ -13,14 +15,13 @@
 //
 // Opened as Unicode text, lines are read in the encoding of the file's byte-order mark, or as UTF-8
 // without one; a new file begins with the mark of UTF-8, unless it is only written and not binary.
-class CMSCSTDIOFile : public CMSCFile {
+class CMSCSTDIOFile : public vela::member::WithMembers<CMSCSTDIOFile, CMSCFile> {
  public:
   explicit CMSCSTDIOFile(unsigned type_id);
 
   const CRuntimeClass* GetRuntimeClass() const override;
   const char* GetTCTypeName() const override { return "stdioFile"; }
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable();
 
   // (string name, uint flags): 1, or 0 with the cause stored. See open_mode.h.
   int Open(CTCall* call);
@@ -32,7 +33,8 @@ class CMSCSTDIOFile : public CMSCFile {
   int WriteString(CTCall* call);
   // (string& s, uint options): the next line, without its end (LF, CR LF or a lone CR) unless bit 0
   // of options is set; 1, or 0 at the end. At most 204160 bytes of a line at a time; see
-  // line_reader.h. Status 290 when the file is not open.
+  // line_reader.h. A file that cannot be read on is at its end, with the cause. Status 290
+  // when the file is not open.
   int ReadString(CTCall* call);
   // The encoding of the byte-order mark at the position, in which lines are read from now on,
   // behind it; 0 without one.
@@ -60,9 +62,12 @@ class CMSCSTDIOFile : public CMSCFile {
     explicit HandleSource(vela::platform::FileHandle& handle) : handle_(handle) {}
     std::size_t ReadAt(std::int64_t offset, void* data, std::size_t size) override;
     std::int64_t GetEnd() override;
+    // Why reading stopped short of the end, told once.
+    FileCause TakeFailure() { return std::exchange(failure_, FileCause::kNone); }
 
    private:
     vela::platform::FileHandle& handle_;
+    FileCause failure_ = FileCause::kNone;
   };
 
   void BeginUnicode(unsigned flags);

@@ -65,11 +65,7 @@ const CRuntimeClass* TCVectorString::GetRuntimeClass() const {
   return &runtime_class;
 }
 
-const CClassMember* TCVectorString::FindMember(const char* name, unsigned name_hash,
-                                               CTypeBase** owner, unsigned flags) {
-  const CClassMember* row = FindMemberInTable(name, name_hash, kStringArrayMembers, owner, flags);
-  return row != nullptr ? row : TCAllVectorNonTemplBase::FindMember(name, name_hash, owner, flags);
-}
+const CClassMember* TCVectorString::MemberTable() { return kStringArrayMembers; }
 
 CScriptVelaObject* TCVectorString::CreateCopy() { return vela::NewCopy(*this); }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "frame/member/table.h"
 #include "frame/value_access.h"
 #include "vector/vector_base.h"
 
@@ -18,8 +19,10 @@ struct ArrayLayout;
 // Of the general vector members, those about size, order and content work on texts by bytes; an
 // empty text is the missing one (what the Trim members remove, and what Sort puts at one end). The
 // numeric members refuse with status 12291.
-class TCVectorString : public vela::ValueAccess<TCVectorString, TCAllVectorNonTemplBase> {
-  using Base = vela::ValueAccess<TCVectorString, TCAllVectorNonTemplBase>;
+class TCVectorString
+    : public vela::member::WithMembers<TCVectorString,
+                                       vela::ValueAccess<TCVectorString, TCAllVectorNonTemplBase>> {
+  using Base = WithMembers;
 
  public:
   using Texts = std::vector<CStringUTF8>;
@@ -39,8 +42,7 @@ class TCVectorString : public vela::ValueAccess<TCVectorString, TCAllVectorNonTe
   const char* GetTCTypeName() const override { return "StringArray"; }
   const char* GetDateTypeString() const override { return "string"; }
   unsigned GetInternalDataTypeID() const override { return kTypeString; }
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable();
   int IsSameTypeAndMemoryModel(const CScriptVelaObject* other) const override;
   unsigned GetTypeIDCheckIndex(const MSOINDICES* at) override;
   int GetArraySize() const override { return RowCount(); }

@@ -147,7 +147,9 @@ int TCVectorString::InsertAt(CTCall* call) {
     const auto at = static_cast<std::size_t>(index);
     const std::size_t size = std::max(at, texts.size()) + static_cast<std::size_t>(count);
     RequireRoom(size);
-    texts.reserve(size);
+    // All the memory at once, so that nothing is half done when there is none; with a margin, so
+    // that adding at the end again and again does not copy everything each time.
+    if (size > texts.capacity()) texts.reserve(std::max(size, texts.size() + texts.size() / 2));
     if (at > texts.size()) texts.resize(at);
     texts.insert(texts.begin() + index, static_cast<std::size_t>(count), text);
     SetModify(1);

@@ -99,7 +99,8 @@ int TCVectorString::Reorder(CTCall* call) {
 }
 
 int TCVectorString::Wrap(CTCall* call) {
-  return Run(call, {1, ~0u, status::kFailed}, [&](Arguments& args) {
+  return Run(call, Between(0, 1), [&](Arguments& args) {
+    if (args.Count() == 0) Fail(status::kFailed);
     RefuseOneRowOfMany(args, status::kNotOnOneRow);
     Texts& texts = Acted(args);
     const int shift = args.Int(0);

@@ -1,7 +1,9 @@
 // Members of "string" that change the text.
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <exception>
+#include <stdexcept>
 
 #include "text/c_name.h"
 #include "text/format.h"
@@ -55,10 +57,23 @@ CStringUTF8 WithByteReplaced(const CStringUTF8& text, int index, std::string_vie
   return result;
 }
 
+int CountNoCase(const CStringUTF8& text, std::string_view sub) {
+  int count = 0;
+  int matched = 0;
+  for (int at = 0; (at = text.FindNoCase(sub, at, &matched)) >= 0; at += matched) ++count;
+  return count;
+}
+
 // Replaces every match of old, found without regard to case; returns how many.
 int ReplaceNoCase(CStringUTF8& text, std::string_view old_text, std::string_view new_text) {
   if (old_text.empty()) return 0;
   const std::string_view all = text.View();
+  // A match has one byte at least. What could become too long is counted before it is made.
+  const auto most = static_cast<std::uint64_t>(CStringUTF8::kMostBytes);
+  if (all.size() * (new_text.size() + 1) > most) {
+    const auto matches = static_cast<std::uint64_t>(CountNoCase(text, old_text));
+    if (matches * new_text.size() > most) throw std::length_error("text is too long");
+  }
   std::string result;
   int count = 0;
   int matched = 0;
@@ -134,7 +149,7 @@ int CScriptVelaString::TrimLeft(CTCall* call) {
   return RunMember(call, Between(0, 1), [&](Arguments& args) {
     CStringUTF8& text = Acted(args);
     if (args.Count() == 0) return text.TrimLeft();
-    if (args.IsText(0)) return text.TrimLeft(args.Text(0).c_str());
+    if (args.IsText(0)) return text.TrimLeft(args.Text(0));
     RequireCharacter(args, 0);
     text.TrimLeft(args.Character(0));
   });
@@ -144,7 +159,7 @@ int CScriptVelaString::TrimRight(CTCall* call) {
   return RunMember(call, Between(0, 1), [&](Arguments& args) {
     CStringUTF8& text = Acted(args);
     if (args.Count() == 0) return text.TrimRight();
-    if (args.IsText(0)) return text.TrimRight(args.Text(0).c_str());
+    if (args.IsText(0)) return text.TrimRight(args.Text(0));
     RequireCharacter(args, 0);
     text.TrimRight(args.Character(0));
   });

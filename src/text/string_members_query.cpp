@@ -164,14 +164,11 @@ int CScriptVelaString::IsEmpty(CTCall* call) {
 
 int CScriptVelaString::Match(CTCall* call) {
   return RunMember(call, Exactly(2), [&](Arguments& args) {
-    CStringUTF8 text = Acted(args);
+    const CStringUTF8& text = Acted(args);
     RequireText(args, 0);
-    CStringUTF8 pattern = args.Text(0);
-    if (args.Int(1) == 0) {
-      text.MakeLower();
-      pattern.MakeLower();
-    }
-    args.Return(vela::text::MatchesWildcards(text.View(), pattern.View()) ? 1 : 0);
+    const CStringUTF8 pattern = args.Text(0);
+    const bool case_sensitive = args.Int(1) != 0;
+    args.Return(vela::text::MatchesWildcards(text.View(), pattern.View(), case_sensitive) ? 1 : 0);
   });
 }
 

@@ -117,11 +117,7 @@ const CRuntimeClass* CScriptVelaString::GetRuntimeClass() const {
   return &runtime_class;
 }
 
-const CClassMember* CScriptVelaString::FindMember(const char* name, unsigned name_hash,
-                                                  CTypeBase** owner, unsigned flags) {
-  const CClassMember* row = FindMemberInTable(name, name_hash, kStringMembers, owner, flags);
-  return row != nullptr ? row : TesselCObject::FindMember(name, name_hash, owner, flags);
-}
+const CClassMember* CScriptVelaString::MemberTable() { return kStringMembers; }
 
 CScriptVelaObject* CScriptVelaString::CreateCopy() { return vela::NewCopy(*this); }
 

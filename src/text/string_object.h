@@ -6,6 +6,7 @@
 
 #include "frame/interface/tessel_object.h"
 #include "frame/member/arguments.h"
+#include "frame/member/table.h"
 #include "frame/value_access.h"
 
 // A string variable, or a fixed array of them. An operation addresses element at->ObjectIndex();
@@ -17,8 +18,10 @@
 // it, as asked. Statuses: 1 for an argument of the wrong type, 2 for an element that does not
 // exist, 3 for a wrong number of arguments (1 where noted), 28 for an index out of range where
 // noted. A count or position outside the text is otherwise clipped, or not found.
-class CScriptVelaString final : public vela::ValueAccess<CScriptVelaString, TesselCObject> {
-  using Base = vela::ValueAccess<CScriptVelaString, TesselCObject>;
+class CScriptVelaString final
+    : public vela::member::WithMembers<CScriptVelaString,
+                                       vela::ValueAccess<CScriptVelaString, TesselCObject>> {
+  using Base = WithMembers;
 
  public:
   // A count of 0 is 1. args, when given, is one pointer to a call frame whose argument 0 is the
@@ -37,8 +40,7 @@ class CScriptVelaString final : public vela::ValueAccess<CScriptVelaString, Tess
   const CRuntimeClass* GetRuntimeClass() const override;
   const char* GetTCTypeName() const override { return "string"; }
   const char* GetDateTypeString() const override { return "string"; }
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable();
   unsigned GetTypeIDCheckIndex(const MSOINDICES* at) override;
   int GetArraySize() const override;
   void* GetArrayElement(const MSOINDICES* at, int index) override;

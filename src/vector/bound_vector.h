@@ -5,13 +5,16 @@
 #include "vector/typed_vector.h"
 
 template <class T>
-class TCOVectorBase : public TCAllVectorsBase<T> {
+class TCOVectorBase : public vela::member::WithMembers<TCOVectorBase<T>, TCAllVectorsBase<T>> {
+  using Base = vela::member::WithMembers<TCOVectorBase, TCAllVectorsBase<T>>;
+
  public:
   explicit TCOVectorBase(unsigned type_id, unsigned flag = kFlagDataset)
-      : TCAllVectorsBase<T>((type_id & kTypeIdMask) | flag) {}
+      : Base((type_id & kTypeIdMask) | flag) {}
 
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable() {
+    return vela::member::TypeTable<TCOVectorBase>::Rows();
+  }
   static std::initializer_list<CClassMember> MemberRows();
 
   int RowCount() const override { return 1; }
@@ -34,12 +37,13 @@ using TCOVectordouble = TCOVectorBase<double>;
 
 // A Dataset together with its X. The integral and floating curves of the class table.
 template <class T>
-class TCCurve : public TCOVectorBase<T> {
- public:
-  explicit TCCurve(unsigned type_id) : TCOVectorBase<T>(type_id, kFlagCurve) {}
+class TCCurve : public vela::member::WithMembers<TCCurve<T>, TCOVectorBase<T>> {
+  using Base = vela::member::WithMembers<TCCurve, TCOVectorBase<T>>;
 
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+ public:
+  explicit TCCurve(unsigned type_id) : Base(type_id, kFlagCurve) {}
+
+  static const CClassMember* MemberTable() { return vela::member::TypeTable<TCCurve>::Rows(); }
   static std::initializer_list<CClassMember> MemberRows();
 };
 
@@ -49,18 +53,23 @@ template <class T>
 using TCCurveFloating = TCCurve<T>;
 using TCCurvedouble = TCCurve<double>;
 
-class TCOlccomplexVector : public TCOVectorBase<OneTCcomplex> {
+class TCOlccomplexVector
+    : public vela::member::WithMembers<TCOlccomplexVector, TCOVectorBase<OneTCcomplex>> {
+  using Base = vela::member::WithMembers<TCOlccomplexVector, TCOVectorBase<OneTCcomplex>>;
+
  public:
-  using TCOVectorBase<OneTCcomplex>::TCOVectorBase;
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  using Base::Base;
+  static const CClassMember* MemberTable();
 };
 
 template <class T>
-class tcCategoricalData : public TCOVectorBase<T> {
+class tcCategoricalData : public vela::member::WithMembers<tcCategoricalData<T>, TCOVectorBase<T>> {
+  using Base = vela::member::WithMembers<tcCategoricalData, TCOVectorBase<T>>;
+
  public:
-  explicit tcCategoricalData(unsigned type_id) : TCOVectorBase<T>(type_id, kFlagCategorical) {}
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  explicit tcCategoricalData(unsigned type_id) : Base(type_id, kFlagCategorical) {}
+  static const CClassMember* MemberTable() {
+    return vela::member::TypeTable<tcCategoricalData>::Rows();
+  }
   static std::initializer_list<CClassMember> MemberRows();
 };

@@ -4,14 +4,6 @@ using vela::member::TypeTable;
 using vela::member::Unbuilt;
 
 template <class T>
-const CClassMember* TCOVectorBase<T>::FindMember(const char* name, unsigned name_hash,
-                                                 CTypeBase** owner, unsigned flags) {
-  const CClassMember* row =
-      this->FindMemberInTable(name, name_hash, TypeTable<TCOVectorBase>::Rows(), owner, flags);
-  return row != nullptr ? row : TCAllVectorsBase<T>::FindMember(name, name_hash, owner, flags);
-}
-
-template <class T>
 std::initializer_list<CClassMember> TCOVectorBase<T>::MemberRows() {
   static const std::initializer_list<CClassMember> rows = {
       Unbuilt("Attach"),  Unbuilt("Detach"),         Unbuilt("SetText"),
@@ -22,14 +14,6 @@ std::initializer_list<CClassMember> TCOVectorBase<T>::MemberRows() {
       Unbuilt("GetSize"), Unbuilt("PushUndo"),
   };
   return rows;
-}
-
-template <class T>
-const CClassMember* TCCurve<T>::FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                           unsigned flags) {
-  const CClassMember* row =
-      this->FindMemberInTable(name, name_hash, TypeTable<TCCurve>::Rows(), owner, flags);
-  return row != nullptr ? row : TCOVectorBase<T>::FindMember(name, name_hash, owner, flags);
 }
 
 template <class T>
@@ -47,21 +31,7 @@ const CClassMember kComplexDatasetMembers[] = {Unbuilt("Attach"), Unbuilt("Creat
 
 }  // namespace
 
-const CClassMember* TCOlccomplexVector::FindMember(const char* name, unsigned name_hash,
-                                                   CTypeBase** owner, unsigned flags) {
-  const CClassMember* row =
-      FindMemberInTable(name, name_hash, kComplexDatasetMembers, owner, flags);
-  return row != nullptr ? row
-                        : TCOVectorBase<OneTCcomplex>::FindMember(name, name_hash, owner, flags);
-}
-
-template <class T>
-const CClassMember* tcCategoricalData<T>::FindMember(const char* name, unsigned name_hash,
-                                                     CTypeBase** owner, unsigned flags) {
-  const CClassMember* row =
-      this->FindMemberInTable(name, name_hash, TypeTable<tcCategoricalData>::Rows(), owner, flags);
-  return row != nullptr ? row : TCOVectorBase<T>::FindMember(name, name_hash, owner, flags);
-}
+const CClassMember* TCOlccomplexVector::MemberTable() { return kComplexDatasetMembers; }
 
 template <class T>
 std::initializer_list<CClassMember> tcCategoricalData<T>::MemberRows() {

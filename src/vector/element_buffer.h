@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "frame/library_state.h"
+#include "platform/large_pages.h"
 
 namespace vela {
 
@@ -60,11 +61,10 @@ class ElementBuffer {
   bool ResizeForOverwrite(std::size_t count) {
     if (count > capacity_ || count < capacity_ / 2) {
       if (count > kMostElements) return false;
-      T* data = count == 0 ? nullptr : static_cast<T*>(std::malloc(count * sizeof(T)));
+      void* data = count == 0 ? nullptr : std::malloc(count * sizeof(T));
       if (data == nullptr && count != 0) return false;
       std::free(data_);
-      data_ = data;
-      capacity_ = count;
+      Hold(data, count);
     }
     size_ = count;
     return true;
@@ -86,20 +86,27 @@ class ElementBuffer {
   bool Reallocate(std::size_t capacity) {
     if (capacity > kMostElements) return false;
     if (capacity == 0) {
-      std::free(std::exchange(data_, nullptr));
+      std::free(data_);
+      Hold(nullptr, 0);
     } else if (data_ == nullptr) {
       // Fresh zero pages come from the system without being touched.
-      data_ = static_cast<T*>(std::calloc(capacity, sizeof(T)));
-      if (data_ == nullptr) return false;
+      void* data = std::calloc(capacity, sizeof(T));
+      if (data == nullptr) return false;
+      Hold(data, capacity);
       zeroed_ = true;
     } else {
       void* data = std::realloc(static_cast<void*>(data_), capacity * sizeof(T));
       if (data == nullptr) return false;
-      data_ = static_cast<T*>(data);
+      Hold(data, capacity);
     }
-    capacity_ = capacity;
     size_ = std::min(size_, capacity);
     return true;
+  }
+
+  void Hold(void* data, std::size_t capacity) {
+    data_ = static_cast<T*>(data);
+    capacity_ = capacity;
+    platform::PreferLargePages(data, capacity * sizeof(T));
   }
 
   void FillNew(std::size_t count) {

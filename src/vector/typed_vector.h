@@ -172,13 +172,17 @@ TCAllVectorsBaseBase<T>* TypedVector(const VectorArgument& argument) {
 
 // The members, for every element type.
 template <class T>
-class TCAllVectorsBase : public TCAllVectorsBaseBase<T> {
+class TCAllVectorsBase
+    : public vela::member::WithMembers<TCAllVectorsBase<T>, TCAllVectorsBaseBase<T>> {
+  using Base = vela::member::WithMembers<TCAllVectorsBase, TCAllVectorsBaseBase<T>>;
+
  public:
-  using TCAllVectorsBaseBase<T>::TCAllVectorsBaseBase;
+  using Base::Base;
   using TCAllVectorsBaseBase<T>::GetUpperBound;
 
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable() {
+    return vela::member::TypeTable<TCAllVectorsBase>::Rows();
+  }
   static std::initializer_list<CClassMember> MemberRows();
 
   int Append(CTCall* call) override;
@@ -243,8 +247,10 @@ class TCAllVectorsBase : public TCAllVectorsBaseBase<T> {
   // when the reference is narrower than the elements.
   void SetTotal(vela::member::Arguments& args, unsigned arg, const OneTCcomplex& total);
   void RefuseNarrowReference(vela::member::Arguments& args, unsigned arg);
-  // Replaces the row's elements: as many as there are, converted.
-  void StoreRow(int row, std::span<const double> elements);
+  // Makes the row the size doubles, converted, that compute(span) writes. A row of doubles takes
+  // them in place, unless compute still reads the row.
+  template <class Compute>
+  void StoreComputed(int row, std::size_t size, bool reads_row, Compute&& compute);
   // The seeded generators: arguments count and seed; fill(random, values) draws a run of values.
   template <class Fill>
   int FillSeeded(CTCall* call, Fill&& fill);

@@ -80,11 +80,7 @@ const CClassMember kVectorMembers[] = {
 
 TCAllVectorNonTemplBase::TCAllVectorNonTemplBase(unsigned type_word) { InitTypeIDs(type_word); }
 
-const CClassMember* TCAllVectorNonTemplBase::FindMember(const char* name, unsigned name_hash,
-                                                        CTypeBase** owner, unsigned flags) {
-  const CClassMember* row = FindMemberInTable(name, name_hash, kVectorMembers, owner, flags);
-  return row != nullptr ? row : TesselCObject::FindMember(name, name_hash, owner, flags);
-}
+const CClassMember* TCAllVectorNonTemplBase::MemberTable() { return kVectorMembers; }
 
 int TCAllVectorNonTemplBase::GetString(CStringUTF8& text) {
   text = "vectorbase";

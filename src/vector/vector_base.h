@@ -7,12 +7,14 @@
 #include <span>
 
 #include "frame/member/arguments.h"
+#include "frame/member/table.h"
 #include "vector/element_run.h"
 #include "vector/tensors_base.h"
 
 // A vector is one or more rows of elements; a call addresses row 0 unless its indices name another.
 // As an object of its own ("vectorbase") it has no elements and supports nothing.
-class TCAllVectorNonTemplBase : public TCAllTensorsBase {
+class TCAllVectorNonTemplBase
+    : public vela::member::WithMembers<TCAllVectorNonTemplBase, TCAllTensorsBase> {
  public:
   explicit TCAllVectorNonTemplBase(unsigned type_word);
 
@@ -22,8 +24,7 @@ class TCAllVectorNonTemplBase : public TCAllTensorsBase {
   using TCAllTensorsBase::Update;
 
   const char* GetTCTypeName() const override { return "vectorbase"; }
-  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
-                                 unsigned flags) override;
+  static const CClassMember* MemberTable();
   int GetString(CStringUTF8& text) override;
   int GetVecArrayIndex(const MSOINDICES* at) const override;
   unsigned GetTypeIDCheckIndex(const MSOINDICES* at) override;
@@ -91,7 +92,7 @@ class TCAllVectorNonTemplBase : public TCAllTensorsBase {
   virtual vela::ElementRun ContiguousRun(int) { return {}; }
   // Sets the row's size to exactly size, keeping what fits: 0, or 278 with nothing changed.
   virtual int RawResize(int row, std::int64_t size);
-  // As RawResize; the elements below lower become the missing value.
+  // As RawResize; the elements below lower become the missing value. 28 for a lower bound below 0.
   virtual int ResizeWithLowerBound(int row, std::int64_t size, int lower);
   // As RawResize, but may keep memory for more, so that growing by one at a time is linear overall.
   virtual int RawGrow(int row, std::int64_t size) { return RawResize(row, size); }

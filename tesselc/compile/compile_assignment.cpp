@@ -1,30 +1,10 @@
 #include "tesselc/compile/compiler.h"
+#include "tesselc/run/control.h"
 #include "tesselc/run/elements.h"
 #include "tesselc/run/objects.h"
 #include "tesselc/run/text.h"
 
 namespace tesselc {
-namespace {
-
-unsigned AssigningCode(BinaryOperator op) {
-  switch (op) {
-    case BinaryOperator::kAdd:
-      return operation::kAdd;
-    case BinaryOperator::kSubtract:
-      return operation::kSubtract;
-    case BinaryOperator::kMultiply:
-      return operation::kMultiply;
-    case BinaryOperator::kDivide:
-      return operation::kDivide;
-    case BinaryOperator::kPower:
-      return operation::kPower;
-    default:
-      return 0;
-  }
-}
-
-}  // namespace
-
 Value Compiler::AssignTo(Place target, std::optional<BinaryOperator> op, Value value,
                          const SourceRange& range) {
   if (target.is_const) Fail(range, "a constant cannot be changed");
@@ -58,10 +38,28 @@ Value Compiler::AssignVariable(Place target, std::optional<BinaryOperator> op, V
       }
       value = MakeValue(type, std::move(number));
     }
-    value = Combine(*op, MakeValue(type, MakeLoad(type, target.variable)), std::move(value), range);
+    return UpdateVariable(std::move(target), *op, std::move(value), range);
   }
   value = Convert(std::move(value), target.type, range);
   return MakeValue(type, MakeStore(type, target.variable, std::move(value.node)));
+}
+
+// As for an element, the operand is computed before the variable is read: it may change it.
+Value Compiler::UpdateVariable(Place target, BinaryOperator op, Value value,
+                               const SourceRange& range) {
+  const TypeName type = target.type.name;
+  NodePtr first;
+  if (value.type.IsScalar() && !IsPlain(value.type.name, *value.node)) {
+    const StaticType operand_type = value.type;
+    const std::uint32_t operand = context_.layout->Allocate(ScalarSize(operand_type.name));
+    first = MakeStore(operand_type.name, VariablePlace::Local(operand), std::move(value.node));
+    value = Scratch(operand_type, operand);
+  }
+  value = Combine(op, MakeValue(type, MakeLoad(type, target.variable)), std::move(value), range);
+  value = Convert(std::move(value), target.type, range);
+  NodePtr store = MakeStore(type, target.variable, std::move(value.node));
+  if (first != nullptr) store = MakeComma(type, std::move(first), std::move(store));
+  return MakeValue(type, std::move(store));
 }
 
 Value Compiler::Scratch(const StaticType& type, std::uint32_t offset) {
@@ -120,7 +118,7 @@ Value Compiler::AssignObject(Place target, std::optional<BinaryOperator> op, Val
             op ? MakeAppendText(std::move(target.node), std::move(text), range)
                : MakeSetText(std::move(target.node), std::move(text), range)};
   }
-  const unsigned code = op ? AssigningCode(*op) : operation::kAssign;
+  const unsigned code = op ? OperationCode(*op) : operation::kAssign;
   if (code == 0 || (op && !type.IsContainer() && !type.IsVariant())) {
     Fail(range, Spelling(type) + " does not know this assignment");
   }

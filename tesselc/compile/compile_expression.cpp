@@ -2,6 +2,7 @@
 #include "tesselc/compile/compiler.h"
 #include "tesselc/compile/constants.h"
 #include "tesselc/run/elements.h"
+#include "tesselc/run/long_chain.h"
 
 namespace tesselc {
 
@@ -155,43 +156,47 @@ Place Compiler::Visit(const Unary& unary, const SourceRange& range) {
 }
 
 Place Compiler::Visit(const Binary& binary, const SourceRange&) {
-  Value left;
-  if (binary.rest.front().op == BinaryOperator::kComma) {
-    left = Load(Reach(*binary.first), binary.first->range);
-  } else {
-    left = CompileValue(*binary.first);
-  }
-  SourceRange covered = binary.first->range;
+  constexpr std::size_t kLinksBetweenRests = 64;
+  const bool is_comma = binary.rest.front().op == BinaryOperator::kComma;
+  Value left =
+      is_comma ? Load(Reach(*binary.first), binary.first->range) : CompileValue(*binary.first);
+  LongChain chain;
+  std::size_t links = 0;
   for (const Binary::Link& link : binary.rest) {
-    Value right = CompileValue(*link.operand);
-    covered = Cover(covered, link.operand->range);
-    switch (link.op) {
-      case BinaryOperator::kLogicalAnd:
-      case BinaryOperator::kLogicalOr: {
-        NodePtr a = ToTruth(std::move(left), binary.first->range);
-        NodePtr b = ToTruth(std::move(right), link.operand->range);
-        left = MakeValue(TypeName::kInt, link.op == BinaryOperator::kLogicalAnd
-                                             ? MakeAnd(std::move(a), std::move(b))
-                                             : MakeOr(std::move(a), std::move(b)));
-        break;
-      }
-      case BinaryOperator::kComma:
-        if (!left.node || !right.node) Fail(link.op_range, "NULL cannot be used here");
-        if (right.carrier != TypeName::kVoid) {
-          right.node = MakeComma(right.carrier, std::move(left.node), std::move(right.node));
-        } else {
-          std::vector<PlacedStatement> both;
-          both.push_back({std::move(left.node), binary.first->range});
-          both.push_back({std::move(right.node), link.operand->range});
-          right.node = MakeBlock(std::move(both));
-        }
-        left = std::move(right);
-        break;
-      default:
-        left = Combine(link.op, std::move(left), std::move(right), link.op_range);
+    if (++links % kLinksBetweenRests == 0 && left.node != nullptr) {
+      left.node = chain.Rest(left.carrier, std::move(left.node));
     }
+    left = CompileLink(binary.first->range, std::move(left), link);
   }
+  left.node = chain.Finish(left.carrier, std::move(left.node));
   return AsPlace(std::move(left));
+}
+
+Value Compiler::CompileLink(const SourceRange& first, Value left, const Binary::Link& link) {
+  Value right = CompileValue(*link.operand);
+  switch (link.op) {
+    case BinaryOperator::kLogicalAnd:
+    case BinaryOperator::kLogicalOr: {
+      NodePtr a = ToTruth(std::move(left), first);
+      NodePtr b = ToTruth(std::move(right), link.operand->range);
+      return MakeValue(TypeName::kInt, link.op == BinaryOperator::kLogicalAnd
+                                           ? MakeAnd(std::move(a), std::move(b))
+                                           : MakeOr(std::move(a), std::move(b)));
+    }
+    case BinaryOperator::kComma:
+      if (!left.node || !right.node) Fail(link.op_range, "NULL cannot be used here");
+      if (right.carrier != TypeName::kVoid) {
+        right.node = MakeComma(right.carrier, std::move(left.node), std::move(right.node));
+      } else {
+        std::vector<PlacedStatement> both;
+        both.push_back({std::move(left.node), first});
+        both.push_back({std::move(right.node), link.operand->range});
+        right.node = MakeBlock(std::move(both));
+      }
+      return right;
+    default:
+      return Combine(link.op, std::move(left), std::move(right), link.op_range);
+  }
 }
 
 Place Compiler::Visit(const Assign& assign, const SourceRange&) {

@@ -63,24 +63,6 @@ const char* Spelling(BinaryOperator op) {
   return "";
 }
 
-// The code of an arithmetic operator for Operate2; 0 when it has none.
-unsigned OperationCode(BinaryOperator op) {
-  switch (op) {
-    case BinaryOperator::kAdd:
-      return operation::kAdd;
-    case BinaryOperator::kSubtract:
-      return operation::kSubtract;
-    case BinaryOperator::kMultiply:
-      return operation::kMultiply;
-    case BinaryOperator::kDivide:
-      return operation::kDivide;
-    case BinaryOperator::kPower:
-      return operation::kPower;
-    default:
-      return 0;
-  }
-}
-
 unsigned ComparisonCode(BinaryOperator op) {
   switch (op) {
     case BinaryOperator::kLess:
@@ -111,6 +93,23 @@ bool IsTextual(const StaticType& type) {
 bool HasOperators(const StaticType& type) { return type.IsContainer() || type.IsVariant(); }
 
 }  // namespace
+
+unsigned Compiler::OperationCode(BinaryOperator op) {
+  switch (op) {
+    case BinaryOperator::kAdd:
+      return operation::kAdd;
+    case BinaryOperator::kSubtract:
+      return operation::kSubtract;
+    case BinaryOperator::kMultiply:
+      return operation::kMultiply;
+    case BinaryOperator::kDivide:
+      return operation::kDivide;
+    case BinaryOperator::kPower:
+      return operation::kPower;
+    default:
+      return 0;
+  }
+}
 
 Value Compiler::Combine(BinaryOperator op, Value left, Value right, const SourceRange& range) {
   const StaticType& l = left.type;

@@ -154,6 +154,8 @@ class Compiler {
   Place Visit(const ScopedName& name, const SourceRange& range);
   Place Visit(const Unary& unary, const SourceRange& range);
   Place Visit(const Binary& binary, const SourceRange& range);
+  // The value of a chain and one more link; `first` is where the chain starts.
+  Value CompileLink(const SourceRange& first, Value left, const Binary::Link& link);
   Place Visit(const Assign& assign, const SourceRange& range);
   Place Visit(const Conditional& conditional, const SourceRange& range);
   Place Visit(const Cast& cast, const SourceRange& range);
@@ -182,6 +184,8 @@ class Compiler {
   NodePtr ToOwnedObject(Value value, const StaticType& type, const SourceRange& range);
 
   // --- compile_operator.cpp
+  // The code of an arithmetic operator for Operate2; 0 when it has none.
+  static unsigned OperationCode(BinaryOperator op);
   Value Combine(BinaryOperator op, Value left, Value right, const SourceRange& range);
   Value CombineNumbers(BinaryOperator op, Value left, Value right, const SourceRange& range);
   Value CombineComplex(BinaryOperator op, Value left, Value right, const SourceRange& range);
@@ -195,6 +199,7 @@ class Compiler {
                  const SourceRange& range);
   Value AssignVariable(Place target, std::optional<BinaryOperator> op, Value value,
                        const SourceRange& range);
+  Value UpdateVariable(Place target, BinaryOperator op, Value value, const SourceRange& range);
   Value AssignElement(Place target, std::optional<BinaryOperator> op, Value value,
                       const SourceRange& range);
   Value UpdateElement(Place target, BinaryOperator op, Value value, bool give_old,

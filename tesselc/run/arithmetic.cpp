@@ -12,11 +12,12 @@
 namespace tesselc {
 namespace {
 
-template <class T, class Op, class Left, class Right>
-class Arithmetic final : public Expr<Arithmetic<T, Op, Left, Right>, T> {
+// An operator on two operands of T whose value is a Result.
+template <class T, class Result, class Op, class Left, class Right>
+class Binary final : public ValueNode<Result> {
  public:
-  Arithmetic(Left left, Right right) : left_(std::move(left)), right_(std::move(right)) {}
-  T Eval(Frame& frame) override {
+  Binary(Left left, Right right) : left_(std::move(left)), right_(std::move(right)) {}
+  Result Eval(Frame& frame) override {
     const T left = left_.Get(frame);
     return Op::template Apply<T>(left, right_.Get(frame));
   }
@@ -26,14 +27,22 @@ class Arithmetic final : public Expr<Arithmetic<T, Op, Left, Right>, T> {
   Right right_;
 };
 
-template <class T, class Op>
-NodePtr MakeArithmeticOf(NodePtr left, NodePtr right) {
+template <class T, class Result, class Op>
+NodePtr MakeBinary(NodePtr left, NodePtr right) {
   return WithLeftOperand<T>(std::move(left), [&](auto l) {
-    return WithRightOperand<T>(std::move(right), [&](auto r) -> NodePtr {
-      return std::make_unique<Arithmetic<T, Op, decltype(l), decltype(r)>>(std::move(l),
-                                                                           std::move(r));
+    return WithRightOperand<T>(std::move(right), [&](auto r) {
+      using Node = Binary<T, Result, Op, decltype(l), decltype(r)>;
+      return NodePtr(new Node(std::move(l), std::move(r)));
     });
   });
+}
+
+// For the operators whose work outweighs reading their operands.
+template <class T, class Op>
+NodePtr MakePlainBinary(NodePtr left, NodePtr right) {
+  using Operand = AnyOperand<T>;
+  using Node = Binary<T, T, Op, Operand, Operand>;
+  return NodePtr(new Node(Operand{As<T>(std::move(left))}, Operand{As<T>(std::move(right))}));
 }
 
 struct DivideOp {
@@ -63,7 +72,7 @@ struct BitOrOp {
 
 // The quotient or remainder of integers; dividing the smallest one by -1 wraps.
 template <class T, bool kRemainder>
-class IntegerDivision final : public Expr<IntegerDivision<T, kRemainder>, T> {
+class IntegerDivision final : public ValueNode<T> {
  public:
   IntegerDivision(ValuePtr<T> left, ValuePtr<T> right, SourceRange where)
       : left_(std::move(left)), right_(std::move(right)), where_(where) {}
@@ -85,8 +94,11 @@ class IntegerDivision final : public Expr<IntegerDivision<T, kRemainder>, T> {
 template <class T, bool kRemainder>
 NodePtr MakeDivisionOf(NodePtr left, NodePtr right, SourceRange where) {
   if constexpr (std::is_floating_point_v<T>) {
-    using Op = std::conditional_t<kRemainder, RemainderOp, DivideOp>;
-    return MakeArithmeticOf<T, Op>(std::move(left), std::move(right));
+    if constexpr (kRemainder) {
+      return MakePlainBinary<T, RemainderOp>(std::move(left), std::move(right));
+    } else {
+      return MakeBinary<T, T, DivideOp>(std::move(left), std::move(right));
+    }
   } else {
     return std::make_unique<IntegerDivision<T, kRemainder>>(As<T>(std::move(left)),
                                                             As<T>(std::move(right)), where);
@@ -96,52 +108,28 @@ NodePtr MakeDivisionOf(NodePtr left, NodePtr right, SourceRange where) {
 template <class T, class Op>
 NodePtr MakeBitsOf(NodePtr left, NodePtr right) {
   if constexpr (std::is_integral_v<T>) {
-    return MakeArithmeticOf<T, Op>(std::move(left), std::move(right));
+    return MakePlainBinary<T, Op>(std::move(left), std::move(right));
   } else {
     return nullptr;
   }
-}
-
-template <class T, class Op, class Left, class Right>
-class Comparison final : public Expr<Comparison<T, Op, Left, Right>, int> {
- public:
-  Comparison(Left left, Right right) : left_(std::move(left)), right_(std::move(right)) {}
-  int Eval(Frame& frame) override {
-    const T left = left_.Get(frame);
-    return Op::template Apply<T>(left, right_.Get(frame));
-  }
-
- private:
-  Left left_;
-  Right right_;
-};
-
-template <class T, class Op>
-NodePtr MakeComparisonOf(NodePtr left, NodePtr right) {
-  return WithLeftOperand<T>(std::move(left), [&](auto l) {
-    return WithRightOperand<T>(std::move(right), [&](auto r) -> NodePtr {
-      return std::make_unique<Comparison<T, Op, decltype(l), decltype(r)>>(std::move(l),
-                                                                           std::move(r));
-    });
-  });
 }
 
 template <class T>
 NodePtr MakeOrderOf(BinaryOperator op, NodePtr left, NodePtr right) {
   switch (op) {
     case BinaryOperator::kLess:
-      return MakeComparisonOf<T, LessOp>(std::move(left), std::move(right));
+      return MakeBinary<T, int, LessOp>(std::move(left), std::move(right));
     case BinaryOperator::kLessEqual:
-      return MakeComparisonOf<T, LessEqualOp>(std::move(left), std::move(right));
+      return MakeBinary<T, int, LessEqualOp>(std::move(left), std::move(right));
     case BinaryOperator::kGreater:
-      return MakeComparisonOf<T, GreaterOp>(std::move(left), std::move(right));
+      return MakeBinary<T, int, GreaterOp>(std::move(left), std::move(right));
     default:
-      return MakeComparisonOf<T, GreaterEqualOp>(std::move(left), std::move(right));
+      return MakeBinary<T, int, GreaterEqualOp>(std::move(left), std::move(right));
   }
 }
 
 template <class T>
-class Shift final : public Expr<Shift<T>, T> {
+class Shift final : public ValueNode<T> {
  public:
   Shift(bool to_left, ValuePtr<T> left, ValuePtr<std::int64_t> right, SourceRange where)
       : to_left_(to_left), left_(std::move(left)), right_(std::move(right)), where_(where) {}
@@ -165,7 +153,7 @@ class Shift final : public Expr<Shift<T>, T> {
   SourceRange where_;
 };
 
-class Power final : public Expr<Power, double> {
+class Power final : public ValueNode<double> {
  public:
   Power(PowerFunction power, ValuePtr<double> left, ValuePtr<double> right)
       : power_(power), left_(std::move(left)), right_(std::move(right)) {}
@@ -179,25 +167,7 @@ class Power final : public Expr<Power, double> {
   ValuePtr<double> left_, right_;
 };
 
-struct ComplexAddOp {
-  template <class T>
-  static T Apply(const T& a, const T& b) {
-    return a + b;
-  }
-};
-struct ComplexSubtractOp {
-  template <class T>
-  static T Apply(const T& a, const T& b) {
-    return a - b;
-  }
-};
-struct ComplexMultiplyOp {
-  template <class T>
-  static T Apply(const T& a, const T& b) {
-    return a * b;
-  }
-};
-struct ComplexPowerOp {
+struct PowerOp {
   template <class T>
   static T Apply(const T& a, const T& b) {
     return a ^ b;
@@ -217,20 +187,19 @@ struct Coordinatewise {
 };
 
 // A node of one operand whose value a stateless function gives.
-template <class From, class To, class Function, class Operand = AnyOperand<From>>
-class UnaryNode final : public Expr<UnaryNode<From, To, Function, Operand>, To> {
+template <class From, class To, class Function>
+class UnaryNode final : public ValueNode<To> {
  public:
-  explicit UnaryNode(Operand operand) : operand_(std::move(operand)) {}
-  To Eval(Frame& frame) override { return Function::Apply(operand_.Get(frame)); }
+  explicit UnaryNode(ValuePtr<From> operand) : operand_(std::move(operand)) {}
+  To Eval(Frame& frame) override { return Function::Apply(operand_->Eval(frame)); }
 
  private:
-  Operand operand_;
+  ValuePtr<From> operand_;
 };
 
 template <class From, class To, class Function>
 NodePtr MakeUnary(NodePtr operand) {
-  using Result = UnaryNode<From, To, Function>;
-  return std::make_unique<Result>(AnyOperand<From>{As<From>(std::move(operand))});
+  return NodePtr(new UnaryNode<From, To, Function>(As<From>(std::move(operand))));
 }
 
 struct NegateFunction {
@@ -259,19 +228,16 @@ struct NotFunction {
   static int Apply(int a) { return a == 0; }
 };
 
-class And final : public Expr<And, int> {
+// && and ||: the second operand is evaluated only where it decides.
+template <bool kAnd>
+class Logical final : public ValueNode<int> {
  public:
-  And(ValuePtr<int> left, ValuePtr<int> right) : left_(std::move(left)), right_(std::move(right)) {}
-  int Eval(Frame& frame) override { return left_->Eval(frame) && right_->Eval(frame); }
-
- private:
-  ValuePtr<int> left_, right_;
-};
-
-class Or final : public Expr<Or, int> {
- public:
-  Or(ValuePtr<int> left, ValuePtr<int> right) : left_(std::move(left)), right_(std::move(right)) {}
-  int Eval(Frame& frame) override { return left_->Eval(frame) || right_->Eval(frame); }
+  Logical(ValuePtr<int> left, ValuePtr<int> right)
+      : left_(std::move(left)), right_(std::move(right)) {}
+  int Eval(Frame& frame) override {
+    const bool left = left_->Eval(frame) != 0;
+    return left == kAnd ? right_->Eval(frame) != 0 : left;
+  }
 
  private:
   ValuePtr<int> left_, right_;
@@ -285,11 +251,11 @@ NodePtr MakeArithmetic(BinaryOperator op, TypeName type, NodePtr left, NodePtr r
     using T = typename decltype(t)::type;
     switch (op) {
       case BinaryOperator::kAdd:
-        return MakeArithmeticOf<T, AddOp>(std::move(left), std::move(right));
+        return MakeBinary<T, T, AddOp>(std::move(left), std::move(right));
       case BinaryOperator::kSubtract:
-        return MakeArithmeticOf<T, SubtractOp>(std::move(left), std::move(right));
+        return MakeBinary<T, T, SubtractOp>(std::move(left), std::move(right));
       case BinaryOperator::kMultiply:
-        return MakeArithmeticOf<T, MultiplyOp>(std::move(left), std::move(right));
+        return MakeBinary<T, T, MultiplyOp>(std::move(left), std::move(right));
       case BinaryOperator::kDivide:
         return MakeDivisionOf<T, false>(std::move(left), std::move(right), where);
       case BinaryOperator::kRemainder:
@@ -308,9 +274,9 @@ NodePtr MakeComparison(BinaryOperator op, TypeName type, NodePtr left, NodePtr r
   const auto equality = [&](auto t) -> NodePtr {
     using T = typename decltype(t)::type;
     if (op == BinaryOperator::kEqual) {
-      return MakeComparisonOf<T, EqualOp>(std::move(left), std::move(right));
+      return MakeBinary<T, int, EqualOp>(std::move(left), std::move(right));
     }
-    return MakeComparisonOf<T, NotEqualOp>(std::move(left), std::move(right));
+    return MakeBinary<T, int, NotEqualOp>(std::move(left), std::move(right));
   };
   if (op == BinaryOperator::kEqual || op == BinaryOperator::kNotEqual) {
     if (IsNumber(type)) return WithArithmetic(type, equality);
@@ -345,15 +311,15 @@ NodePtr MakeComplexArithmetic(BinaryOperator op, NodePtr left, NodePtr right) {
   using T = OneTCcomplex;
   switch (op) {
     case BinaryOperator::kAdd:
-      return MakeArithmeticOf<T, ComplexAddOp>(std::move(left), std::move(right));
+      return MakePlainBinary<T, AddOp>(std::move(left), std::move(right));
     case BinaryOperator::kSubtract:
-      return MakeArithmeticOf<T, ComplexSubtractOp>(std::move(left), std::move(right));
+      return MakePlainBinary<T, SubtractOp>(std::move(left), std::move(right));
     case BinaryOperator::kMultiply:
-      return MakeArithmeticOf<T, ComplexMultiplyOp>(std::move(left), std::move(right));
+      return MakePlainBinary<T, MultiplyOp>(std::move(left), std::move(right));
     case BinaryOperator::kDivide:
-      return MakeArithmeticOf<T, DivideOp>(std::move(left), std::move(right));
+      return MakePlainBinary<T, DivideOp>(std::move(left), std::move(right));
     case BinaryOperator::kPower:
-      return MakeArithmeticOf<T, ComplexPowerOp>(std::move(left), std::move(right));
+      return MakePlainBinary<T, PowerOp>(std::move(left), std::move(right));
     default:
       return nullptr;
   }
@@ -363,9 +329,9 @@ NodePtr MakePointArithmetic(BinaryOperator op, TypeName type, NodePtr left, Node
   const auto make = [&](auto t) -> NodePtr {
     using P = typename decltype(t)::type;
     if (op == BinaryOperator::kAdd) {
-      return MakeArithmeticOf<P, Coordinatewise<AddOp>>(std::move(left), std::move(right));
+      return MakePlainBinary<P, Coordinatewise<AddOp>>(std::move(left), std::move(right));
     }
-    return MakeArithmeticOf<P, Coordinatewise<SubtractOp>>(std::move(left), std::move(right));
+    return MakePlainBinary<P, Coordinatewise<SubtractOp>>(std::move(left), std::move(right));
   };
   switch (type) {
     case TypeName::kPoint:
@@ -409,10 +375,10 @@ NodePtr MakeTruth(TypeName type, NodePtr operand) {
 
 NodePtr MakeNot(NodePtr operand) { return MakeUnary<int, int, NotFunction>(std::move(operand)); }
 NodePtr MakeAnd(NodePtr left, NodePtr right) {
-  return std::make_unique<And>(As<int>(std::move(left)), As<int>(std::move(right)));
+  return std::make_unique<Logical<true>>(As<int>(std::move(left)), As<int>(std::move(right)));
 }
 NodePtr MakeOr(NodePtr left, NodePtr right) {
-  return std::make_unique<Or>(As<int>(std::move(left)), As<int>(std::move(right)));
+  return std::make_unique<Logical<false>>(As<int>(std::move(left)), As<int>(std::move(right)));
 }
 
 }  // namespace tesselc

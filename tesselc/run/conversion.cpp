@@ -7,7 +7,7 @@ namespace tesselc {
 namespace {
 
 template <class From, class To, class Operand>
-class Convert final : public Expr<Convert<From, To, Operand>, To> {
+class Convert final : public ValueNode<To> {
  public:
   explicit Convert(Operand operand) : operand_(std::move(operand)) {}
   To Eval(Frame& frame) override { return ConvertScalar<To>(operand_.Get(frame)); }
@@ -17,6 +17,19 @@ class Convert final : public Expr<Convert<From, To, Operand>, To> {
 };
 
 template <class From, class To>
+NodePtr ConvertNode(NodePtr operand) {
+  using Operand = AnyOperand<From>;
+  return NodePtr(new Convert<From, To, Operand>(Operand{As<From>(std::move(operand))}));
+}
+
+// A type that holds every value of T and converts as T does. Numbers convert in two steps, through
+// it, so that there is a node for each type and step, not for each pair of types.
+template <class T>
+using Widest =
+    std::conditional_t<!std::is_arithmetic_v<T> || std::is_same_v<T, std::uint64_t>, T,
+                       std::conditional_t<std::is_floating_point_v<T>, double, std::int64_t>>;
+
+template <class From, class To>
 inline constexpr bool kConvertible =
     (std::is_arithmetic_v<From> || std::is_same_v<From, OneTCcomplex>)
         ? (std::is_arithmetic_v<To> || std::is_same_v<To, OneTCcomplex>)
@@ -24,25 +37,33 @@ inline constexpr bool kConvertible =
 
 template <class From, class To>
 NodePtr ConvertOf(NodePtr operand) {
+  using Wide = Widest<From>;
   if constexpr (!kConvertible<From, To>) {
     return nullptr;
+  } else if constexpr (std::is_same_v<From, int> && std::is_same_v<To, double>) {
+    return WithLeftOperand<From>(std::move(operand), [](auto o) {
+      return NodePtr(new Convert<From, To, decltype(o)>(std::move(o)));
+    });
+  } else if constexpr (std::is_same_v<Wide, From> || std::is_same_v<Wide, To> ||
+                       std::is_same_v<From, int>) {
+    return ConvertNode<From, To>(std::move(operand));
   } else {
-    // A constant is converted here and now.
-    if (auto* constant = dynamic_cast<Constant<From>*>(operand.get())) {
-      return MakeConstant<To>(ConvertScalar<To>(constant->value()));
-    }
-    if constexpr (std::is_same_v<From, int> && std::is_same_v<To, double>) {
-      return WithLeftOperand<From>(std::move(operand), [](auto o) -> NodePtr {
-        return std::make_unique<Convert<From, To, decltype(o)>>(std::move(o));
-      });
-    } else {
-      return std::make_unique<Convert<From, To, AnyOperand<From>>>(
-          AnyOperand<From>{As<From>(std::move(operand))});
-    }
+    return ConvertNode<Wide, To>(ConvertNode<From, Wide>(std::move(operand)));
   }
 }
 
-class ComplexFromParts final : public Expr<ComplexFromParts, OneTCcomplex> {
+// A constant of a type of literals is converted here and now.
+template <class From, class To>
+NodePtr ConvertConstant(Node* operand) {
+  if constexpr (kConvertible<From, To>) {
+    if (auto* constant = dynamic_cast<Constant<From>*>(operand)) {
+      return MakeConstant<To>(ConvertScalar<To>(constant->value()));
+    }
+  }
+  return nullptr;
+}
+
+class ComplexFromParts final : public ValueNode<OneTCcomplex> {
  public:
   explicit ComplexFromParts(std::vector<ValuePtr<double>> parts) : parts_(std::move(parts)) {}
   OneTCcomplex Eval(Frame& frame) override {
@@ -55,7 +76,7 @@ class ComplexFromParts final : public Expr<ComplexFromParts, OneTCcomplex> {
 };
 
 template <class P>
-class PointFromParts final : public Expr<PointFromParts<P>, P> {
+class PointFromParts final : public ValueNode<P> {
  public:
   explicit PointFromParts(std::vector<ValuePtr<double>> parts) : parts_(std::move(parts)) {}
   P Eval(Frame& frame) override {
@@ -76,7 +97,10 @@ NodePtr MakeConversion(TypeName from, TypeName to, NodePtr operand) {
   if (from == to) return operand;
   return WithScalar(from, [&](auto f) {
     return WithScalar(to, [&](auto t) {
-      return ConvertOf<typename decltype(f)::type, typename decltype(t)::type>(std::move(operand));
+      using From = typename decltype(f)::type;
+      using To = typename decltype(t)::type;
+      if (NodePtr constant = ConvertConstant<From, To>(operand.get())) return constant;
+      return ConvertOf<From, To>(std::move(operand));
     });
   });
 }

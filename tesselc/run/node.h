@@ -46,12 +46,16 @@ template <class T>
 class ValueNode : public Node {
  public:
   virtual T Eval(Frame& frame) = 0;
+  Flow Exec(Frame& frame) override {
+    static_cast<void>(Eval(frame));
+    return Flow::kNext;
+  }
 };
 template <class T>
 using ValuePtr = std::unique_ptr<ValueNode<T>>;
 
-// The base of every expression node: derives Exec from the node's own Eval, without a second
-// virtual call.
+// The base of the nodes that are often statements of their own: Exec is the node's Eval, without a
+// second virtual call.
 template <class Self, class T>
 class Expr : public ValueNode<T> {
  public:

@@ -12,67 +12,60 @@
 
 namespace tesselc {
 
-// Calls f(std::type_identity<T>()) for the C++ type of a number type.
+template <TypeName kRowName, class T, unsigned kRowId>
+struct ScalarRow {
+  static constexpr TypeName kName = kRowName;
+  static constexpr unsigned kTypeId = kRowId;
+  using Value = T;
+};
+template <class... Rows>
+struct ScalarRows {};
+
+using IntRow = ScalarRow<TypeName::kInt, int, kTypeInt>;
+// The types that arithmetic is done in, after promotion; the others; and what is no number.
+using ArithmeticRows = ScalarRows<IntRow, ScalarRow<TypeName::kUint, unsigned, kTypeUnsignedInt>,
+                                  ScalarRow<TypeName::kFloat, float, kTypeFloat>,
+                                  ScalarRow<TypeName::kDouble, double, kTypeDouble>,
+                                  ScalarRow<TypeName::kInt64, std::int64_t, kTypeInt64>,
+                                  ScalarRow<TypeName::kUint64, std::uint64_t, kTypeUnsignedInt64>>;
+using NarrowRows = ScalarRows<ScalarRow<TypeName::kChar, char, kTypeChar>,
+                              ScalarRow<TypeName::kUchar, unsigned char, kTypeUnsignedChar>,
+                              ScalarRow<TypeName::kShort, short, kTypeShort>,
+                              ScalarRow<TypeName::kUshort, unsigned short, kTypeUnsignedShort>>;
+using CompoundRows = ScalarRows<ScalarRow<TypeName::kComplex, OneTCcomplex, kTypeComplex>,
+                                ScalarRow<TypeName::kPoint, PointInt, kTypePointInt>,
+                                ScalarRow<TypeName::kFpoint, PointDouble, kTypePointDouble>,
+                                ScalarRow<TypeName::kFpoint3d, Point3D, kTypePoint3D>>;
+
+template <class... A, class... B>
+ScalarRows<A..., B...> Join(ScalarRows<A...>, ScalarRows<B...>);
+using NumberRows = decltype(Join(NarrowRows(), ArithmeticRows()));
+using AllScalarRows = decltype(Join(CompoundRows(), NumberRows()));
+
+// Calls f(std::type_identity<T>()) for the C++ type of a row; int for a name that is in none.
+template <class F>
+decltype(auto) WithRow(TypeName, ScalarRows<>, F&& f) {
+  return f(std::type_identity<int>());
+}
+template <class Row, class... Rest, class F>
+decltype(auto) WithRow(TypeName name, ScalarRows<Row, Rest...>, F&& f) {
+  if (name == Row::kName) return f(std::type_identity<typename Row::Value>());
+  return WithRow(name, ScalarRows<Rest...>(), std::forward<F>(f));
+}
+
+// The same for a number type, for a type that arithmetic is done in, and for every type whose
+// values live in the frame itself.
 template <class F>
 decltype(auto) WithNumber(TypeName name, F&& f) {
-  switch (name) {
-    case TypeName::kChar:
-      return f(std::type_identity<char>());
-    case TypeName::kUchar:
-      return f(std::type_identity<unsigned char>());
-    case TypeName::kShort:
-      return f(std::type_identity<short>());
-    case TypeName::kUshort:
-      return f(std::type_identity<unsigned short>());
-    case TypeName::kUint:
-      return f(std::type_identity<unsigned>());
-    case TypeName::kFloat:
-      return f(std::type_identity<float>());
-    case TypeName::kDouble:
-      return f(std::type_identity<double>());
-    case TypeName::kInt64:
-      return f(std::type_identity<std::int64_t>());
-    case TypeName::kUint64:
-      return f(std::type_identity<std::uint64_t>());
-    default:
-      return f(std::type_identity<int>());
-  }
+  return WithRow(name, NumberRows(), std::forward<F>(f));
 }
-
-// The types that arithmetic is done in, after promotion.
 template <class F>
 decltype(auto) WithArithmetic(TypeName name, F&& f) {
-  switch (name) {
-    case TypeName::kUint:
-      return f(std::type_identity<unsigned>());
-    case TypeName::kFloat:
-      return f(std::type_identity<float>());
-    case TypeName::kDouble:
-      return f(std::type_identity<double>());
-    case TypeName::kInt64:
-      return f(std::type_identity<std::int64_t>());
-    case TypeName::kUint64:
-      return f(std::type_identity<std::uint64_t>());
-    default:
-      return f(std::type_identity<int>());
-  }
+  return WithRow(name, ArithmeticRows(), std::forward<F>(f));
 }
-
-// Every type whose values live in the frame itself: numbers, complex, points.
 template <class F>
 decltype(auto) WithScalar(TypeName name, F&& f) {
-  switch (name) {
-    case TypeName::kComplex:
-      return f(std::type_identity<OneTCcomplex>());
-    case TypeName::kPoint:
-      return f(std::type_identity<PointInt>());
-    case TypeName::kFpoint:
-      return f(std::type_identity<PointDouble>());
-    case TypeName::kFpoint3d:
-      return f(std::type_identity<Point3D>());
-    default:
-      return WithNumber(name, std::forward<F>(f));
-  }
+  return WithRow(name, AllScalarRows(), std::forward<F>(f));
 }
 
 inline bool IsPoint(TypeName name) {

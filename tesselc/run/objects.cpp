@@ -351,6 +351,16 @@ class NumberOf final : public Expr<NumberOf<T>, T> {
   SourceRange where_;
 };
 
+template <template <class> class Operation>
+NodePtr OperationOf(unsigned op, NodePtr object, Carrier carrier, NodePtr operand,
+                    SourceRange where) {
+  return WithOperand(carrier, [&](auto t) {
+    using T = typename decltype(t)::type;
+    return NodePtr(
+        new Operation<T>(op, As<ObjectValue>(std::move(object)), As<T>(std::move(operand)), where));
+  });
+}
+
 }  // namespace
 
 NodePtr MakeLoadObject(const ObjectPlace& place, std::string name, SourceRange where) {
@@ -392,20 +402,12 @@ NodePtr MakeTemporary(ObjectType type, Carrier carrier, NodePtr value, SourceRan
 
 NodePtr MakeOperate(unsigned op, NodePtr target, Carrier carrier, NodePtr source,
                     SourceRange where) {
-  return WithOperand(carrier, [&](auto t) -> NodePtr {
-    using T = typename decltype(t)::type;
-    return std::make_unique<OperateInPlace<T>>(op, As<ObjectValue>(std::move(target)),
-                                               As<T>(std::move(source)), where);
-  });
+  return OperationOf<OperateInPlace>(op, std::move(target), carrier, std::move(source), where);
 }
 
 NodePtr MakeOperateOnCopy(unsigned op, NodePtr left, Carrier carrier, NodePtr right,
                           SourceRange where) {
-  return WithOperand(carrier, [&](auto t) -> NodePtr {
-    using T = typename decltype(t)::type;
-    return std::make_unique<OperateOnCopy<T>>(op, As<ObjectValue>(std::move(left)),
-                                              As<T>(std::move(right)), where);
-  });
+  return OperationOf<OperateOnCopy>(op, std::move(left), carrier, std::move(right), where);
 }
 
 NodePtr MakeOperateOnFilled(unsigned op, Carrier scalar, NodePtr left, NodePtr right,

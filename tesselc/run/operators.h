@@ -40,16 +40,6 @@ struct MultiplyOp {
   }
 };
 
-// Narrow types step through int, as in C, and wrap.
-template <class T>
-T AddOne(T a) {
-  return AddOp::Apply<T>(a, T{1});
-}
-template <class T>
-T SubtractOne(T a) {
-  return SubtractOp::Apply<T>(a, T{1});
-}
-
 // Between numbers.
 struct LessOp {
   template <class T>

@@ -1,6 +1,8 @@
 #include "tesselc/run/output.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <system_error>
 
 #include "host/output.h"
 
@@ -33,8 +35,13 @@ Output::~Output() {
 }
 
 void Output::Flush() {
-  std::fwrite(buffer_.data(), 1, buffer_.size(), stdout);
-  std::fflush(stdout);
+  if (failure_.empty() && !buffer_.empty()) {
+    errno = 0;
+    const bool written = std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) == buffer_.size();
+    if (!written || std::fflush(stdout) != 0) {
+      failure_ = std::generic_category().message(errno != 0 ? errno : EIO);
+    }
+  }
   buffer_.clear();
 }
 

@@ -1,5 +1,6 @@
 #include "tesselc/run/print.h"
 
+#include "frame/interface/status.h"
 #include "tesselc/run/display.h"
 #include "tesselc/run/printf_format.h"
 #include "tesselc/run/run.h"
@@ -10,6 +11,14 @@ namespace {
 template <class T>
 T ValueOf(Node& node, Frame& frame) {
   return static_cast<ValueNode<T>&>(node).Eval(frame);
+}
+
+void Write(std::string_view text, Frame& frame, const SourceRange& where) {
+  Output& output = frame.run->output();
+  output.Write(text);
+  if (!output.failure().empty()) [[unlikely]] {
+    throw ScriptError(where, status::kFailed, "cannot write the output: " + output.failure());
+  }
 }
 
 class Print final : public Node {
@@ -23,7 +32,7 @@ class Print final : public Node {
       Append(line, arguments_[i], frame);
     }
     line += '\n';
-    frame.run->output().Write(line);
+    Write(line, frame, where_);
     return Flow::kNext;
   }
 
@@ -59,7 +68,7 @@ class Printf final : public Expr<Printf, int> {
     std::vector<FormatArgument> values;
     for (const PrintArgument& argument : arguments_) values.push_back(Value(argument, frame));
     const std::string text = FormatPrintf(format.View(), values, where_);
-    frame.run->output().Write(text);
+    Write(text, frame, where_);
     return static_cast<int>(text.size());
   }
 

@@ -37,33 +37,35 @@ class UpdateVariable final : public Expr<UpdateVariable<T, Place, Op>, T> {
   ValuePtr<T> value_;
 };
 
-template <class T, class Place, bool kUp, bool kOld>
-class StepVariable final : public Expr<StepVariable<T, Place, kUp, kOld>, T> {
+template <class T, class Place>
+class StepVariable final : public Expr<StepVariable<T, Place>, T> {
  public:
-  explicit StepVariable(Place place) : place_(place) {}
+  StepVariable(Place place, bool up, bool give_old)
+      : place_(place), step_(up ? T{1} : SubtractOp::Apply<T>(0, 1)), give_old_(give_old) {}
   T Eval(Frame& frame) override {
     T& variable = place_.template Get<T>(frame);
     const T old = variable;
-    variable = kUp ? AddOne(old) : SubtractOne(old);
-    return kOld ? old : variable;
+    variable = AddOp::Apply<T>(old, step_);
+    return give_old_ ? old : variable;
   }
 
  private:
   Place place_;
+  T step_;  // 1, or -1 in the arithmetic of T
+  bool give_old_;
 };
 
-template <class Place>
 class FillVariable final : public Node {
  public:
-  FillVariable(Place place, std::uint32_t size, unsigned char byte)
+  FillVariable(VariablePlace place, std::uint32_t size, unsigned char byte)
       : place_(place), size_(size), byte_(byte) {}
   Flow Exec(Frame& frame) override {
-    std::memset(&place_.template Get<std::byte>(frame), byte_, size_);
+    std::memset(place_.Address(frame), byte_, size_);
     return Flow::kNext;
   }
 
  private:
-  Place place_;
+  VariablePlace place_;
   std::uint32_t size_;
   unsigned char byte_;
 };
@@ -71,15 +73,14 @@ class FillVariable final : public Node {
 template <class T, class Op>
 NodePtr MakeUpdateOf(const VariablePlace& place, NodePtr& value) {
   return WithPlace(place, [&](auto at) -> NodePtr {
-    return std::make_unique<UpdateVariable<T, decltype(at), Op>>(at, As<T>(std::move(value)));
+    return NodePtr(new UpdateVariable<T, decltype(at), Op>(at, As<T>(std::move(value))));
   });
 }
 
-template <class T, bool kUp, bool kOld>
-NodePtr MakeStepOf(const VariablePlace& place) {
-  return WithPlace(place, [](auto at) -> NodePtr {
-    return std::make_unique<StepVariable<T, decltype(at), kUp, kOld>>(at);
-  });
+template <class T>
+bool IsPlainOf(Node& value) {
+  return dynamic_cast<Constant<T>*>(&value) != nullptr ||
+         dynamic_cast<LoadVariable<T, DirectVariable>*>(&value) != nullptr;
 }
 
 }  // namespace
@@ -87,48 +88,45 @@ NodePtr MakeStepOf(const VariablePlace& place) {
 NodePtr MakeLoad(TypeName type, const VariablePlace& place) {
   return WithScalar(type, [&](auto t) {
     using T = typename decltype(t)::type;
-    return WithPlace(place, [](auto at) -> NodePtr {
-      return std::make_unique<LoadVariable<T, decltype(at)>>(at);
-    });
+    return WithPlace(place, [](auto at) { return NodePtr(new LoadVariable<T, decltype(at)>(at)); });
   });
 }
 
 NodePtr MakeStore(TypeName type, const VariablePlace& place, NodePtr value) {
   return WithScalar(type, [&](auto t) {
     using T = typename decltype(t)::type;
-    return WithPlace(place, [&](auto at) -> NodePtr {
-      return std::make_unique<StoreVariable<T, decltype(at)>>(at, As<T>(std::move(value)));
+    return WithPlace(place, [&](auto at) {
+      return NodePtr(new StoreVariable<T, decltype(at)>(at, As<T>(std::move(value))));
     });
   });
 }
 
 NodePtr MakeFill(TypeName type, const VariablePlace& place, unsigned char byte) {
-  return WithPlace(place, [&](auto at) -> NodePtr {
-    return std::make_unique<FillVariable<decltype(at)>>(at, ScalarSize(type), byte);
-  });
+  return std::make_unique<FillVariable>(place, ScalarSize(type), byte);
 }
 
 NodePtr MakeUpdate(TypeName type, const VariablePlace& place, BinaryOperator op, NodePtr& value) {
   return WithArithmetic(type, [&](auto t) -> NodePtr {
     using T = typename decltype(t)::type;
-    switch (op) {
-      case BinaryOperator::kAdd:
-        return MakeUpdateOf<T, AddOp>(place, value);
-      case BinaryOperator::kSubtract:
-        return MakeUpdateOf<T, SubtractOp>(place, value);
-      case BinaryOperator::kMultiply:
-        return MakeUpdateOf<T, MultiplyOp>(place, value);
-      default:
-        return nullptr;
+    if constexpr (kIsFastType<T>) {
+      if (op == BinaryOperator::kAdd) return MakeUpdateOf<T, AddOp>(place, value);
+      if (op == BinaryOperator::kSubtract) return MakeUpdateOf<T, SubtractOp>(place, value);
+      if (op == BinaryOperator::kMultiply) return MakeUpdateOf<T, MultiplyOp>(place, value);
     }
+    return nullptr;
   });
 }
 
+bool IsPlain(TypeName type, Node& value) {
+  return WithScalar(type, [&](auto t) { return IsPlainOf<typename decltype(t)::type>(value); });
+}
+
 NodePtr MakeStep(TypeName type, const VariablePlace& place, bool up, bool give_old) {
-  return WithNumber(type, [&](auto t) -> NodePtr {
+  return WithNumber(type, [&](auto t) {
     using T = typename decltype(t)::type;
-    if (up) return give_old ? MakeStepOf<T, true, true>(place) : MakeStepOf<T, true, false>(place);
-    return give_old ? MakeStepOf<T, false, true>(place) : MakeStepOf<T, false, false>(place);
+    return WithPlace(place, [&](auto at) {
+      return NodePtr(new StepVariable<T, decltype(at)>(at, up, give_old));
+    });
   });
 }
 

@@ -1,6 +1,9 @@
 // Variables of scalar types: how a node reaches one, reads it and assigns to it.
 #pragma once
 
+#include <cstdint>
+#include <type_traits>
+
 #include "tesselc/run/node.h"
 #include "tesselc/syntax_tree.h"
 
@@ -32,20 +35,27 @@ struct VariablePlace {
   }
 };
 
-// The same places as types, for the nodes that are specialised by them.
-struct LocalVariable {
-  std::uint32_t offset;
+// A variable of the frame or a global, reached alike without a branch: an address is the frame's
+// base, or nothing, plus a distance.
+class DirectVariable {
+ public:
+  static DirectVariable Local(std::uint32_t offset) { return {~std::uintptr_t{0}, offset}; }
+  static DirectVariable Global(void* address) {
+    return {0, reinterpret_cast<std::uintptr_t>(address)};
+  }
+
   template <class T>
   T& Get(Frame& frame) const {
-    return frame.At<T>(offset);
+    const std::uintptr_t base = reinterpret_cast<std::uintptr_t>(frame.base) & base_mask_;
+    return *reinterpret_cast<T*>(base + distance_);
   }
-};
-struct GlobalVariable {
-  void* address;
-  template <class T>
-  T& Get(Frame&) const {
-    return *static_cast<T*>(address);
-  }
+
+ private:
+  DirectVariable(std::uintptr_t base_mask, std::uintptr_t distance)
+      : base_mask_(base_mask), distance_(distance) {}
+
+  std::uintptr_t base_mask_;
+  std::uintptr_t distance_;
 };
 struct ReferenceVariable {
   std::uint32_t offset;
@@ -55,21 +65,25 @@ struct ReferenceVariable {
   }
 };
 
-// Calls f with the place as one of the three types above.
+// Calls f with the place as one of the two types above.
 template <class F>
 decltype(auto) WithPlace(const VariablePlace& place, F&& f) {
   switch (place.mode) {
     case VariablePlace::Mode::kLocal:
-      return f(LocalVariable{place.offset});
+      return f(DirectVariable::Local(place.offset));
     case VariablePlace::Mode::kGlobal:
-      return f(GlobalVariable{place.address});
+      return f(DirectVariable::Global(place.address));
     default:
       return f(ReferenceVariable{place.offset});
   }
 }
 
+// The types whose loops are worth nodes of their own.
+template <class T>
+inline constexpr bool kIsFastType = std::is_same_v<T, double> || std::is_same_v<T, int>;
+
 template <class T, class Place>
-class LoadVariable final : public Expr<LoadVariable<T, Place>, T> {
+class LoadVariable final : public ValueNode<T> {
  public:
   explicit LoadVariable(Place place) : place_(place) {}
   T Eval(Frame& frame) override { return place_.template Get<T>(frame); }
@@ -80,7 +94,7 @@ class LoadVariable final : public Expr<LoadVariable<T, Place>, T> {
 };
 
 template <class T>
-class Constant final : public Expr<Constant<T>, T> {
+class Constant final : public ValueNode<T> {
  public:
   explicit Constant(T value) : value_(std::move(value)) {}
   T Eval(Frame&) override { return value_; }
@@ -100,9 +114,12 @@ NodePtr MakeLoad(TypeName type, const VariablePlace& place);
 NodePtr MakeStore(TypeName type, const VariablePlace& place, NodePtr value);
 // Fills the variable with one byte value: how a new one starts.
 NodePtr MakeFill(TypeName type, const VariablePlace& place, unsigned char byte);
-// variable = variable op value, where the type needs no conversion; null where there is no node of
-// its own for that, and the plain operators do it.
+// variable = variable op value, where the type needs no conversion. The value is computed first.
+// Null where there is no node of its own for that, and the plain operators do it.
 NodePtr MakeUpdate(TypeName type, const VariablePlace& place, BinaryOperator op, NodePtr& value);
+// Whether the value of a scalar type is a constant or a variable: the same whenever it is read
+// between two statements, and nothing happens when it is.
+bool IsPlain(TypeName type, Node& value);
 // ++ and --; the value is the variable's before or after.
 NodePtr MakeStep(TypeName type, const VariablePlace& place, bool up, bool give_old);
 

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <limits>
 
 #include "tesselc/runner/script_runner.h"
 
@@ -49,7 +50,7 @@ CommandLine ParseCommandLine(const std::vector<std::string>& words) {
   app.add_flag("--check", line.check_only, "Check the script, but do not run it");
   app.add_option("--debug-mode", line.debug_mode, "The library's debug mode")
       ->type_name("N")
-      ->check(CLI::NonNegativeNumber);
+      ->check(CLI::Range(0, std::numeric_limits<int>::max()));
   auto* members_option =
       app.add_option("--members", members, "Show the members of a type, or of all, and end")
           ->expected(0, 1)

@@ -108,7 +108,10 @@ int ScriptRunner::Execute(CompiledScript& script, Globals& globals) {
     }
     // Objects can still write while they go.
     globals.ReleaseObjects();
-    return code;
+    output_.Flush();
+    if (output_.failure().empty()) return code;
+    ReportError("cannot write the output: " + output_.failure());
+    return code != kSuccess ? code : int{kScriptFailed};
   } catch (const ScriptError& error) {
     globals.ReleaseObjects();
     output_.WriteError(Format({error.where(), error.message()}, sources_));

@@ -114,9 +114,10 @@ TEST(CheckedPowerTest, IsMissingWithoutAFiniteValue) {
                {2, 1023, 0x1p1023},
                {10, -400, 0},
                {0, 0, 1},
-               {kInfinity, 2, kInfinity},
-               {-kInfinity, 0.5, kInfinity},
-               {2, kInfinity, kInfinity},
+               {kInfinity, 2, kMissing},
+               {-kInfinity, 0.5, kMissing},
+               {2, kInfinity, kMissing},
+               {0.5, kInfinity, 0},
                {kInfinity, -1, 0}};
   for (const auto& c : cases) {
     EXPECT_TRUE(SameValue(CheckedPower(c.x, c.y), c.expected)) << c.x << " ^ " << c.y;

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <limits>
 
 #include "member_fixture.h"
 
@@ -117,6 +118,7 @@ TEST(Exports, SafePower) {
                {1e200, 2, kMissingValue},
                {1e-200, 2, 0},
                {0, 0, 1},
+               {std::numeric_limits<double>::infinity(), 2, kMissingValue},
                {-2, 3, -8}};
   for (const auto& c : cases) EXPECT_EQ(power(c.x, c.y), c.expected) << c.x << "^" << c.y;
 }

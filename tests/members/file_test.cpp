@@ -1,4 +1,9 @@
 #include <cmath>
+#include <limits>
+
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
 
 #include "file_fixture.h"
 
@@ -247,6 +252,101 @@ TEST_F(File, SharingFollowsTheFlags) {
   ASSERT_EQ(Call(file_, "Open", path, mode::kRead | mode::kDenyWrite).Int(), 1);
   EXPECT_EQ(Call(other, "Open", path, mode::kRead | mode::kDenyWrite).Int(), 1);
   EXPECT_EQ(Call(other, "Open", path, mode::kWrite | mode::kDenyNone).Int(), 0);
+}
+
+TEST_F(File, BeyondTheEndThereIsNothing) {
+  for (const unsigned type : {kTypeFile, kTypeStdioFile}) {
+    file_ = Make(type);
+    OpenOn("12345", mode::kReadWrite | mode::kBinary);
+    const ObjectRef text = StringOf("old");
+    const ObjectRef ints = VectorOf<int>({7});
+    EXPECT_EQ(Call(file_, "Seek", 100, 2).Int(), 105);
+    EXPECT_EQ(Call(file_, "Read", text, 10).Int(), 0);
+    EXPECT_EQ(TextOf(text), "");
+    EXPECT_EQ(Call(file_, "ReadInt", ints, 4, 1, 0).Int(), 0);
+    EXPECT_EQ(ValuesOf<int>(ints), std::vector<int>{7});
+    if (type == kTypeStdioFile) {
+      EXPECT_EQ(Call(file_, "ReadString", text, 0).Int(), 0);
+      EXPECT_EQ(Call(file_, "Scan", 0, text, 10).Int(), 0);
+    }
+    EXPECT_EQ(LastError(), 0) << "the end is no failure";
+    for (const int from : {0, 1, 2}) {
+      EXPECT_EQ(Call(file_, "Seek", std::numeric_limits<int>::min(), from).Int(), 0);
+      EXPECT_EQ(LastError(), 9);
+    }
+    EXPECT_EQ(Call(file_, "GetPosition").Int(), 105);
+    EXPECT_EQ(Call(file_, "Write", "x", 1).Int(), 1);
+    EXPECT_EQ(Call(file_, "GetLength").Int(), 106);
+    Call(file_, "Close");
+    EXPECT_EQ(ContentOf(PathOf("content")), "12345" + std::string(100, '\0') + "x");
+  }
+}
+
+#if !defined(_WIN32)
+TEST_F(File, WhatIsNoOrdinaryFile) {
+  const std::string pipe = PathOf("pipe");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  for (const unsigned type : {kTypeFile, kTypeStdioFile}) {
+    file_ = Make(type);
+    for (const int access : {mode::kRead, mode::kWrite, mode::kReadWrite, 3}) {
+      for (const int creation : {0, mode::kCreate, mode::kCreate | mode::kNoTruncate}) {
+        EXPECT_EQ(Call(file_, "Open", folder_, access | creation).Int(), 0);
+        EXPECT_EQ(LastError(), 5) << "a folder";
+        EXPECT_EQ(Call(file_, "Open", pipe, access | creation).Int(), 0);
+        EXPECT_EQ(LastError(), 6) << "a pipe, for which nobody waits";
+      }
+    }
+    EXPECT_TRUE(std::filesystem::is_fifo(pipe));
+  }
+  file_ = Make(kTypeFile);
+  ASSERT_EQ(Call(file_, "Open", "/dev/full", mode::kReadWrite | mode::kDenyNone).Int(), 1);
+  EXPECT_EQ(Call(file_, "Write", "x", 1).Int(), 0);
+  EXPECT_EQ(LastError(), 13);
+  EXPECT_EQ(Call(file_, "WriteInt", VectorOf<int>({1}), 4, 1, 0).Int(), 0);
+  const ObjectRef text = StringOf("");
+  EXPECT_EQ(Call(file_, "Read", text, 5).Int(), 5);
+  EXPECT_EQ(TextOf(text), std::string(5, '\0'));
+  EXPECT_EQ(Call(file_, "GetLength").Int(), 0);
+}
+
+TEST_F(File, ChangesThatOthersMakeAreSeen) {
+  OpenOn("0123456789", mode::kReadWrite | mode::kBinary);
+  const std::string path = PathOf("content");
+  const ObjectRef text = StringOf("");
+  EXPECT_EQ(Call(file_, "Read", text, 4).Int(), 4);
+  std::filesystem::resize_file(path, 2);
+  EXPECT_EQ(Call(file_, "Read", text, 4).Int(), 0) << "cut short";
+  EXPECT_EQ(Call(file_, "GetLength").Int(), 2);
+  EXPECT_EQ(Call(file_, "GetPosition").Int(), 4);
+  std::ofstream(path, std::ios::app) << "grown";
+  EXPECT_EQ(Call(file_, "Read", text, 40).Int(), 3);
+  EXPECT_EQ(TextOf(text), "own");
+  std::filesystem::remove(path);
+  EXPECT_EQ(Call(file_, "SeekToBegin").status, 0);
+  EXPECT_EQ(Call(file_, "Read", text, 40).Int(), 7) << "gone from its folder only";
+  EXPECT_EQ(Call(file_, "Write", "more", 4).Int(), 4);
+  EXPECT_EQ(LastError(), 0);
+  EXPECT_EQ(Call(file_, "Close").Int(), 1);
+  EXPECT_FALSE(std::filesystem::exists(path));
+}
+#endif
+
+TEST_F(File, FailuresLeakNoHandle) {
+  const std::string path = Write("locked", "x");
+  const ObjectRef holder = Make(kTypeFile);
+  ASSERT_EQ(Call(holder, "Open", path, mode::kRead | mode::kExclusive).Int(), 1);
+  const int before = Call(holder, "GetHandle").Int();
+  const ObjectRef stdio_file = Make(kTypeStdioFile);
+  for (int i = 0; i < 5'000; ++i) {
+    const ObjectRef& file = i % 2 == 0 ? file_ : stdio_file;
+    ASSERT_EQ(Call(file, "Open", path, mode::kRead | mode::kDenyNone).Int(), 0);
+    ASSERT_EQ(Call(file, "Open", folder_, mode::kRead).Int(), 0);
+    ASSERT_EQ(Call(file, "Open", PathOf("missing"), mode::kRead).Int(), 0);
+    ASSERT_EQ(Call(file, "Remove", path).Int(), 0);
+  }
+  Call(holder, "Close");
+  ASSERT_EQ(Call(holder, "Open", path, mode::kRead).Int(), 1);
+  EXPECT_LT(Call(holder, "GetHandle").Int(), before + 1000);
 }
 
 TEST_F(File, ObjectsCloseTheirFiles) {

@@ -133,6 +133,36 @@ TEST(BitField, WritesBackSaturatingAndLeavesOtherBits) {
   EXPECT_EQ(Make(kTypeInt | kFlagBitField, 0)->ResetValue(), status::kUnresolved);
 }
 
+TEST(BitField, ANegativeValueOfAFullWidthFieldKeepsItsBits) {
+  std::uint32_t word = 0;
+  const ObjectRef whole = Make(kTypeInt | kFlagBitField, 32);
+  ASSERT_EQ(whole->SetMemberMemory(&word, 0), 0);
+  EXPECT_EQ(whole->SetNumericValue(nullptr, -5), 0);
+  EXPECT_EQ(ValueOf<int>(whole), -5);
+  EXPECT_EQ(word, 0xFFFFFFFBu);
+  const ObjectRef half = Make(kTypeShort | kFlagBitField, 16);
+  ASSERT_EQ(half->SetMemberMemory(&word, 8), 0);
+  EXPECT_EQ(half->SetNumericValue(nullptr, -2), 0);
+  EXPECT_EQ(ValueOf<short>(half), -2);
+  EXPECT_EQ(word, 0xFFFFFEFBu);
+}
+
+TEST(BitField, ACopyLeavesTheStructureAlone) {
+  const ObjectRef field = Make(kTypeUnsignedInt | kFlagBitField, 3);
+  std::uint32_t word = 0xF0;
+  ASSERT_EQ(field->SetMemberMemory(&word, 0), 0);
+  ASSERT_EQ(field->SetNumericValue(nullptr, 2), 0);
+  const ObjectRef copy(field->CreateCopy());
+  EXPECT_EQ(copy->Operate2(nullptr, operation::kAdd | operation::kPlainOperand,
+                           tagMSOOBJVECT::Plain(OneTCcomplex(3), kTypeInt), 0),
+            0);
+  EXPECT_EQ(ValueOf<unsigned>(copy), 5u);
+  EXPECT_EQ(copy->SetNumericValue(nullptr, 9), 0);
+  EXPECT_EQ(ValueOf<unsigned>(copy), 7u) << "a copy is as narrow as the original";
+  EXPECT_EQ(ValueOf<unsigned>(field), 2u);
+  EXPECT_EQ(word, 0xF2u);
+}
+
 TEST(Scalar, OperatorsFollowTheElementRules) {
   const ObjectRef x = ScalarOf(1.0);
   const auto operate = [&](double left, unsigned code, double right) {

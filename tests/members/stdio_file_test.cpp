@@ -288,6 +288,18 @@ TEST_F(StdioFile, FailuresLeaveACause) {
 }
 
 #if !defined(_WIN32)
+TEST_F(StdioFile, AFileThatCannotBeReadEndsWithACause) {
+  // Reading this file fails where the process has no memory: at its beginning.
+  ASSERT_EQ(Call(file_, "Open", "/proc/self/mem", mode::kRead | mode::kDenyNone).Int(), 1);
+  EXPECT_EQ(Call(file_, "ReadString", line_, 0).Int(), 0);
+  EXPECT_EQ(TextOf(line_), "");
+  EXPECT_EQ(Call(file_, "GetLastError").Int(), 10);
+  file_ = Make(kTypeStdioFile);
+  OpenOn("not for reading", mode::kWrite);
+  EXPECT_EQ(Call(file_, "ReadString", line_, 0).Int(), 0);
+  EXPECT_EQ(Call(file_, "GetLastError").Int(), 5);
+}
+
 TEST_F(StdioFile, AFullDeviceIsAFullDisk) {
   ASSERT_EQ(Call(file_, "Open", "/dev/full", mode::kWrite).Int(), 1);
   EXPECT_EQ(Call(file_, "WriteString", "x").Int(), 2) << "buffered";

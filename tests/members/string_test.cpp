@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 #include <limits>
 
@@ -33,6 +34,93 @@ TEST(String, PositionsCountBytesOrCharacters) {
   for (const Case& c : cases) EXPECT_EQ(call(c).text, c.bytes) << c.member;
   const CharacterModeScope scope;
   for (const Case& c : cases) EXPECT_EQ(call(c).text, c.characters) << c.member;
+}
+
+// What the members do with positions, on a list of units: bytes, or characters.
+class Units {
+ public:
+  Units(std::string_view text, bool by_characters) {
+    for (std::size_t at = 0; at < text.size();) {
+      std::size_t end = at + 1;
+      while (by_characters && end < text.size() && (text[end] & 0xC0) == 0x80) ++end;
+      units_.emplace_back(text.substr(at, end - at));
+      at = end;
+    }
+  }
+  int size() const { return static_cast<int>(units_.size()); }
+  bool Has(int index) const { return index >= 0 && index < size(); }
+  int Clip(int index) const { return std::clamp(index, 0, size()); }
+  const std::string& operator[](int index) const { return units_[static_cast<std::size_t>(index)]; }
+  // The units from first on up to end.
+  std::string Part(int first, int end) const {
+    std::string text;
+    for (int i = first; i < end; ++i) text += (*this)[i];
+    return text;
+  }
+  // The text with another one in place of those units.
+  std::string With(int first, int end, const std::string& by) const {
+    return Part(0, first) + by + Part(end, size());
+  }
+  // Where a unit is, at or after an index, or -1.
+  int Find(const std::string& unit, int from) const {
+    if (from < 0) return -1;
+    const auto found = std::find(units_.begin() + Clip(from), units_.end(), unit);
+    return found == units_.end() ? -1 : static_cast<int>(found - units_.begin());
+  }
+
+ private:
+  std::vector<std::string> units_;
+};
+
+constexpr int kPositions[] = {std::numeric_limits<int>::min(), -1, 0, 1, 2, 3, 4, 5, 6, 7, 8,
+                              std::numeric_limits<int>::max()};
+
+TEST(String, EveryPositionInBothModes) {
+  for (const bool by_characters : {false, true}) {
+    VELAObj::SetCharIndexMode(by_characters);
+    const Units units(kMixed, by_characters);
+    const int size = units.size();
+    for (const int at : kPositions) {
+      SCOPED_TRACE(std::to_string(at) + (by_characters ? " characters" : " bytes"));
+      const auto changed = [&](const char* member, const auto& value) {
+        const ObjectRef s = StringOf(kMixed);
+        const Result result = Call(s, member, at, value);
+        if (result.status != 0) return "status " + std::to_string(result.status);
+        return TextOf(s);
+      };
+      const int clipped = units.Clip(at);
+      EXPECT_EQ(Call(StringOf(kMixed), "Left", at).text, units.Part(0, clipped));
+      EXPECT_EQ(Call(StringOf(kMixed), "Right", at).text, units.Part(size - clipped, size));
+      EXPECT_EQ(Call(StringOf(kMixed), "Mid", at).text, units.Part(clipped, size));
+      EXPECT_EQ(changed("Insert", "字"), units.With(clipped, clipped, "字"));
+      EXPECT_EQ(changed("Insert", '-'), units.With(clipped, clipped, "-"));
+      for (const int count : kPositions) {
+        const int end = clipped + std::clamp(count, 0, size - clipped);
+        EXPECT_EQ(Call(StringOf(kMixed), "Mid", at, count).text, units.Part(clipped, end));
+        EXPECT_EQ(changed("Delete", count), units.With(clipped, end, ""));
+      }
+      const std::string outside = "status " + std::to_string(status::kOutOfRange);
+      const bool has = units.Has(at);
+      EXPECT_EQ(changed("SetAt", "字x"), has ? units.With(at, at + 1, "字x") : outside);
+      EXPECT_EQ(changed("SetAt", 'x'), has ? units.With(at, at + 1, "x") : outside);
+      const ObjectRef unit = StringOf("kept");
+      const Result got = Call(StringOf(kMixed), "GetAt", at, unit);
+      EXPECT_EQ(got.status, has ? 0 : status::kOutOfRange);
+      EXPECT_EQ(TextOf(unit), has ? units[at] : "kept");
+      if (has) {
+        EXPECT_EQ(got.Int(), static_cast<signed char>(units[at][0]));
+      }
+      for (const std::string part : {"a", "b", "漢"}) {
+        const int found = by_characters || part.size() == 1 ? units.Find(part, at)
+                                                            : (at >= 0 && at <= 3 ? 3 : -1);
+        EXPECT_EQ(Call(StringOf(kMixed), "Find", part, at).Int(), found) << part;
+        EXPECT_EQ(Call(StringOf(kMixed), "Find", part, at, 0).Int(), found) << part;
+        if (part.size() > 1) continue;
+        EXPECT_EQ(Call(StringOf(kMixed), "Find", part[0], at).Int(), found) << part;
+      }
+    }
+  }
+  VELAObj::SetCharIndexMode(0);
 }
 
 TEST(String, LengthAndDelete) {
@@ -282,6 +370,83 @@ TEST(String, BytesAndUtf16) {
   EXPECT_EQ(Call(s, "IsEmpty").Int(), 1);
 }
 
+TEST(String, EmbeddedNulsAreCharacters) {
+  const std::string text("\0Ab\0c\0", 6);
+  const ObjectRef nul_or_c = StringOf(std::string("\0c", 2));
+  const auto s = [&] { return StringOf(text); };
+  EXPECT_EQ(Call(s(), "GetLength", 0).Int(), 6);
+  EXPECT_EQ(Call(s(), "Compare", StringOf(std::string("\0Ab\0c", 5))).Int() > 0, true);
+  EXPECT_EQ(Call(s(), "CompareNoCase", StringOf(std::string("\0aB\0C\0", 6))).Int(), 0);
+  EXPECT_LT(Call(s(), "CompareNoCase", StringOf(std::string("\0ab\0d", 5))).Int(), 0);
+  EXPECT_EQ(Call(s(), "SpanIncluding", nul_or_c).text, std::string(1, '\0'));
+  EXPECT_EQ(Call(s(), "SpanExcluding", StringOf("c")).text, text.substr(0, 4));
+  EXPECT_EQ(Call(s(), "FindOneOf", StringOf(std::string("x\0b", 3))).Int(), 0);
+  EXPECT_EQ(Call(s(), "FindOneOf", "c").Int(), 4);
+  EXPECT_EQ(Call(s(), "Count", '\0').Int(), 3);
+  EXPECT_EQ(Call(s(), "Match", StringOf(std::string("?a*\0", 4)), 0).Int(), 1);
+  EXPECT_EQ(Call(s(), "GetToken", 1, 'b').text, text.substr(3));
+  EXPECT_EQ(Call(s(), "IsEmpty").Int(), 1) << "the first byte is NUL";
+  const struct {
+    const char* member;
+    std::string result;
+  } changes[] = {{"TrimLeft", text.substr(1)}, {"TrimRight", text.substr(0, 3)}};
+  for (const auto& c : changes) {
+    const ObjectRef changed = s();
+    EXPECT_EQ(Call(changed, c.member, nul_or_c).status, 0);
+    EXPECT_EQ(TextOf(changed), c.result) << c.member;
+  }
+  const ObjectRef t = s();
+  Call(t, "MakeUpper");
+  EXPECT_EQ(Call(t, "Replace", StringOf(std::string("B\0", 2)), "", 0).Int(), 1);
+  EXPECT_EQ(TextOf(t), std::string("\0AC\0", 4));
+  EXPECT_EQ(Call(t, "Remove", '\0').Int(), 2);
+  EXPECT_EQ(TextOf(t), "AC");
+
+  const ObjectRef array = ArrayOf({std::string("x\0a", 3), std::string("X\0A", 3), "x"});
+  EXPECT_EQ(Call(array, "Find", Null{}, StringOf(std::string("x\0a", 3)), 0).Int(), 2);
+}
+
+TEST(String, AHundredMegabytes) {
+  constexpr int kSize = 100'000'000;
+  std::string text(kSize, 'x');
+  for (std::size_t i = 999; i < text.size(); i += 1000) text[i] = ',';
+  text += "éEnd";
+  const ObjectRef s = StringOf(text);
+  EXPECT_EQ(Call(s, "GetLength", 0).Int(), kSize + 5);
+  EXPECT_EQ(Call(s, "Find", "end", 0, 0).Int(), kSize + 2);
+  EXPECT_EQ(Call(s, "Find", "End", kSize - 10).Int(), kSize + 2);
+  EXPECT_EQ(Call(s, "ReverseFind", ',').Int(), kSize - 1);
+  EXPECT_EQ(Call(s, "Count", ',').Int(), kSize / 1000);
+  EXPECT_EQ(Call(s, "GetNumTokens", ',').Int(), kSize / 1000 + 1);
+  EXPECT_EQ(Call(s, "GetToken", kSize / 1000, ',').text, "éEnd");
+  EXPECT_EQ(Call(s, "Match", "x*,x*éend", 0).Int(), 1);
+  {
+    const CharacterModeScope scope;
+    EXPECT_EQ(Call(s, "GetLength", 1).Int(), kSize + 4);
+    EXPECT_EQ(Call(s, "Mid", kSize, 2).text, "éE");
+    EXPECT_EQ(Call(s, "Find", "End", 5).Int(), kSize + 1);
+  }
+  Call(s, "MakeUpper");
+  EXPECT_EQ(Call(s, "Right", 5).text, "ÉEND");
+  EXPECT_EQ(Call(s, "Replace", "X,", "", 1).Int(), kSize / 1000);
+  EXPECT_EQ(Call(s, "Insert", 0, s).Int(), 2 * (kSize + 5 - kSize / 500));
+  EXPECT_EQ(Call(s, "Shorten", 9, 1).Int(), 1);
+  EXPECT_EQ(TextOf(s), "XXX...END");
+}
+
+// A text that nothing could hold is refused before it is made.
+TEST(String, ReplacementsMayBeTooLong) {
+  const std::string before(100'000, 'a');
+  const ObjectRef s = StringOf(before);
+  const ObjectRef by = StringOf(std::string(1'000'000, 'b'));
+  for (const int case_sensitive : {0, 1}) {
+    EXPECT_EQ(Call(s, "Replace", "a", by, case_sensitive).status, status::kCannotResize);
+    EXPECT_TRUE(TextOf(s) == before);
+    EXPECT_EQ(Call(s, "Replace", before, by, case_sensitive).Int(), 1);
+    EXPECT_EQ(Call(s, "Replace", by, before, case_sensitive).Int(), 1);
+  }
+}
+
 TEST(String, Wildcards) {
   const struct {
     const char *text, *pattern;
@@ -303,6 +468,12 @@ TEST(String, Wildcards) {
       {"ab", "a**b**", 1, 1},
       {"abc", "ab", 1, 0},
       {"\xFF\xFE", "??", 1, 1},
+      {"é", "\xC3*", 1, 0},  // a byte that is no character is not the beginning of one
+      {"ΟΔΟΣΑ", "οδος*", 0, 1},
+      {"ΟΔΟΣ", "οδοσ", 0, 1},
+      {"straße", "stra?e", 0, 1},
+      {"ẞ-K-ſ", "ß-k-S", 0, 1},  // the Kelvin sign and the long s
+      {"ß", "SS", 0, 0},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Call(StringOf(c.text), "Match", c.pattern, c.case_sensitive).Int(), c.matches)

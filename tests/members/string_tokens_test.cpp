@@ -121,6 +121,28 @@ TEST(StringTokens, SetTokensJoins) {
   s->SetExternalData(nullptr);
 }
 
+TEST(StringTokens, AStringAndItsTokensGoTheirOwnWays) {
+  const ObjectRef s = StringOf("one two three");
+  const ObjectRef array = ArrayOf({});
+  Call(s, "GetTokens", array);
+  Call(s, "SetAt", 0, 'X');
+  EXPECT_EQ(TextsOf(array), (Texts{"one", "two", "three"}));
+  const Part middle{array, MSOINDICES::Element(1)};
+  EXPECT_EQ(Call(s, "FindToken", middle).Int(), 1);
+  EXPECT_EQ(Call(s, "Replace", middle, middle).Int(), 1);
+  EXPECT_EQ(Call(s, "Insert", 4, middle).Int(), 16);
+  EXPECT_EQ(TextOf(s), "Xne twotwo three");
+  EXPECT_EQ(TextsOf(array), (Texts{"one", "two", "three"}));
+  EXPECT_EQ(Call(s, "FindToken", s).Int(), -1);
+  // Into the array that holds it, and itself out of what it became.
+  ASSERT_EQ(s->SetExternalData(array->GetArrayElement(nullptr, 2)), 0);
+  EXPECT_EQ(Call(s, "SetTokens", array, ' ').Int(), 3);
+  EXPECT_EQ(TextsOf(array), (Texts{"one", "two", "one two three"}));
+  EXPECT_EQ(Call(s, "GetTokens", array, 'o').Int(), 3);
+  s->SetExternalData(nullptr);
+  EXPECT_EQ(TextsOf(array), (Texts{"", "ne tw", " three"}));
+}
+
 TEST(StringTokens, LargeTextsAreLinear) {
   std::string text;
   for (int i = 0; i < 1'000'000; ++i) text += std::to_string(i) + ",";

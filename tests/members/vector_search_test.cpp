@@ -1,18 +1,8 @@
 // Find, Replace and Merge.
-#include <cmath>
-#include <limits>
-
-#include "frame/element_value.h"
-#include "member_fixture.h"
+#include "vector_fixture.h"
 
 namespace vela::testing {
 namespace {
-
-using Doubles = std::vector<double>;
-using Indices = std::vector<unsigned>;
-constexpr double kM = kMissingValue;
-const double kNan = std::nan("");
-const double kInf = std::numeric_limits<double>::infinity();
 
 TEST(Find, ValuesAndRanges) {
   const struct {

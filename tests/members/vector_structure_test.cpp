@@ -1,29 +1,8 @@
 // Size, order and pieces of vectors: everything but the members that look for values.
-#include <cmath>
-#include <limits>
-
-#include "frame/element_value.h"
-#include "member_fixture.h"
+#include "vector_fixture.h"
 
 namespace vela::testing {
 namespace {
-
-using Doubles = std::vector<double>;
-constexpr double kM = kMissingValue;
-const double kNan = std::nan("");
-
-// As values, with NaN equal to itself.
-void ExpectValues(const ObjectRef& vector, const Doubles& expected, int row = 0) {
-  const Doubles values = ValuesOf<double>(vector, row);
-  ASSERT_EQ(values.size(), expected.size());
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    if (std::isnan(expected[i])) {
-      EXPECT_TRUE(std::isnan(values[i])) << i;
-    } else {
-      EXPECT_EQ(values[i], expected[i]) << i;
-    }
-  }
-}
 
 TEST(VectorSize, SetSizeKeepsWhatFits) {
   const ObjectRef v = VectorOf<double>({1, 2, 3});
@@ -119,6 +98,13 @@ TEST(VectorStructure, EveryMemberChecksRowAndCount) {
       {"GetLowerBound", {0}},
       {"GetDataAsOneDimensionalArray", {0, 1}},
       {"GetDataAsOneDimensionalArrayOfVariants", {0, 1}},
+      {"Sort", {4}},
+      {"Sum", {1}},
+      {"Product", {2}},
+      {"GetMinMax", {4}},
+      {"Difference", {1}},
+      {"FrequencyCount", {3}},
+      {"Average", {3}},
   };
   const ObjectRef v = Make(kTypeDouble | kFlagVector, 2);
   const ObjectRef first = ScalarOf<unsigned>(0);  // selects the short form of Find

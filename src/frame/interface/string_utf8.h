@@ -36,10 +36,13 @@ VELAHOST_API extern EmptyText empty_text;
 // front; one pointer wide. Copies share the buffer until one of them changes; the count is atomic.
 // Positions and counts are bytes, except in the Char operations, which count UTF-8 characters (a
 // byte that belongs to no valid sequence counts as one character). A null text argument is the
-// empty text. Embedded NULs are kept. Allocation failure throws std::bad_alloc, a text beyond
-// 2^31 - 16 bytes std::length_error; both leave the string as it was.
+// empty text. Embedded NULs are kept, and count like any other character; a text given as a pointer
+// ends at its first one. Allocation failure throws std::bad_alloc, a text beyond
+// kMostBytes std::length_error; both leave the string as it was.
 class VELAHOST_API CStringUTF8 {
  public:
+  static constexpr int kMostBytes = 0x7FFFFFF0;
+
   CStringUTF8() noexcept : data_(vela::host::empty_text.text) {}
   CStringUTF8(const char* text);
   CStringUTF8(const char* text, int length);
@@ -78,8 +81,11 @@ class VELAHOST_API CStringUTF8 {
   char GetAt(int index) const;
   void SetAt(int index, char ch);
 
-  int Compare(const char* text) const;        // by bytes: < 0, 0, > 0
-  int CompareNoCase(const char* text) const;  // by full case folding
+  // < 0, 0, > 0: by bytes, and by full case folding.
+  int Compare(const char* text) const;
+  int Compare(const CStringUTF8& text) const;
+  int CompareNoCase(const char* text) const;
+  int CompareNoCase(const CStringUTF8& text) const;
   // Position of the first match at or after start, or -1; a start outside 0 .. length is -1.
   int Find(char ch, int start = 0) const;
   int Find(std::string_view sub, int start = 0) const;
@@ -88,6 +94,7 @@ class VELAHOST_API CStringUTF8 {
   int FindNoCase(std::string_view sub, int start = 0, int* matched = nullptr) const;
   int ReverseFind(char ch) const;
   int FindOneOf(const char* set) const;
+  int FindOneOf(const CStringUTF8& set) const;
   // Occurrences of the byte ch.
   int Count(char ch) const;
 
@@ -98,7 +105,9 @@ class VELAHOST_API CStringUTF8 {
   CStringUTF8 Right(int count) const;
   // Leading run of characters in (not in) set; the set is of characters, not bytes.
   CStringUTF8 SpanIncluding(const char* set) const;
+  CStringUTF8 SpanIncluding(const CStringUTF8& set) const;
   CStringUTF8 SpanExcluding(const char* set) const;
+  CStringUTF8 SpanExcluding(const CStringUTF8& set) const;
 
   // Return the new length. An index below 0 is 0, one past the end is the end.
   int Insert(int index, char ch);
@@ -115,9 +124,11 @@ class VELAHOST_API CStringUTF8 {
   void TrimLeft();
   void TrimLeft(char ch);
   void TrimLeft(const char* set);
+  void TrimLeft(const CStringUTF8& set);
   void TrimRight();
   void TrimRight(char ch);
   void TrimRight(const char* set);
+  void TrimRight(const CStringUTF8& set);
 
   // Full Unicode mappings, so that the length can change; invalid bytes stay as they are.
   void MakeUpper();

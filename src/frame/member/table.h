@@ -49,4 +49,19 @@ class TypeTable {
   static inline const CClassMember* rows_ = nullptr;
 };
 
+// A class with a member table of its own: Self::MemberTable() is searched first, then the tables of
+// Base, so that a row hides the rows of the same name behind it.
+template <class Self, class Base>
+class WithMembers : public Base {
+ public:
+  using Base::Base;
+
+  const CClassMember* FindMember(const char* name, unsigned name_hash, CTypeBase** owner,
+                                 unsigned flags) override {
+    const CClassMember* row =
+        this->FindMemberInTable(name, name_hash, Self::MemberTable(), owner, flags);
+    return row != nullptr ? row : Base::FindMember(name, name_hash, owner, flags);
+  }
+};
+
 }  // namespace vela::member

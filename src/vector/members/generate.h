@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <optional>
 
 #include "kernel/pattern.h"
@@ -84,6 +85,7 @@ int TCAllVectorsBase<T>::Pattern(CTCall* call) {
     const int count = args.Int(6);
     args.Return(0);
     if (pattern.repeat_each < 1 || pattern.repeat_total < 1) return;
+    if (pattern.step == 0 || std::isnan((to - pattern.from) / pattern.step)) return;
     const std::optional<std::int32_t> size = vela::kernel::PatternSize(pattern, to);
     if (!size) Fail(status::kCannotResize);
     const int wanted = count >= 0 ? count : *size;
@@ -108,7 +110,7 @@ int TCAllVectorsBase<T>::Pattern(CTCall* call) {
 template <class T>
 int TCAllVectorsBase<T>::Uniform(CTCall* call) {
   using namespace vela::member;
-  if (call != nullptr && call->GetNumOfArguments() == 2) {
+  if (call != nullptr && call->GetNumOfArguments() == 2 && call->GetTypeID(1) == kTypeInt) {
     return FillSeeded(
         call, [](vela::kernel::RandomSource& random, auto values) { random.FillUniform(values); });
   }

@@ -92,13 +92,23 @@ int TCAllVectorsBaseBase<T>::SetString(const MSOINDICES* at, const char* text) {
 
 template <class T>
 int TCAllVectorsBaseBase<T>::GetDisplayElement(CStringUTF8& text, int index) {
-  const MSOINDICES at = index < 0 ? MSOINDICES{} : MSOINDICES::Element(index);
+  const MSOINDICES at = index == -1 ? MSOINDICES{} : MSOINDICES::Element(index);
   return GetDisplayElementEx(text, &at);
 }
 
 template <class T>
 int TCAllVectorsBaseBase<T>::GetDisplayElementEx(CStringUTF8& text, const MSOINDICES* at) {
-  if (GetString(at, text) != status::kOk) text = "Error: Value cannot be determined";
+  int error;
+  if constexpr (vela::IntegerElement<T> && sizeof(T) == 8) {
+    // A watch window shows every number as a double, while the text of an element keeps all digits.
+    const bool whole = at == nullptr || at->ElementCount() == 0;
+    double value = 0;
+    error = whole ? GetString(at, text) : Read(at, value);
+    if (!whole && error == status::kOk) text = vela::ValueText(value);
+  } else {
+    error = GetString(at, text);
+  }
+  if (error != status::kOk) text = "Error: Value cannot be determined";
   return status::kOk;
 }
 
@@ -200,7 +210,8 @@ int TCAllVectorsBaseBase<T>::ReleaseBufferMSO(const MSOINDICES*, void* buffer) {
   this->SetModify(1);
   if (lent == lent_.end()) return status::kOk;  // the row's own storage
   const std::size_t bytes = lent->size * sizeof(T);
-  if (lent->bytes[bytes] != 0xCC || lent->bytes[bytes + 1] != 0xCC) {
+  const bool intact = lent->bytes[bytes] == 0xCC && lent->bytes[bytes + 1] == 0xCC;
+  if (vela::IsDebugMode() && !intact) {
     CStringUTF8 text;
     text.Format("An Object has written beyond the requested size of %d bytes\n",
                 static_cast<int>(bytes));

@@ -1,6 +1,8 @@
 // Operators on one element or on a whole row.
 #pragma once
 
+#include <algorithm>
+
 #include "frame/element_operation.h"
 #include "kernel/parallel_copy.h"
 #include "vector/typed_vector.h"
@@ -64,6 +66,48 @@ void ApplyRun(unsigned code, std::span<T> x, const ElementRun& y, bool guard_mul
   });
 }
 
+// Replaces NaN by the missing value while the elements are still in the cache.
+template <class To, class From>
+void ConvertWithoutNan(std::span<const From> from, std::span<To> to) {
+  constexpr std::size_t kBlock = 1024;
+  for (std::size_t begin = 0; begin < to.size(); begin += kBlock) {
+    const std::size_t count = std::min(kBlock, to.size() - begin);
+    const std::span<To> block = to.subspan(begin, count);
+    kernel::Convert<To, From>(from.subspan(begin, count), block);
+    kernel::Apply<To>(kernel::Op::kAssign, block, block, false);
+  }
+}
+
+// x = y, which differs from a copy in that a NaN becomes the missing value. Large runs are shared
+// out over worker threads.
+template <class T>
+void AssignRun(const ElementRun& y, std::span<T> x) {
+  constexpr auto kHoldsNan = []<class U>() {
+    return !IntegerElement<U> && !std::is_same_v<U, PointInt>;
+  };
+  if (!kHoldsNan.template operator()<T>() || !WithElementType(y.type_id, kHoldsNan)) {
+    return CopyRun<T>(y, x);
+  }
+  kernel::RunOverThreads(x.size(), 0, [&](std::size_t begin, std::size_t end) {
+    const std::span<T> part = x.subspan(begin, end - begin);
+    const ElementRun source = y.Part(begin, end - begin);
+    WithElementType(y.type_id, [&]<class U>() {
+      if constexpr (FloatingElement<T> && FloatingElement<U> && !std::is_same_v<T, U>) {
+        ConvertWithoutNan<T, U>(source.As<U>(), part);
+      } else {
+        ApplyRun<T>(operation::kAssign, part, source, false);
+      }
+    });
+  });
+}
+
+// The elements of a row without those below its lower bound, which are no part of its data.
+template <class T>
+std::span<T> FromLowerBound(std::span<T> elements, const TCAllVectorNonTemplBase& vector, int row) {
+  const auto lower = static_cast<std::size_t>(vector.RowLowerBound(row));
+  return elements.subspan(std::min(lower, elements.size()));
+}
+
 }  // namespace vela
 
 template <class T>
@@ -109,8 +153,10 @@ int TCAllVectorsBaseBase<T>::OperateOnRow(int row, unsigned code, const tagMSOOB
     if (this->RowSize(row) == 0 && this->RowLowerBound(row) == 0) {
       if (const int error = this->RawResize(row, 1); error != status::kOk) return error;
     }
+    SetSizeFixed(row);
     RowAccess<T> elements(*this, row);
-    vela::ApplyOperation<T>(code, elements.Elements(), value, vela::IsDebugMode());
+    vela::ApplyOperation<T>(code, vela::FromLowerBound(elements.Elements(), *this, row), value,
+                            vela::IsDebugMode());
     return elements.Commit();
   }
 
@@ -130,15 +176,13 @@ int TCAllVectorsBaseBase<T>::OperateOnRow(int row, unsigned code, const tagMSOOB
       if (const int error = this->ResizeWithLowerBound(row, size, lower); error != status::kOk) {
         return error;
       }
-      SetSizeFixed(row);
     }
   }
+  SetSizeFixed(row);
   vela::RowElements operands(source);
   RowAccess<T> elements(*this, row);
-  // The elements below the lower bound are no part of the row's data.
-  const std::size_t first =
-      std::min<std::size_t>(this->RowLowerBound(row), elements.Elements().size());
-  const std::span<T> target = elements.Elements().subspan(first);
+  const std::span<T> target = vela::FromLowerBound(elements.Elements(), *this, row);
+  const std::size_t first = elements.Elements().size() - target.size();
   if (broadcast) {
     const vela::ElementsAs<T> value(operands.Run());
     vela::ApplyOperation<T>(code, target, value.Span().front(), vela::IsDebugMode());
@@ -170,6 +214,6 @@ int TCAllVectorsBaseBase<T>::AssignRow(int row, const vela::VectorArgument& sour
 
   vela::RowElements values(source);
   RowAccess<T> elements(*this, row);
-  vela::CopyRun<T>(values.Run().Part(0, count), elements.Elements().subspan(offset));
+  vela::AssignRun<T>(values.Run().Part(0, count), elements.Elements().subspan(offset));
   return elements.Commit();
 }

@@ -106,6 +106,29 @@ int FindFirst(member::Arguments& args, std::span<const T> x) {
   return FindElements(x, wanted, scope, found) > 0 ? static_cast<int>(found[0]) : -1;
 }
 
+// Makes found the positions of the elements wanted, a block at a time, so that it never grows beyond
+// what it has to hold; how many.
+template <class T>
+std::size_t StorePositions(std::span<const T> x, const Wanted<T>& wanted, kernel::FindScope scope,
+                           const VectorArgument& found) {
+  std::array<std::uint32_t, 4096> block;
+  std::size_t count = 0;
+  const std::size_t end = std::min(scope.end, x.size());
+  for (; scope.start < end && !(scope.first_only && count > 0); scope.start = scope.end) {
+    scope.end = std::min(end, scope.start + block.size());
+    const std::span<const unsigned> positions =
+        std::span(block).first(FindElements(x, wanted, scope, block));
+    if (count + positions.size() > found.Size()) {
+      const auto size = static_cast<std::int64_t>(count + positions.size());
+      member::Check(found.vector->RawGrow(found.row, size));
+    }
+    member::Check(found.vector->StoreRun(found.row, count, ElementRun(positions)));
+    count += positions.size();
+  }
+  member::Check(found.vector->RawResize(found.row, static_cast<std::int64_t>(count)));
+  return count;
+}
+
 // Find(vector<uint>& found, value, upper, int precision, int start, int end, DWORD firstOnly): the
 // positions of the matches among the elements start .. end, an end of -1 or beyond the last meaning
 // the last; how many. NULL for found counts. -1 for a range without elements and for a found of
@@ -131,12 +154,7 @@ int FindAll(member::Arguments& args, std::span<const T> x) {
     copy.assign(x.begin(), x.end());
     x = copy;
   }
-  auto& positions = *TypedVector<unsigned>(found);
-  member::Check(positions.RawResize(found.row, last + 1));
-  RowAccess<unsigned> access(positions, found.row);
-  const std::size_t count = FindElements(x, wanted, scope, access.Elements());
-  member::Check(access.Commit());
-  member::Check(positions.RawResize(found.row, static_cast<std::int64_t>(count)));
+  const std::size_t count = StorePositions(x, wanted, scope, found);
   return static_cast<int>(count);
 }
 

@@ -1,6 +1,7 @@
 // Sort.
 #pragma once
 
+#include <cmath>
 #include <numeric>
 
 #include "kernel/sort.h"
@@ -20,6 +21,8 @@ bool IsMissingElement(const T& element) {
   }
 }
 
+inline bool IsNan(const OneTCcomplex& z) { return std::isnan(z.m_re) || std::isnan(z.m_im); }
+
 // Sorts what is not missing; the missing values go to the asked end. Points have no order and stay.
 // indices, when not empty, follow the elements.
 template <class T>
@@ -32,8 +35,11 @@ void SortElements(std::span<T> values, std::span<std::uint32_t> indices, bool as
     values = values.subspan(start, values.size() - missing);
     if (!indices.empty()) indices = indices.subspan(start, values.size());
     if constexpr (ComplexElement<T>) {
-      kernel::SortBy(values, indices,
-                     [&](const T& a, const T& b) { return (ascending ? a < b : b < a) != 0; });
+      // A NaN part has no place in the order: such elements come last, as NaN does among numbers.
+      kernel::SortBy(values, indices, [&](const T& a, const T& b) {
+        if (IsNan(a) || IsNan(b)) return !IsNan(a) && IsNan(b);
+        return (ascending ? a < b : b < a) != 0;
+      });
     } else if (indices.empty()) {
       kernel::Sort(values, ascending);
     } else {
@@ -52,7 +58,7 @@ int TCAllVectorsBase<T>::Sort(CTCall* call) {
     const bool ascending = (args.Int(0) & 1) != 0;
     const bool missing_small = args.Int(1) != 0;
     const vela::VectorArgument target = vela::OptionalVector(args, 2);
-    args.Dword(3);  // options of the host's sorter; this one has no need of them
+    args.Dword(3);  // how the sorter works, not what it yields; must be a number, has no effect
     args.Return(0);
     this->RefuseSameRow(target, row);
     auto* positions = vela::TypedVector<unsigned>(target);

@@ -1,6 +1,10 @@
 // Sums, extremes and averages.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
 #include "kernel/abs.h"
 #include "kernel/difference.h"
 #include "kernel/histogram.h"
@@ -12,6 +16,15 @@
 #include "vector/typed_vector.h"
 
 namespace vela {
+
+// Stores a position in a by-reference argument unless that is NULL. -1 is all bits set, in an
+// unsigned int too, which would store the number -1 as 0.
+inline void SetPosition(member::Arguments& args, unsigned arg, std::ptrdiff_t position) {
+  if (args.IsNull(arg)) return;
+  const bool all_bits = position < 0 && args.TypeId(arg) == kTypeUnsignedInt;
+  args.Set(arg, all_bits ? double{std::numeric_limits<std::uint32_t>::max()}
+                         : static_cast<double>(position));
+}
 
 // The product of complex elements, missing when none is used.
 inline OneTCcomplex ComplexProduct(std::span<const OneTCcomplex> values, bool skip_missing) {
@@ -49,10 +62,25 @@ void TCAllVectorsBase<T>::SetTotal(vela::member::Arguments& args, unsigned arg,
 }
 
 template <class T>
-void TCAllVectorsBase<T>::StoreRow(int row, std::span<const double> elements) {
-  vela::member::Check(this->RawResize(row, static_cast<std::int64_t>(elements.size())));
+template <class Compute>
+void TCAllVectorsBase<T>::StoreComputed(int row, std::size_t size, bool reads_row,
+                                        Compute&& compute) {
+  const auto resize = [&] {
+    vela::member::Check(this->RawResize(row, static_cast<std::int64_t>(size)));
+  };
+  if constexpr (std::is_same_v<T, double>) {
+    if (!reads_row) {
+      resize();
+      RowAccess<T> access(*this, row);
+      compute(access.Elements());
+      return vela::member::Check(access.Commit());
+    }
+  }
+  std::vector<double> results(size);
+  compute(std::span<double>(results));
+  resize();
   RowAccess<T> access(*this, row);
-  vela::ConvertRun<T>(vela::ElementRun(elements), access.Elements());
+  vela::ConvertRun<T>(vela::ElementRun(std::span<const double>(results)), access.Elements());
   vela::member::Check(access.Commit());
 }
 
@@ -87,8 +115,8 @@ int TCAllVectorsBase<T>::GetMinMax(CTCall* call) {
       const auto result = vela::kernel::MinMax<T>(row.Elements());
       args.Set(0, result.min);
       args.Set(1, result.max);
-      if (!args.IsNull(2)) args.Set(2, static_cast<int>(result.min_index));
-      if (!args.IsNull(3)) args.Set(3, static_cast<int>(result.max_index));
+      vela::SetPosition(args, 2, result.min_index);
+      vela::SetPosition(args, 3, result.max_index);
       args.Return(static_cast<int>(result.count));
     } else {
       Fail(status::kUnsupported);
@@ -103,6 +131,7 @@ int TCAllVectorsBase<T>::Average(CTCall* call) {
     const int row = this->Row(args);
     const vela::VectorArgument source = vela::RequiredVector(args, 0);
     const int points = args.Int(1);
+    args.Int(2);  // must be a number, and has no effect
     args.Return(0);
     if (points < 1) return;
     const vela::RowElements elements(source);
@@ -111,10 +140,10 @@ int TCAllVectorsBase<T>::Average(CTCall* call) {
       Check(this->RawResize(row, static_cast<std::int64_t>(size)));
       return;
     }
-    std::vector<double> averages(size);
-    vela::kernel::MovingAverage(vela::ElementsAs<double>(elements.Run()).Span(), points / 2,
-                                averages);
-    StoreRow(row, averages);
+    const vela::ElementsAs<double> values(elements.Run());
+    StoreComputed(row, size, source.IsRow(this, row), [&](std::span<double> averages) {
+      vela::kernel::MovingAverage(values.Span(), static_cast<std::size_t>(points) / 2, averages);
+    });
   });
 }
 

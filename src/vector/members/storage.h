@@ -5,14 +5,6 @@
 #include "vector/typed_vector.h"
 
 template <class T>
-const CClassMember* TCAllVectorsBase<T>::FindMember(const char* name, unsigned name_hash,
-                                                    CTypeBase** owner, unsigned flags) {
-  const CClassMember* row = this->FindMemberInTable(
-      name, name_hash, vela::member::TypeTable<TCAllVectorsBase>::Rows(), owner, flags);
-  return row != nullptr ? row : TCAllVectorNonTemplBase::FindMember(name, name_hash, owner, flags);
-}
-
-template <class T>
 std::initializer_list<CClassMember> TCAllVectorsBase<T>::MemberRows() {
   using vela::member::Method;
   static const std::initializer_list<CClassMember> rows = {
@@ -73,6 +65,7 @@ int TCVectorBase<T>::RawGrow(int row, std::int64_t size) {
 
 template <class T>
 int TCVectorBase<T>::ResizeWithLowerBound(int row, std::int64_t size, int lower) {
+  if (lower < 0) return status::kOutOfRange;
   if (const int error = RawResize(row, size); error != status::kOk) return error;
   const int end = static_cast<int>(std::min<std::int64_t>(lower, size));
   for (T& element : Elements(row).first(std::max(end, 0))) {
