@@ -12,15 +12,10 @@ CTCall::~CTCall() = default;
 int CTCall::IsReady() { return 1; }
 void CTCall::Notify(int) {}
 
-CTCall::Argument& CTCall::AddArgument() {
-  static_assert(std::is_trivially_destructible_v<Argument>);
-  if (count_ >= kInlineArguments) {
-    Argument& argument = more_arguments_.emplace_back();
-    ++count_;
-    return argument;
-  }
-  void* const place = inline_arguments_ + count_++ * sizeof(Argument);
-  return *new (place) Argument;
+CTCall::Argument& CTCall::AddAnotherArgument() {
+  Argument& argument = more_arguments_.emplace_back();
+  ++count_;
+  return argument;
 }
 
 void CTCall::Clear() {

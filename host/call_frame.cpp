@@ -59,7 +59,7 @@ void CallFrame::AddObject(CScriptVelaObject* object, const MSOINDICES& indices, 
 
 void CallFrame::SetReturnObject(CScriptVelaObject* object) { return_object_ = object; }
 
-std::int64_t CallFrame::ResultInt() const {
+std::int64_t CallFrame::OtherResultInt() const {
   switch (result_kind_) {
     case ResultKind::kInt:
     case ResultKind::kUnsigned:

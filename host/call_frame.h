@@ -45,7 +45,9 @@ class VELAHOST_API CallFrame final : public CTCall {
   ResultKind Kind() const { return result_kind_; }
   // The result as a number: an int for kInt, the bits of an unsigned 64-bit int for kUnsigned, a
   // double truncated and saturated; 0 for any other kind.
-  std::int64_t ResultInt() const;
+  std::int64_t ResultInt() const {
+    return result_kind_ == ResultKind::kInt ? result_integer_ : OtherResultInt();
+  }
   // Likewise; the real part of kComplex.
   double ResultDouble() const;
   OneTCcomplex ResultComplex() const;
@@ -55,6 +57,7 @@ class VELAHOST_API CallFrame final : public CTCall {
   void* ResultMemory() const;
 
  private:
+  std::int64_t OtherResultInt() const;
   Argument& Append(ArgumentKind kind, unsigned type_id);
 };
 

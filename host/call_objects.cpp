@@ -9,12 +9,6 @@
 
 using vela::host::StatusOfRead;
 
-namespace {
-
-bool IsUnresolved(unsigned type_id) { return type_id == kTypeReference || type_id == kTypePointer; }
-
-}  // namespace
-
 int CTCall::GetArgumentObject(int arg, tagMSOOBJVECT& out) {
   const Argument* const argument = arg < 0 ? nullptr : Find(static_cast<unsigned>(arg));
   if (!argument) return status::kBadArguments;
@@ -24,13 +18,12 @@ int CTCall::GetArgumentObject(int arg, tagMSOOBJVECT& out) {
   }
   if (argument->kind != ArgumentKind::kObject) return status::kBadArguments;
   if (IsUnresolved(argument->type_id)) return status::kUnresolved;
-  out = tagMSOOBJVECT(argument->object, argument->type_id, argument->indices,
-                      argument->by_reference ? tagMSOOBJVECT::kByReference : 0);
+  SetObject(*argument, out);
   return status::kOk;
 }
 
-int CTCall::GetArgumentReferenceTarget(int arg, tagMSOOBJVECT& out, unsigned flags) {
-  const Argument* const argument = arg < 0 ? nullptr : Find(static_cast<unsigned>(arg));
+int CTCall::ReadReferenceTarget(int arg, tagMSOOBJVECT& out, unsigned flags) {
+  const Argument* const argument = Find(static_cast<unsigned>(arg));
   const bool is_value = argument != nullptr && argument->kind == ArgumentKind::kObject &&
                         !IsUnresolved(argument->type_id) && !argument->by_reference;
   return is_value && flags == 0 ? status::kBadArguments : GetArgumentObject(arg, out);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <memory>
 #include <utf8.h>
 
 #include "host/text/byte_scan.h"
@@ -90,23 +91,21 @@ bool IsTrail(unsigned char byte) { return (byte & 0xC0) == 0x80; }
 // Maps characters one by one; those of more than two bytes in runs, by the platform.
 class CaseMapper {
  public:
-  CaseMapper(std::string_view text, LetterCase letter_case)
+  CaseMapper(std::string_view text, LetterCase letter_case, std::string& out)
       : at_(text.data()),
         end_(at_ + text.size()),
         letter_case_(letter_case),
         ascii_(letter_case),
-        two_bytes_(TwoBytes(letter_case)) {
-    out_.reserve(text.size() + text.size() / 16);
-  }
+        two_bytes_(TwoBytes(letter_case)),
+        out_(out) {}
 
-  std::string Run() {
+  void Run() {
     while (at_ != end_) {
       MapShort();
       out_.append(block_, static_cast<std::size_t>(to_ - block_));
       to_ = block_;
       if (at_ != end_ && !IsShort()) MapLong();
     }
-    return std::move(out_);
   }
 
  private:
@@ -165,13 +164,24 @@ class CaseMapper {
   const TwoByteTable& two_bytes_;
   char block_[kBlock];
   char* to_ = block_;
-  std::string out_;
+  std::string& out_;
 };
 
 // The one letter whose lower case depends on what stands around it.
 constexpr std::string_view kSigma = "\u03A3";
+constexpr std::string_view kSpaces = " \t\r\n";
 
 }  // namespace
+
+const Folded& FoldTwoBytes(char32_t character) {
+  constexpr std::size_t kEnd = 0x800;
+  static const auto table = [] {
+    auto folded = std::make_unique<std::array<Folded, kEnd>>();
+    for (char32_t c = 0x80; c < kEnd; ++c) (*folded)[c] = FoldCodePoint(c);
+    return folded;
+  }();
+  return (*table)[character];
+}
 
 void MapAsciiCase(char* text, std::size_t length, LetterCase letter_case) {
   const AsciiMapper map(letter_case);
@@ -183,12 +193,22 @@ void MapAsciiCase(char* text, std::size_t length, LetterCase letter_case) {
 }
 
 std::string MapCase(std::string_view text, LetterCase letter_case) {
-  const bool has_context = letter_case == LetterCase::kLower &&
-                           ByteSearch(kSigma).FindIn(text) != std::string_view::npos;
-  if (!has_context) return CaseMapper(text, letter_case).Run();
   std::string mapped;
-  mapped.reserve(text.size());
-  AppendMapped(text, letter_case, mapped);
+  mapped.reserve(text.size() + text.size() / 16);
+  const auto map = [&](std::string_view part) { CaseMapper(part, letter_case, mapped).Run(); };
+  if (letter_case == LetterCase::kLower) {
+    // The platform looks at what is around a sigma, which ends at a space at the latest.
+    const ByteSearch sigma(kSigma);
+    for (std::size_t at; (at = sigma.FindIn(text)) != std::string_view::npos;) {
+      const std::size_t begin = text.substr(0, at).find_last_of(kSpaces) + 1;
+      map(text.substr(0, begin));
+      text.remove_prefix(begin);
+      const std::string_view word = text.substr(0, text.find_first_of(kSpaces));
+      AppendMapped(word, letter_case, mapped);
+      text.remove_prefix(word.size());
+    }
+  }
+  map(text);
   return mapped;
 }
 

@@ -26,7 +26,11 @@ struct Folded {
 void AppendMappedCase(std::string_view valid, LetterCase letter_case, std::string& to);
 Folded FoldCodePoint(char32_t character);
 
+// As FoldCodePoint, by a table, for the characters of two bytes.
+const Folded& FoldTwoBytes(char32_t character);
+
 inline Folded FoldCharacter(char32_t character) {
+  if (character >= 0x80 && character < 0x800) return FoldTwoBytes(character);
   if (character >= 0x80 && character < kInvalidByte) return FoldCodePoint(character);
   const bool upper = character >= 'A' && character <= 'Z';
   return {{upper ? character + ('a' - 'A') : character}, 1};

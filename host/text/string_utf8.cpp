@@ -15,8 +15,6 @@ namespace text_buffer = vela::host::text_buffer;
 using vela::host::ClipIndex;
 using vela::host::ViewOf;
 
-CStringUTF8::CStringUTF8() noexcept : data_(text_buffer::Empty()) {}
-
 CStringUTF8::CStringUTF8(const char* text) : data_(text_buffer::New(ViewOf(text))) {}
 
 CStringUTF8::CStringUTF8(const char* text, int length)
@@ -28,10 +26,7 @@ CStringUTF8::CStringUTF8(std::string_view text) : data_(text_buffer::New(text)) 
 
 CStringUTF8::CStringUTF8(const CStringUTF8& other) : data_(text_buffer::Share(other.data_)) {}
 
-CStringUTF8::CStringUTF8(CStringUTF8&& other) noexcept
-    : data_(std::exchange(other.data_, text_buffer::Empty())) {}
-
-CStringUTF8::~CStringUTF8() { text_buffer::Release(data_); }
+void CStringUTF8::Release() noexcept { text_buffer::Release(data_); }
 
 CStringUTF8& CStringUTF8::operator=(const CStringUTF8& other) {
   if (data_ == other.data_) return *this;
@@ -59,7 +54,7 @@ CStringUTF8& CStringUTF8::operator=(const char* text) {
   return *this;
 }
 
-CStringUTF8& CStringUTF8::operator=(std::string_view text) {
+CStringUTF8& CStringUTF8::Assign(std::string_view text) {
   text_buffer::Assign(data_, text);
   return *this;
 }

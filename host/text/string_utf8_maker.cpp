@@ -22,11 +22,10 @@ CStringUTF8 CStringUTF8Maker::Make(std::string_view text) {
   if (text.empty() || text.size() > kMostInBlock) return CStringUTF8(text);
   const std::size_t bytes = text_buffer::BytesInBlock(text);
   if (block_ == nullptr || bytes > text_buffer::kBlockBytes - used_) Begin();
-  CStringUTF8 made;
-  made.data_ = text_buffer::PlaceInBlock(*reinterpret_cast<Block*>(block_), used_, text);
+  char* const place = text_buffer::PlaceInBlock(*reinterpret_cast<Block*>(block_), used_, text);
   used_ += bytes;
   ++made_;
-  return made;
+  return CStringUTF8(CStringUTF8::Owned{place});
 }
 
 void CStringUTF8Maker::Begin() {

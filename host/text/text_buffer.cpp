@@ -7,14 +7,12 @@
 #include <new>
 #include <stdexcept>
 
-namespace vela::host::text_buffer {
-namespace {
+namespace vela::host {
 
-struct EmptyText {
-  Header header{kStatic, 0, 0, 0};
-  char text[1] = {};
-};
-constinit EmptyText empty_text;
+constinit EmptyText empty_text = {{text_buffer::kStatic, 0, 0, 0}, {}};
+
+namespace text_buffer {
+namespace {
 
 void CopyBytes(char* to, std::string_view from) {
   if (!from.empty()) std::memcpy(to, from.data(), from.size());
@@ -35,8 +33,6 @@ std::int64_t GrownCapacity(std::int64_t old_length, std::int64_t length) {
 }
 
 }  // namespace
-
-char* Empty() noexcept { return empty_text.text; }
 
 char* Allocate(std::int64_t length, std::int64_t capacity) {
   if (capacity > kMaxLength) throw std::length_error("text is too long");
@@ -131,14 +127,6 @@ void Adopt(char*& text, char* fresh) noexcept {
 
 void Assign(char*& text, std::string_view content) {
   const auto length = static_cast<std::int64_t>(content.size());
-  Header& header = HeaderOf(text);
-  if (length > 0 && length <= header.capacity &&
-      header.references.load(std::memory_order_acquire) == 1) [[likely]] {
-    std::memmove(text, content.data(), content.size());
-    header.length = static_cast<std::int32_t>(length);
-    text[length] = '\0';
-    return;
-  }
   const bool locked = HeaderOf(text).references.load(std::memory_order_relaxed) == kLocked;
   if (HasRoom(text, length) && (length > 0 || locked)) {
     if (length > 0) std::memmove(text, content.data(), content.size());
@@ -177,4 +165,5 @@ void Splice(char*& text, std::int64_t at, std::int64_t removed, std::string_view
   Adopt(text, fresh);
 }
 
-}  // namespace vela::host::text_buffer
+}  // namespace text_buffer
+}  // namespace vela::host

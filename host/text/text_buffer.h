@@ -29,7 +29,7 @@ inline std::string_view View(const char* text) {
   return {text, static_cast<std::size_t>(HeaderOf(text).length)};
 }
 
-char* Empty() noexcept;
+inline char* Empty() noexcept { return empty_text.text; }
 // A text of the given length whose bytes are unset, and zeros after it, owned by the caller. Throws
 // std::length_error beyond kMaxLength, std::bad_alloc.
 char* Allocate(std::int64_t length, std::int64_t capacity);

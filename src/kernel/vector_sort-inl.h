@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <hwy/contrib/sort/traits-inl.h>
+#include <hwy/contrib/sort/traits128-inl.h>
 #include <hwy/contrib/sort/vqsort-inl.h>
 #include <hwy/highway.h>
 

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "kernel/vector_sort.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -6,18 +8,20 @@
 
 #include "kernel/vector_sort-inl.h"
 
-// Once for each instruction set, so behind the line that selects it.
-#include <hwy/contrib/sort/traits128-inl.h>
-
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
 
-void SortUnsigned128(hwy::uint128_t* keys, std::size_t n) {
+void SortWideKeys(WideKey* keys, std::size_t n) {
+#if VQSORT_ENABLED
   namespace hn = hwy::HWY_NAMESPACE;
   using Ascending = hn::detail::Traits128<hn::detail::OrderAscending128>;
+  static_assert(sizeof(WideKey) == sizeof(hwy::uint128_t));
   // Vectors of two lanes a key.
   hn::Sort(hn::SortTag<std::uint64_t>(), hn::detail::SharedTraits<Ascending>(),
            reinterpret_cast<std::uint64_t*>(keys), n * 2, static_cast<std::uint64_t*>(nullptr));
+#else
+  std::sort(keys, keys + n);  // an instruction set without the vectors it takes
+#endif
 }
 
 }  // namespace vela::kernel::HWY_NAMESPACE
@@ -27,12 +31,9 @@ HWY_AFTER_NAMESPACE();
 
 namespace vela::kernel {
 
-HWY_EXPORT(SortUnsigned128);
+HWY_EXPORT(SortWideKeys);
 
-void VectorSort(WideKey* keys, std::size_t n) {
-  static_assert(sizeof(WideKey) == sizeof(hwy::uint128_t));
-  HWY_DYNAMIC_DISPATCH(SortUnsigned128)(reinterpret_cast<hwy::uint128_t*>(keys), n);
-}
+void VectorSort(WideKey* keys, std::size_t n) { HWY_DYNAMIC_DISPATCH(SortWideKeys)(keys, n); }
 
 }  // namespace vela::kernel
 #endif

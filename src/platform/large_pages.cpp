@@ -1,10 +1,9 @@
 #include "platform/large_pages.h"
 
 #ifndef _WIN32
+#include <cstdint>
 #include <sys/mman.h>
 #include <unistd.h>
-
-#include <cstdint>
 #endif
 
 namespace vela::platform {

@@ -6,11 +6,11 @@
 
 namespace vela::text {
 
-// Reads a number at the start of the text: an optional minus, one to eight digits, and after a
-// point up to eight more. The value is the double nearest to it. Returns the bytes read; 0 when
-// the text begins otherwise, holds a longer number, or ends within kPlainDecimalRoom bytes.
-std::size_t ReadPlainDecimal(std::string_view text, double& value);
+// Reads a token that is an optional minus, one to eight digits, and perhaps a point with up to
+// eight more. The value is the double nearest to it. False for anything else, and for a token whose
+// first byte has not kPlainDecimalRoom bytes up to readable_end, up to which bytes are looked at.
+bool ReadPlainDecimal(std::string_view token, const char* readable_end, double& value);
 
-inline constexpr std::size_t kPlainDecimalRoom = 24;
+inline constexpr std::ptrdiff_t kPlainDecimalRoom = 24;
 
 }  // namespace vela::text

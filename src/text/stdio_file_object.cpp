@@ -210,7 +210,6 @@ int CMSCSTDIOFile::ReadString(CTCall* call) {
     const tagMSOOBJVECT target = args.Reference(0);
     if (target.object == nullptr) Fail(status::kUnresolved);
     const bool keeps_end = (args.Dword(1) & kKeepLineEnd) != 0;
-    if (!CanRead(handle_.Access())) Succeeds(FileCause::kAccessDenied);
     if (!lines_.IsActive()) BeginLines();
     std::string_view line;
     const bool was_read = lines_.Next(keeps_end, line);

@@ -8,6 +8,10 @@
 #include "frame/value_access.h"
 #include "vector/vector_base.h"
 
+namespace vela {
+struct ArrayLayout;
+}
+
 // A vector of texts. An operation addresses element at->element of row at->ObjectIndex(), with the
 // statuses of numeric vectors: 2 for a row that cannot be resolved, 28 outside the rows or
 // elements, 290 for a negative element. An element reads and writes as a string variable does.
@@ -123,6 +127,12 @@ class TCVectorString
   int Replace(CTCall* call) override;
   // (string text, int index, int count = 1): 1, or 0 for an index outside 0 .. size.
   int InsertValue(CTCall* call) override;
+  // (int lower bound = 0): an automation array of the texts, in UTF-16.
+  int GetAs1DArray(CTCall* call) override;
+  int GetDataAsOneDimensionalArray(CTCall* call) override;
+  // (int columns, BOOL variants): the same with two dimensions, filled row by row; status 8 for a
+  // column count below 1.
+  int GetAs2DArray(CTCall* call) override;
   // (vector other): appends the elements of other that are not there yet; how many.
   int Merge(CTCall* call) override;
 
@@ -139,6 +149,7 @@ class TCVectorString
   static CStringUTF8 OptionalText(vela::member::Arguments& args, unsigned arg) {
     return args.IsNull(arg) ? CStringUTF8() : args.Text(arg);
   }
+  void ReturnArray(vela::member::Arguments& args, const vela::ArrayLayout& layout);
   int OperateOnRow(int row, unsigned code, const tagMSOOBJVECT& operand, unsigned options);
 
   std::vector<Texts> rows_;

@@ -1,5 +1,6 @@
 // Members of "string" about tokens.
 #include <cstring>
+#include <functional>
 #include <vector>
 
 #include "text/operand_text.h"
@@ -39,6 +40,7 @@ double NumberOf(std::string_view token) {
 
 int StoreTokens(Tokenizer tokens, TCVectorString& target, int row) {
   TCVectorString::Texts texts;
+  texts.reserve(tokens.EstimateCount());
   CStringUTF8Maker maker;
   for (std::string_view token; tokens.Next(token);) texts.push_back(maker.Make(token));
   const int count = static_cast<int>(texts.size());
@@ -46,20 +48,17 @@ int StoreTokens(Tokenizer tokens, TCVectorString& target, int row) {
   return count;
 }
 
-int StoreNumbers(Tokenizer tokens, char separator, const vela::VectorArgument& target) {
-  // A separator that numbers hold would end a token inside one.
-  const bool may_be_plain = std::string_view("-.0123456789").find(separator) == std::string::npos;
+int StoreNumbers(Tokenizer tokens, std::string_view text, const vela::VectorArgument& target) {
+  const char* const end = text.data() + text.size();
   std::vector<double> numbers;
-  double number = 0;
-  const auto read = [&](std::string_view rest) {
-    return may_be_plain ? vela::text::ReadPlainDecimal(rest, number) : 0;
-  };
-  for (std::string_view token;;) {
-    if (!tokens.TakeIf(read)) {
-      if (!tokens.Next(token)) break;
-      number = NumberOf(token);
-    }
-    numbers.push_back(number);
+  numbers.reserve(tokens.EstimateCount());
+  for (std::string_view token; tokens.Next(token);) {
+    double number = 0;
+    // A token of pieces lies outside the text.
+    const bool is_inside =
+        !std::less<>()(token.data(), text.data()) && !std::less<>()(end, token.data());
+    const bool is_plain = is_inside && vela::text::ReadPlainDecimal(token, end, number);
+    numbers.push_back(is_plain ? number : NumberOf(token));
   }
   vela::text::StoreNumbers(target, numbers);
   return static_cast<int>(numbers.size());
@@ -95,11 +94,10 @@ int CScriptVelaString::GetTokens(CTCall* call) {
     // A copy: the target may hold this very string.
     const CStringUTF8 text = Acted(args);
     const vela::VectorArgument target = RequiredVector(args, 0);
-    const char separator = Separator(args, 1);
-    const Tokenizer tokens(text.View(), separator);
+    const Tokenizer tokens(text.View(), Separator(args, 1));
     auto* strings = dynamic_cast<TCVectorString*>(target.vector);
     args.Return(strings != nullptr ? StoreTokens(tokens, *strings, target.row)
-                                   : StoreNumbers(tokens, separator, target));
+                                   : StoreNumbers(tokens, text.View(), target));
   });
 }
 

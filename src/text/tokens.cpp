@@ -1,20 +1,24 @@
 #include "text/tokens.h"
 
+#include <algorithm>
+
 namespace vela::text {
-namespace {
-
-constexpr char kQuote = '"';
-
-}  // namespace
-
 Tokenizer::Tokenizer(std::string_view text, char separator)
     : text_(text), separator_(separator), at_end_(text.empty()) {}
 
-bool Tokenizer::Next(std::string_view& token) {
-  return separator_ == 0 ? NextBetweenSpaces(token) : NextSeparated(token);
+std::size_t Tokenizer::EstimateCount() const {
+  constexpr std::size_t kSampleBytes = 4096;
+  // Whatever the sample says, an estimate takes no more memory than twice the text.
+  constexpr std::size_t kLeastBytesPerToken = 4;
+  Tokenizer sample(text_.substr(0, kSampleBytes), separator_);
+  std::size_t count = 0;
+  for (std::string_view token; sample.Next(token);) ++count;
+  const std::size_t scale = text_.size() / kSampleBytes + 1;
+  return std::min(count * scale, std::max(count, text_.size() / kLeastBytesPerToken));
 }
 
-bool Tokenizer::NextBetweenSpaces(std::string_view& token) {
+// At a quote, which may be that of an empty token.
+bool Tokenizer::NextQuotedBetweenSpaces(std::string_view& token) {
   do {
     SkipSpaces();
     if (position_ == text_.size()) return false;
@@ -26,26 +30,15 @@ bool Tokenizer::NextBetweenSpaces(std::string_view& token) {
 bool Tokenizer::NextSeparated(std::string_view& token) {
   if (at_end_) return false;
   token = ReadToken();
-  EndSeparated();
+  at_end_ = position_ == text_.size();
+  if (!at_end_) ++position_;
   return true;
 }
 
 std::string_view Tokenizer::ReadToken() {
   const bool is_quoted =
       position_ < text_.size() && text_[position_] == kQuote && separator_ != kQuote;
-  if (is_quoted) return ReadQuoted();
-  const std::size_t begin = position_;
-  position_ = EndOfPlain(begin);
-  return text_.substr(begin, position_ - begin);
-}
-
-std::size_t Tokenizer::EndOfPlain(std::size_t from) const {
-  if (separator_ != 0) {
-    const std::size_t end = text_.find(separator_, from);
-    return end == std::string_view::npos ? text_.size() : end;
-  }
-  while (from < text_.size() && !IsSpace(text_[from])) ++from;
-  return from;
+  return is_quoted ? ReadQuoted() : ReadPlain();
 }
 
 std::string_view Tokenizer::ReadQuoted() {

@@ -7,6 +7,7 @@
 
 #include "frame/interface/host_services.h"
 #include "platform/automation.h"
+#include "vector/automation_values.h"
 
 namespace vela {
 namespace {
@@ -99,35 +100,71 @@ void FillVariants(void* cells, const ElementRun& elements, VARTYPE type, std::si
   });
 }
 
+// The cells of an array, which stays locked for as long as this lives.
+class LockedCells {
+ public:
+  explicit LockedCells(SAFEARRAY* array) : array_(array) {
+    if (FAILED(SafeArrayAccessData(array_, &cells_))) member::Fail(status::kArrayFailed);
+  }
+  ~LockedCells() { SafeArrayUnaccessData(array_); }
+  LockedCells(const LockedCells&) = delete;
+  LockedCells& operator=(const LockedCells&) = delete;
+  void* Get() const { return cells_; }
+
+ private:
+  SAFEARRAY* array_;
+  void* cells_ = nullptr;
+};
+
+// An array of count elements, each of so many bytes, that fill(cells, shape) fills.
+template <class Fill>
+void ReturnFilled(member::Arguments& args, VARTYPE type, std::size_t width, std::size_t count,
+                  const ArrayLayout& layout, Fill&& fill) {
+  if (layout.columns < 1) member::Fail(status::kBadValue);
+  VARIANT& result = ResultVariant(args);
+  if (count == 0) {
+    if (FAILED(VariantClear(&result))) member::Fail(status::kFailed);
+    return;
+  }
+  const auto columns = static_cast<std::size_t>(layout.columns);
+  const Shape shape{(count + columns - 1) / columns, columns};
+  const VARTYPE array_type = layout.variants ? VARTYPE{VT_VARIANT} : type;
+  OwnedArray array =
+      CreateArray(array_type, layout.variants ? sizeof(VARIANT) : width, shape, layout);
+  fill(LockedCells(array.get()).Get(), shape);
+  if (FAILED(VariantClear(&result))) member::Fail(status::kFailed);
+  result.vt = static_cast<VARTYPE>(VT_ARRAY | array_type);
+  result.parray = array.release();
+}
+
 }  // namespace
 
 void ReturnAsArray(member::Arguments& args, const ElementRun& elements, const ArrayLayout& layout) {
   const VARTYPE type = GetVariantTypeFromSimpleType(elements.type_id);
   if (type == VT_EMPTY) member::Fail(status::kUnsupported);
-  if (layout.columns < 1) member::Fail(status::kBadValue);
-  VARIANT& result = ResultVariant(args);
-  if (elements.size == 0) {
-    if (FAILED(VariantClear(&result))) member::Fail(status::kFailed);
-    return;
-  }
-
-  const auto columns = static_cast<std::size_t>(layout.columns);
-  const Shape shape{(elements.size + columns - 1) / columns, columns};
   const std::size_t width = PLTTypeToSizeOf(elements.type_id);
-  const VARTYPE array_type = layout.variants ? VARTYPE{VT_VARIANT} : type;
-  OwnedArray array =
-      CreateArray(array_type, layout.variants ? sizeof(VARIANT) : width, shape, layout);
-  void* cells = nullptr;
-  if (FAILED(SafeArrayAccessData(array.get(), &cells))) member::Fail(status::kArrayFailed);
-  if (layout.variants) {
-    FillVariants(cells, elements, type, width, shape);
-  } else {
-    FillNumbers(cells, elements, width, shape);
-  }
-  SafeArrayUnaccessData(array.get());
-  if (FAILED(VariantClear(&result))) member::Fail(status::kFailed);
-  result.vt = static_cast<VARTYPE>(VT_ARRAY | array_type);
-  result.parray = array.release();
+  ReturnFilled(args, type, width, elements.size, layout, [&](void* cells, const Shape& shape) {
+    if (layout.variants) {
+      FillVariants(cells, elements, type, width, shape);
+    } else {
+      FillNumbers(cells, elements, width, shape);
+    }
+  });
+}
+
+void ReturnValuesAsArray(member::Arguments& args, VARTYPE type, std::size_t count,
+                         const ArrayLayout& layout,
+                         const std::function<VARIANT(std::size_t)>& make) {
+  ReturnFilled(args, type, sizeof(void*), count, layout, [&](void* cells, const Shape& shape) {
+    ForEachCell(count, shape, [&](std::size_t cell, std::size_t i) {
+      const VARIANT value = make(i);
+      if (layout.variants) {
+        static_cast<VARIANT*>(cells)[cell] = value;
+      } else {
+        std::memcpy(static_cast<void**>(cells) + cell, &value.llVal, sizeof(void*));
+      }
+    });
+  });
 }
 
 }  // namespace vela

@@ -3,8 +3,8 @@
 
 #include "frame/element_value.h"
 #include "frame/interface/host_services.h"
-#include "member_fixture.h"
 #include "platform/automation.h"
+#include "text_fixture.h"
 
 namespace vela::testing {
 namespace {
@@ -96,6 +96,35 @@ TEST(Array, TwoDimensionsFilledRowByRow) {
       }
     }
   }
+}
+
+TEST(Array, OfTexts) {
+  const Texts texts = {"a", "", "\xC3\xA9\xFFz", "d", "e"};
+  const std::u16string expected[] = {u"a", u"", u"\u00E9\uFFFDz", u"d", u"e"};
+  const ObjectRef array = ArrayOf(texts);
+  const ObjectRef variant = Make(kTypeVariant);
+  const auto text_of = [](const OLECHAR* text) {
+    return std::u16string(reinterpret_cast<const char16_t*>(text));
+  };
+  for (const char* name : {"GetAs1DArray", "GetDataAsOneDimensionalArray"}) {
+    ASSERT_EQ(CallForVariant(array, variant, name, 2).status, 0);
+    EXPECT_EQ(ValueIn(variant).vt, VT_ARRAY | VT_BSTR);
+    EXPECT_EQ(Bound(ArrayIn(variant), 0).lLbound, 2);
+    ASSERT_EQ(Bound(ArrayIn(variant), 0).cElements, 5u);
+    const auto* cells = static_cast<const BSTR*>(ArrayIn(variant).pvData);
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(text_of(cells[i]), expected[i]);
+  }
+  ASSERT_EQ(CallForVariant(array, variant, "GetAs2DArray", 2, 0).status, 0);
+  const auto* cells = static_cast<const BSTR*>(ArrayIn(variant).pvData);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(text_of(cells[i % 2 * 3 + i / 2]), expected[i]);
+  EXPECT_EQ(cells[5], nullptr) << "what the texts do not fill";
+  ASSERT_EQ(CallForVariant(array, variant, "GetAs2DArray", 2, 1).status, 0);
+  const auto* variants = static_cast<const VARIANT*>(ArrayIn(variant).pvData);
+  EXPECT_EQ(variants[1].vt, VT_BSTR);
+  EXPECT_EQ(text_of(variants[1].bstrVal), expected[2]);
+  EXPECT_EQ(variants[5].vt, VT_EMPTY);
+  EXPECT_EQ(CallForVariant(array, variant, "GetAs2DArray", 0, 0).status, status::kBadValue);
+  EXPECT_EQ(Call(array, "GetAs1DArray").status, status::kFailed) << "nowhere to put it";
 }
 
 TEST(Array, EdgesAndRefusals) {

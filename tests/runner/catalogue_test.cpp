@@ -25,7 +25,8 @@ constexpr Table kTables[] = {
      "SetTokens FindToken MakeValidCName IsEmpty Empty SpanIncluding SpanExcluding Replace Remove "
      "FindOneOf GetBufferSetLength GetBuffer ReleaseBuffer FreeExtra LockBuffer UnlockBuffer Match "
      "IsPath IsFile GetBytes SetBytes Count SetUTF16 Shorten"},
-    {"StringArray", "vectorbase", "Add SetAtGrow InsertAt RemoveAt FindDuplicates"},
+    {"StringArray", "vectorbase",
+     "Add SetAtGrow InsertAt RemoveAt FindDuplicates Find Replace InsertValue"},
     {"_VARIANT", "",
      "vt GetSubVariant CreateAsArray SetOneVariantInArray GetNumDimensions GetSize SetHWND"},
     {"complex", "", "Conjugate m_re m_im GetPhase GetAmplitude"},

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <type_traits>
 #include <vector>
 
 #include "frame/interface/complex.h"
@@ -13,6 +14,7 @@
 #include "frame/interface/object_argument.h"
 #include "frame/interface/point.h"
 #include "frame/interface/string_utf8.h"
+#include "frame/interface/type_words.h"
 #include "platform/types.h"
 
 class CScriptVelaObject;
@@ -94,7 +96,14 @@ class VELAHOST_API CTCall {
   int GetArgumentObject(int arg, tagMSOOBJVECT& out);
   // The object that a by-reference argument points at; flags other than 0 accept an argument passed
   // by value as well.
-  int GetArgumentReferenceTarget(int arg, tagMSOOBJVECT& out, unsigned flags);
+  int GetArgumentReferenceTarget(int arg, tagMSOOBJVECT& out, unsigned flags) {
+    const Argument* const argument = Find(static_cast<unsigned>(arg));
+    if (argument == nullptr || !argument->by_reference || IsUnresolved(argument->type_id)) {
+      return ReadReferenceTarget(arg, out, flags);
+    }
+    SetObject(*argument, out);
+    return 0;
+  }
   // The bytes of an argument: the text of a string, the elements of a vector, the storage of a
   // scalar. bytes is the least that the member will touch (0: whatever is there); an argument that
   // has fewer is status 3. Pair with ReleaseBuffer.
@@ -168,7 +177,12 @@ class VELAHOST_API CTCall {
   };
 
   static constexpr unsigned kInlineArguments = 8;
-  Argument& AddArgument();
+  Argument& AddArgument() {
+    static_assert(std::is_trivially_destructible_v<Argument>);
+    if (count_ >= kInlineArguments) return AddAnotherArgument();
+    void* const place = inline_arguments_ + count_++ * sizeof(Argument);
+    return *new (place) Argument;
+  }
   const Argument* Find(unsigned arg) const {
     if (arg >= count_) return nullptr;
     if (arg >= kInlineArguments) return &more_arguments_[arg - kInlineArguments];
@@ -190,6 +204,7 @@ class VELAHOST_API CTCall {
   CStringUTF8 result_text_;
 
  private:
+  Argument& AddAnotherArgument();
   void* LendText(const char* text, unsigned size);
 
   // A plain int as it is: an unsigned type takes its bits, so that -1 means "all flags".
@@ -200,6 +215,18 @@ class VELAHOST_API CTCall {
     out = static_cast<T>(argument->integer);
     return 0;
   }
+  static constexpr bool IsUnresolved(unsigned type_id) {
+    return type_id == kTypeReference || type_id == kTypePointer;
+  }
+  static void SetObject(const Argument& argument, tagMSOOBJVECT& out) {
+    out.object = argument.object;
+    out.type_word = argument.type_id;
+    out.indices = argument.indices;
+    out.flags = argument.by_reference ? tagMSOOBJVECT::kByReference : 0;
+    out.plain = {};
+    out.lent_buffer = nullptr;
+  }
+  int ReadReferenceTarget(int arg, tagMSOOBJVECT& out, unsigned flags);
   int ReadInteger(unsigned arg, int& out);
   int ReadInteger(unsigned arg, unsigned& out);
 

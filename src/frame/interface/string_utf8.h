@@ -4,7 +4,9 @@
 #include <atomic>
 #include <cstdarg>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "frame/interface/export.h"
 
@@ -21,6 +23,13 @@ struct alignas(16) TextHeader {
 };
 static_assert(sizeof(TextHeader) == 16);
 
+// The one empty text, whose references are never counted and whose byte is never written.
+struct EmptyText {
+  TextHeader header;
+  char text[16];
+};
+VELAHOST_API extern EmptyText empty_text;
+
 }  // namespace vela::host
 
 // A reference-counted, copy-on-write, NUL-terminated byte buffer with its length in a header in
@@ -34,24 +43,37 @@ class VELAHOST_API CStringUTF8 {
  public:
   static constexpr int kMostBytes = 0x7FFFFFF0;
 
-  CStringUTF8() noexcept;
+  CStringUTF8() noexcept : data_(vela::host::empty_text.text) {}
   CStringUTF8(const char* text);
   CStringUTF8(const char* text, int length);
   explicit CStringUTF8(std::string_view text);
   CStringUTF8(const CStringUTF8& other);  // allocates only for a locked buffer
-  CStringUTF8(CStringUTF8&& other) noexcept;
-  ~CStringUTF8();
+  CStringUTF8(CStringUTF8&& other) noexcept
+      : data_(std::exchange(other.data_, vela::host::empty_text.text)) {}
+  ~CStringUTF8() {
+    if (data_ != vela::host::empty_text.text) Release();
+  }
   CStringUTF8& operator=(const CStringUTF8& other);
   CStringUTF8& operator=(CStringUTF8&& other) noexcept;
   CStringUTF8& operator=(const char* text);
-  CStringUTF8& operator=(std::string_view text);
+  CStringUTF8& operator=(std::string_view text) {
+    vela::host::TextHeader& header = Header();
+    const std::size_t room = static_cast<std::size_t>(header.capacity);
+    // The text's own memory, when nobody else has it: no call, whatever line comes next.
+    if (text.empty() || text.size() > room ||
+        header.references.load(std::memory_order_acquire) != 1) {
+      return Assign(text);
+    }
+    std::memmove(data_, text.data(), text.size());
+    data_[text.size()] = '\0';
+    header.length = static_cast<std::int32_t>(text.size());
+    return *this;
+  }
 
   operator const char*() const { return data_; }
   const char* c_str() const { return data_; }
   std::string_view View() const { return {data_, static_cast<std::size_t>(GetLength())}; }
-  int GetLength() const {
-    return reinterpret_cast<const vela::host::TextHeader*>(data_)[-1].length;
-  }
+  int GetLength() const { return Header().length; }
   bool IsEmpty() const { return GetLength() == 0; }
   void Empty();
 
@@ -156,6 +178,17 @@ class VELAHOST_API CStringUTF8 {
 
  private:
   friend class CStringUTF8Maker;
+
+  struct Owned {
+    char* data;
+  };
+  explicit CStringUTF8(Owned text) noexcept : data_(text.data) {}
+
+  vela::host::TextHeader& Header() const {
+    return reinterpret_cast<vela::host::TextHeader*>(data_)[-1];
+  }
+  CStringUTF8& Assign(std::string_view text);
+  void Release() noexcept;
 
   char* data_;  // first byte of the text; the header lies in front
 };
