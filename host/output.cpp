@@ -81,7 +81,9 @@ void Emit(OutputTarget target, std::string text, unsigned flags) {
 }
 
 void EmitMessage(OutputTarget target, const char* text) {
-  Emit(target, NormaliseLineEnds(text ? text : "") + '\n', kOutputNewLine);
+  std::string line = NormaliseLineEnds(text ? text : "");
+  if (!line.ends_with('\n')) line += '\n';
+  Emit(target, std::move(line), kOutputNewLine);
 }
 
 }  // namespace

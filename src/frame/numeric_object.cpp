@@ -6,6 +6,7 @@
 #include "frame/element_operation.h"
 #include "frame/library_state.h"
 #include "frame/member/arguments.h"
+#include "frame/scalar_operand.h"
 
 namespace {
 
@@ -180,7 +181,7 @@ int TCNumericBase<T>::Operate2(const MSOINDICES* at, unsigned op, const tagMSOOB
   T* element = Element(at);
   if (element == nullptr) return status::kUnresolved;
   T value{};
-  if (const int error = ReadOperand(operand, value); error != status::kOk) return error;
+  if (const int error = vela::ReadScalarOperand(operand, value); error != status::kOk) return error;
   vela::ApplyOperation<T>(code, std::span<T>(element, 1), value, vela::IsDebugMode());
   return Changed();
 }

@@ -56,6 +56,16 @@ struct Near {
   }
 };
 
+// For a range that does not hold the missing value's own number.
+struct Between {
+  double low, high;
+
+  template <class D, class V>
+  HWY_INLINE auto operator()(D d, V x) const {
+    return hn::And(hn::Ge(x, hn::Set(d, low)), hn::Le(x, hn::Set(d, high)));
+  }
+};
+
 struct Inside {
   double low, high;
 
@@ -102,6 +112,30 @@ HWY_INLINE bool NoneMatches(const double* HWY_RESTRICT x, Matches matches) {
   return hn::AllFalse(d, any);
 }
 
+// Counts the matches among the first elements of x, as many as fill whole groups of vectors; how
+// many elements those are is added to done.
+template <class Matches>
+std::size_t CountWhole(const double* HWY_RESTRICT x, std::size_t n, Matches matches,
+                       std::size_t& done) {
+  const hn::ScalableTag<double> d;
+  const hn::RebindToSigned<decltype(d)> di;
+  constexpr std::size_t kChains = 4;
+  hn::Vec<decltype(di)> counts[kChains];
+  for (auto& count : counts) count = hn::Zero(di);
+  const std::size_t lanes = hn::Lanes(d);
+  std::size_t i = 0;
+  for (; i + kChains * lanes <= n; i += kChains * lanes) {
+    for (std::size_t k = 0; k < kChains; ++k) {
+      // A match is all bits set, which is -1.
+      const auto match = matches(d, hn::LoadU(d, x + i + k * lanes));
+      counts[k] = hn::Sub(counts[k], hn::BitCast(di, hn::VecFromMask(d, match)));
+    }
+  }
+  done += i;
+  for (std::size_t k = 1; k < kChains; ++k) counts[0] = hn::Add(counts[0], counts[k]);
+  return static_cast<std::size_t>(hn::GetLane(hn::SumOfLanes(di, counts[0])));
+}
+
 // Counts the matches in x and writes their indices, counted from base, as far as they fit. At most
 // kBlockSize elements.
 template <class Matches>
@@ -120,11 +154,7 @@ std::size_t Collect(const double* HWY_RESTRICT x, std::size_t n, Matches matches
     }
     expect_none = count == before;
   }
-  if (capacity == 0) {
-    for (; i + 8 <= n; i += 8) {
-      count += static_cast<std::size_t>(std::popcount(MatchByte(x + i, matches)));
-    }
-  }
+  if (capacity == 0) count = CountWhole(x, n, matches, i);
   const hn::CappedTag<double, 1> one;
   for (; i < n; ++i) {
     if (hn::AllFalse(one, matches(one, hn::LoadU(one, x + i)))) continue;
@@ -146,6 +176,9 @@ std::size_t CollectNear(const double* x, std::size_t n, double value, double tol
 
 std::size_t CollectInside(const double* x, std::size_t n, double low, double high, std::size_t base,
                           std::uint32_t* found, std::size_t capacity) {
+  if (low > kMissing || high < kMissing) {
+    return Collect(x, n, Between{low, high}, base, found, capacity);
+  }
   return Collect(x, n, Inside{low, high}, base, found, capacity);
 }
 

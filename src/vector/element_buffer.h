@@ -56,6 +56,17 @@ class ElementBuffer {
     return true;
   }
 
+  // Makes room for count elements without changing the size.
+  bool Reserve(std::size_t count) {
+    if (count <= capacity_) return true;
+    if (data_ != nullptr) return Reallocate(count);
+    // Not zeroed yet: little of it may come to be used.
+    void* data = count > kMostElements ? nullptr : std::malloc(count * sizeof(T));
+    if (data == nullptr) return false;
+    Hold(data, count);
+    return true;
+  }
+
   // Resizes without keeping the contents, which are then unspecified: for a caller that writes
   // every element.
   bool ResizeForOverwrite(std::size_t count) {

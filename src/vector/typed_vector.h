@@ -280,6 +280,7 @@ class TCVectorBase : public TCAllVectorsBase<T> {
   int RowLowerBound(int row) const override { return rows_[row].lower; }
   int RawResize(int row, std::int64_t size) override;
   int RawGrow(int row, std::int64_t size) override;
+  int RawReserve(int row, std::int64_t size) override;
   int ResizeWithLowerBound(int row, std::int64_t size, int lower) override;
 
  protected:

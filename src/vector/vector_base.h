@@ -96,6 +96,8 @@ class TCAllVectorNonTemplBase
   virtual int ResizeWithLowerBound(int row, std::int64_t size, int lower);
   // As RawResize, but may keep memory for more, so that growing by one at a time is linear overall.
   virtual int RawGrow(int row, std::int64_t size) { return RawResize(row, size); }
+  // Makes room for size elements, so that growing up to it cannot fail for want of memory.
+  virtual int RawReserve(int /*row*/, std::int64_t /*size*/) { return status::kOk; }
   // Overwrites the elements from offset on, converted; the row has them all. The run may lie in the
   // row itself. A status.
   virtual int StoreRun(int row, std::size_t offset, const vela::ElementRun& run);

@@ -4,43 +4,11 @@
 #include <algorithm>
 
 #include "frame/element_operation.h"
+#include "frame/scalar_operand.h"
 #include "kernel/parallel_copy.h"
 #include "vector/typed_vector.h"
 
 namespace vela {
-
-// A scalar operand as the element type. A missing operand of a float stays recognisable as NaN.
-template <class T, class U>
-T OperandAs(const U& value) {
-  if constexpr (std::is_same_v<T, float> && std::is_arithmetic_v<U>) {
-    return kernel::ConvertOperand<float>(value);
-  } else {
-    return ConvertValue<T>(value);
-  }
-}
-
-// A plain operand, or the scalar or element that an object operand addresses; a status.
-template <class T>
-int ReadScalarOperand(const tagMSOOBJVECT& operand, T& value) {
-  if (operand.object == nullptr) {
-    if constexpr (ComplexElement<T> || PointElement<T>) {
-      value = ConvertValue<T>(operand.plain);
-    } else {
-      value = OperandAs<T>(operand.plain.m_re);
-    }
-    return status::kOk;
-  }
-  if constexpr (PointElement<T>) {
-    return operand.object->GetPointValue(&operand.indices, value);
-  } else if constexpr (std::is_same_v<T, float>) {
-    double number = 0;
-    const int error = operand.object->GetNumericValue(&operand.indices, number);
-    value = OperandAs<float>(number);
-    return error;
-  } else {
-    return operand.object->GetNumericValue(&operand.indices, value);
-  }
-}
 
 // Calls part(begin, end) for runs that cover 0 .. count - 1: on worker threads when the host
 // enables parallel work, else one run.

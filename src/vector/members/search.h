@@ -106,26 +106,28 @@ int FindFirst(member::Arguments& args, std::span<const T> x) {
   return FindElements(x, wanted, scope, found) > 0 ? static_cast<int>(found[0]) : -1;
 }
 
-// Makes found the positions of the elements wanted, a block at a time, so that it never grows
-// beyond what it has to hold; how many.
+// Makes found the positions of the elements wanted; how many. A block at a time, so that memory
+// reserved for the worst case is used only as far as there are positions.
 template <class T>
 std::size_t StorePositions(std::span<const T> x, const Wanted<T>& wanted, kernel::FindScope scope,
                            const VectorArgument& found) {
+  TCAllVectorNonTemplBase& positions = *found.vector;
+  const std::size_t end = std::min(scope.end, x.size());
+  member::Check(positions.RawReserve(found.row, static_cast<std::int64_t>(end - scope.start)));
   std::array<std::uint32_t, 4096> block;
   std::size_t count = 0;
-  const std::size_t end = std::min(scope.end, x.size());
   for (; scope.start < end && !(scope.first_only && count > 0); scope.start = scope.end) {
     scope.end = std::min(end, scope.start + block.size());
-    const std::span<const unsigned> positions =
+    const std::span<const unsigned> matches =
         std::span(block).first(FindElements(x, wanted, scope, block));
-    if (count + positions.size() > found.Size()) {
-      const auto size = static_cast<std::int64_t>(count + positions.size());
-      member::Check(found.vector->RawGrow(found.row, size));
+    const std::size_t size = count + matches.size();
+    if (size > found.Size()) {
+      member::Check(positions.RawGrow(found.row, static_cast<std::int64_t>(size)));
     }
-    member::Check(found.vector->StoreRun(found.row, count, ElementRun(positions)));
-    count += positions.size();
+    member::Check(positions.StoreRun(found.row, count, ElementRun(matches)));
+    count = size;
   }
-  member::Check(found.vector->RawResize(found.row, static_cast<std::int64_t>(count)));
+  member::Check(positions.RawResize(found.row, static_cast<std::int64_t>(count)));
   return count;
 }
 

@@ -64,6 +64,14 @@ int TCVectorBase<T>::RawGrow(int row, std::int64_t size) {
 }
 
 template <class T>
+int TCVectorBase<T>::RawReserve(int row, std::int64_t size) {
+  if (size < 0 || !rows_[row].elements.Reserve(static_cast<std::size_t>(size))) {
+    return status::kCannotResize;
+  }
+  return status::kOk;
+}
+
+template <class T>
 int TCVectorBase<T>::ResizeWithLowerBound(int row, std::int64_t size, int lower) {
   if (lower < 0) return status::kOutOfRange;
   if (const int error = RawResize(row, size); error != status::kOk) return error;

@@ -1,0 +1,48 @@
+// The operand of a binary operator, where it is one value.
+#pragma once
+
+#include <type_traits>
+
+#include "frame/element_types.h"
+#include "frame/element_value.h"
+#include "frame/interface/object_argument.h"
+#include "frame/interface/script_object.h"
+#include "frame/interface/status.h"
+#include "kernel/arithmetic.h"
+
+namespace vela {
+
+// A scalar operand as the element type. A missing operand of a float stays recognisable as NaN.
+template <class T, class U>
+T OperandAs(const U& value) {
+  if constexpr (std::is_same_v<T, float> && std::is_arithmetic_v<U>) {
+    return kernel::ConvertOperand<float>(value);
+  } else {
+    return ConvertValue<T>(value);
+  }
+}
+
+// A plain operand, or the scalar or element that an object operand addresses; a status.
+template <class T>
+int ReadScalarOperand(const tagMSOOBJVECT& operand, T& value) {
+  if (operand.object == nullptr) {
+    if constexpr (ComplexElement<T> || PointElement<T>) {
+      value = ConvertValue<T>(operand.plain);
+    } else {
+      value = OperandAs<T>(operand.plain.m_re);
+    }
+    return status::kOk;
+  }
+  if constexpr (PointElement<T>) {
+    return operand.object->GetPointValue(&operand.indices, value);
+  } else if constexpr (std::is_same_v<T, float>) {
+    double number = 0;
+    const int error = operand.object->GetNumericValue(&operand.indices, number);
+    value = OperandAs<float>(number);
+    return error;
+  } else {
+    return operand.object->GetNumericValue(&operand.indices, value);
+  }
+}
+
+}  // namespace vela
