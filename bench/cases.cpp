@@ -197,8 +197,8 @@ Case Filling(const char* member, std::function<void(int size, CallSite&)> add) {
   };
 }
 
-const std::map<std::string, Case>& NumericCases() {
-  static const std::map<std::string, Case> cases = {
+const std::map<std::string, Case>& Makers() {
+  static const std::map<std::string, Case> makers = {
       {"call_by_name", CallByName},
       {"call_found", CallFound},
       {"Sum", Reading("Sum", [](Maker& m, CallSite& f) { f.AddObject(m.Make(kTypeDouble)); })},
@@ -255,20 +255,20 @@ const std::map<std::string, Case>& NumericCases() {
       {"float_to_double", Conversion(kTypeFloat, kTypeDouble)},
       {"int_to_double", Conversion(kTypeInt, kTypeDouble)},
   };
-  return cases;
+  return makers;
 }
 
 }  // namespace
 
-std::vector<std::string> CaseNames() {
-  std::vector<std::string> names;
-  for (const auto& [name, unused] : NumericCases()) names.push_back(name);
-  return names;
-}
-
-Prepared Prepare(const host::Library& library, const std::string& name, const Data& data) {
-  Maker maker(library, data);
-  return NumericCases().at(name)(maker);
+Cases NumericCases(const host::Library& library) {
+  Cases cases;
+  for (const auto& [name, make] : Makers()) {
+    cases[name] = [&library, &make](const Data& data) {
+      Maker maker(library, data);
+      return make(maker);
+    };
+  }
+  return cases;
 }
 
 }  // namespace vela::bench

@@ -1,7 +1,6 @@
 // The members that are timed, each with what it needs around the call.
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include "host/call_frame.h"
@@ -30,8 +29,7 @@ class CallSite {
   host::CallFrame frame_;
 };
 
-std::vector<std::string> CaseNames();
-// Throws std::out_of_range for an unknown case or data that it lacks.
-Prepared Prepare(const host::Library& library, const std::string& name, const Data& data);
+// The members of vectors. The library must outlive the cases.
+Cases NumericCases(const host::Library& library);
 
 }  // namespace vela::bench

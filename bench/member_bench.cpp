@@ -13,10 +13,6 @@ int main() {
   }
   library.Configure();
   vela::bench::Cases cases = vela::bench::TextCases(library);
-  for (const std::string& name : vela::bench::CaseNames()) {
-    cases[name] = [&library, name](const vela::bench::Data& data) {
-      return vela::bench::Prepare(library, name, data);
-    };
-  }
+  cases.merge(vela::bench::NumericCases(library));
   vela::bench::Serve(cases);
 }

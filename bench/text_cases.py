@@ -150,31 +150,31 @@ def prose_data(text, wanted):
 
 
 def groups(folder, megabytes):
-    """Name, what is counted, how many, the data and the cases of it."""
-    yield "a file of lines", megabytes * MEGABYTE, lambda: lines(folder, megabytes), LINES
-    yield "a file of integers", 100 * MEGABYTE, lambda: file_of(
+    """Title, what is counted, how many, the data and the cases of it."""
+    yield "a file of lines", "bytes", megabytes * MEGABYTE, lambda: lines(folder, megabytes), LINES
+    yield "a file of integers", "bytes", 100 * MEGABYTE, lambda: file_of(
         [text_data.big_endian(100 * MEGABYTE).astype(">i4").tobytes()], folder, "integers"), \
         INTEGERS
-    yield "ASCII text", 10 * MEGABYTE, lambda: prose_data(
+    yield "ASCII text", "bytes", 10 * MEGABYTE, lambda: prose_data(
         text_data.ascii_prose(10 * MEGABYTE), "stand alone"), PROSE
-    yield "mixed text", 10 * MEGABYTE, lambda: prose_data(
+    yield "mixed text", "bytes", 10 * MEGABYTE, lambda: prose_data(
         text_data.mixed_prose(10 * MEGABYTE), "stand alone"), MIXED
-    yield "numbers as text", 10 * MEGABYTE, lambda: {
+    yield "numbers as text", "bytes", 10 * MEGABYTE, lambda: {
         "text": text_data.numbers(10 * MEGABYTE)}, NUMBERS
-    yield "short texts", 1_000_000, lambda: {"texts": text_data.short_texts(1_000_000)}, TEXTS
-    yield "calls", 1_000_000, dict, FORMAT
+    yield "short texts", "items", 1_000_000, lambda: {"texts": text_data.short_texts(1_000_000)}, TEXTS
+    yield "calls", "items", 1_000_000, dict, FORMAT
 
 
 def run(server, native_program, wanted, rounds, megabytes):
     with tempfile.TemporaryDirectory() as folder:
-        for title, size, make_data, cases in groups(folder, megabytes):
+        for title, unit, size, make_data, cases in groups(folder, megabytes):
             chosen = [case for case in cases if not wanted or case.name in wanted]
             if not chosen:
                 continue
             data = make_data()
             server.send(data)
             print(f"\n{title}")
-            print_heading("bytes" if size != 1_000_000 else "items")
+            print_heading(unit)
             for case in chosen:
                 try:
                     ours, theirs = measure(server, case, data, rounds, 1, native_program)

@@ -4,9 +4,10 @@
     run_script_tests.py --runner TESSELC [--emulator COMMAND] [--update] PATH...
 
 PATH is a script or a folder, which stands for every .tc file under it except those in folders
-named "include". Of a document (.md), every block of C that is followed by a block of plain text is a
-script that prints that text. NAME.out holds the expected standard output and must exist; NAME.err holds the
-expected standard error (without it, a script that ends with 0 must leave standard error empty).
+named "include". Of a document (.md), every block of C that is followed by a block of plain text is
+a script that prints that text. NAME.out holds the expected standard output and must exist; NAME.err
+holds the expected standard error (without it, a script that ends with 0 must leave standard error
+empty).
 Comment lines at the top of a script set the rest:
 
     // exit: 1              expected exit code (default 0)

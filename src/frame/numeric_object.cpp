@@ -8,24 +8,6 @@
 #include "frame/member/arguments.h"
 #include "frame/scalar_operand.h"
 
-namespace {
-
-// The value a call frame's argument 0 or an operand gives, as T.
-template <class T>
-int ReadOperand(const tagMSOOBJVECT& operand, T& value) {
-  if (operand.object == nullptr) {
-    value = vela::ConvertValue<T>(operand.plain);
-    return status::kOk;
-  }
-  if constexpr (vela::PointElement<T>) {
-    return operand.object->GetPointValue(&operand.indices, value);
-  } else {
-    return operand.object->GetNumericValue(&operand.indices, value);
-  }
-}
-
-}  // namespace
-
 template <class T>
 auto TCNumericBase<T>::Allocate(std::size_t count) -> Storage {
   const std::size_t bytes = (count + vela::GuardElements()) * sizeof(T);
@@ -46,15 +28,14 @@ TCNumericBase<T>::TCNumericBase(unsigned count, unsigned type_word, void** args)
   if (args == nullptr || *args == nullptr) return;
   vela::member::Run(static_cast<CTCall*>(*args), vela::member::AtLeast(1), [&](auto& arguments) {
     if constexpr (vela::PointElement<T>) {
-      tagMSOOBJVECT source = arguments.Object(0);
-      vela::member::Check(ReadOperand(source, *m_storage));
+      vela::member::Check(vela::ReadScalarOperand(arguments.Object(0), *m_storage));
     } else if constexpr (vela::ComplexElement<T>) {
       *m_storage = arguments.Complex(0);
     } else {
       tagMSOOBJVECT source;
       if (arguments.Call().GetArgumentObject(0, source) == status::kOk &&
           source.object != nullptr) {
-        vela::member::Check(ReadOperand(source, *m_storage));
+        vela::member::Check(source.object->GetNumericValue(&source.indices, *m_storage));
       } else {
         *m_storage = vela::ConvertValue<T>(arguments.Double(0));
       }

@@ -14,33 +14,27 @@
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
 
-// One number from each of kTiles tiles.
-template <std::size_t kTiles>
-struct TileVector {
-  typedef double Type __attribute__((vector_size(kTiles * sizeof(double))));
-};
+// Tiles that go side by side, and one number from each.
+constexpr std::size_t kTiles = 4;
+typedef double Vector __attribute__((vector_size(kTiles * sizeof(double))));
 
 // The tails of a tile, side by side with those of its neighbours.
-template <class Vector>
 void Save(const Vector& vector, std::size_t j, double* tails) {
-  std::memcpy(tails + j * sizeof(Vector) / sizeof(double), &vector, sizeof(Vector));
+  std::memcpy(tails + j * kTiles, &vector, sizeof(Vector));
 }
 
-template <class Vector>
 void Restore(const double* tails, std::size_t j, Vector& vector) {
-  std::memcpy(&vector, tails + j * sizeof(Vector) / sizeof(double), sizeof(Vector));
+  std::memcpy(&vector, tails + j * kTiles, sizeof(Vector));
 }
 
 // Cuts x into kTiles tiles as long as the window, and one behind them. A window that begins in one
 // of the tiles is a tail of it and a head of the next, and heads and tails are running sums; those
-// of several tiles go side by side, as each has to wait for its own last addition. Writes
-// out[t * window + j] for the first `results` values of j. kHoles tells whether elements may be
-// missing. Scratch: kTiles * window elements in sums, and with kHoles as many in counts.
-template <std::size_t kTiles, bool kHoles>
-void AverageTiles(const double* HWY_RESTRICT x, std::size_t window, std::size_t results,
-                  double* HWY_RESTRICT sums, double* HWY_RESTRICT counts,
-                  double* HWY_RESTRICT out) {
-  using Vector = typename TileVector<kTiles>::Type;
+// of several tiles go side by side, as each has to wait for its own last addition. Writes the
+// kTiles * window averages of the windows that begin in the tiles. kHoles tells whether elements
+// may be missing. Scratch: kTiles * window elements in sums, and with kHoles as many in counts.
+template <bool kHoles>
+void AverageTiles(const double* HWY_RESTRICT x, std::size_t window, double* HWY_RESTRICT sums,
+                  double* HWY_RESTRICT counts, double* HWY_RESTRICT out) {
   const auto add = [window](const double* HWY_RESTRICT from, Vector& sum, Vector& count) HWY_ATTR {
     Vector value = {}, one = {};
     for (std::size_t t = 0; t < kTiles; ++t) {
@@ -59,7 +53,7 @@ void AverageTiles(const double* HWY_RESTRICT x, std::size_t window, std::size_t 
     if constexpr (kHoles) Save(count, j, counts);
   }
   Vector head_sum = {}, head_count = {};
-  for (std::size_t j = 0; j < results; ++j) {
+  for (std::size_t j = 0; j < window; ++j) {
     if (j > 0) add(x + window + j - 1, head_sum, head_count);
     Restore(sums, j, sum);
     sum += head_sum;
@@ -83,16 +77,14 @@ bool HasMissing(const double* x, std::size_t n) {
 }
 
 // As AverageTiles, for whatever x holds.
-template <std::size_t kTiles>
-void AverageGroup(const double* x, std::size_t window, std::size_t results,
-                  std::vector<double>& scratch, double* out) {
+void AverageGroup(const double* x, std::size_t window, std::vector<double>& scratch, double* out) {
   const std::size_t size = kTiles * window;
-  if (HasMissing(x, (kTiles - 1) * window + results + window - 1)) {
+  if (HasMissing(x, (kTiles + 1) * window - 1)) {
     scratch.resize(2 * size);
-    AverageTiles<kTiles, true>(x, window, results, scratch.data(), scratch.data() + size, out);
+    AverageTiles<true>(x, window, scratch.data(), scratch.data() + size, out);
   } else {
     scratch.resize(size);
-    AverageTiles<kTiles, false>(x, window, results, scratch.data(), nullptr, out);
+    AverageTiles<false>(x, window, scratch.data(), nullptr, out);
   }
 }
 
@@ -121,8 +113,7 @@ void AverageTile(const double* HWY_RESTRICT x, std::size_t window, std::size_t r
 
 // out[j] is the mean of x[j] ... x[j + window - 1] for j < n.
 void AverageWindows(const double* x, std::size_t n, std::size_t window, double* out) {
-  constexpr std::size_t kSideBySide = 4;
-  const std::size_t group = kSideBySide * window;
+  const std::size_t group = kTiles * window;
   if (n < group) {
     for (std::size_t j = 0; j < n; j += window) {
       AverageTile(x + j, window, std::min(window, n - j), out + j);
@@ -132,7 +123,7 @@ void AverageWindows(const double* x, std::size_t n, std::size_t window, double* 
     // The last group may overlap the one before it.
     for (std::size_t j = 0; j < n; j += group) {
       const std::size_t begin = std::min(j, n - group);
-      AverageGroup<kSideBySide>(x + begin, window, window, scratch, out + begin);
+      AverageGroup(x + begin, window, scratch, out + begin);
     }
   }
 }

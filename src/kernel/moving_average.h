@@ -11,8 +11,8 @@ namespace vela::kernel {
 ///
 /// Each window is summed from its own elements, never by taking old ones off a running sum: a NaN
 /// or an infinity shows in exactly the windows that hold it, and rounding errors do not build up
-/// along x. Time per element grows with the logarithm of the window, and not at all beyond a few
-/// hundred elements; scratch is a few windows, and none for windows longer than a quarter of x.
+/// along x. Time per element does not depend on the window; scratch is a few windows, and none for
+/// windows longer than a quarter of x.
 void MovingAverage(std::span<const double> x, std::size_t half, std::span<double> out);
 
 }  // namespace vela::kernel

@@ -26,7 +26,8 @@ class ByteSource {
 // end. A line end that is kept is never divided.
 //
 // The reader keeps one buffer of half a megabyte, whatever the size of the file. Blocks are copied
-// rather than mapped: reading is as fast, and a file cut short meanwhile is an ordinary end.
+// rather than mapped: a file cut short meanwhile is an ordinary end, where reading on in a mapping
+// would end the process.
 class LineReader {
  public:
   static constexpr std::size_t kMostBytes = 204160;

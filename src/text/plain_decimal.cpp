@@ -1,8 +1,10 @@
 #include "text/plain_decimal.h"
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 
 namespace vela::text {
 namespace {
@@ -46,8 +48,13 @@ std::uint64_t ValueOf(std::uint64_t digits) {
 
 }  // namespace
 
-bool ReadPlainDecimal(std::string_view token, const char* readable_end, double& value) {
-  if (token.empty() || readable_end - token.data() < kPlainDecimalRoom) return false;
+bool ReadPlainDecimal(std::string_view token, std::string_view text, double& value) {
+  // A sign, a point, and twice eight bytes, of which a few may be no digits.
+  constexpr std::ptrdiff_t kRoom = 24;
+  const std::less<> is_before;
+  const char* const text_end = text.data() + text.size();
+  const bool is_inside = !is_before(token.data(), text.data()) && is_before(token.data(), text_end);
+  if (!is_inside || token.empty() || text_end - token.data() < kRoom) return false;
   const char* const end = token.data() + token.size();
   const bool is_negative = token.front() == '-';
   const char* at = token.data() + is_negative;

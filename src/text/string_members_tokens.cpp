@@ -1,6 +1,5 @@
 // Members of "string" about tokens.
 #include <cstring>
-#include <functional>
 #include <vector>
 
 #include "text/operand_text.h"
@@ -49,15 +48,11 @@ int StoreTokens(Tokenizer tokens, TCVectorString& target, int row) {
 }
 
 int StoreNumbers(Tokenizer tokens, std::string_view text, const vela::VectorArgument& target) {
-  const char* const end = text.data() + text.size();
   std::vector<double> numbers;
   numbers.reserve(tokens.EstimateCount());
   for (std::string_view token; tokens.Next(token);) {
     double number = 0;
-    // A token of pieces lies outside the text.
-    const bool is_inside =
-        !std::less<>()(token.data(), text.data()) && !std::less<>()(end, token.data());
-    const bool is_plain = is_inside && vela::text::ReadPlainDecimal(token, end, number);
+    const bool is_plain = vela::text::ReadPlainDecimal(token, text, number);
     numbers.push_back(is_plain ? number : NumberOf(token));
   }
   vela::text::StoreNumbers(target, numbers);

@@ -241,8 +241,6 @@ class TCAllVectorsBase
   }
   // Inserts count copies before index; beyond the end the row first grows up to it.
   void InsertElements(int row, std::size_t index, std::size_t count, const T& value);
-  // Where the row's data begins: at its lower bound, which may be its end.
-  std::size_t FirstOfData(int row) const;
   // Stores a numeric total in a by-reference argument by the reference's type; fails with 13702
   // when the reference is narrower than the elements.
   void SetTotal(vela::member::Arguments& args, unsigned arg, const OneTCcomplex& total);

@@ -2,6 +2,7 @@
 // to know of another.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -87,6 +88,11 @@ class TCAllVectorNonTemplBase
   // Elements of a row, with its bounds; row is 0 .. RowCount() - 1.
   virtual std::size_t RowSize(int) const { return 0; }
   virtual int RowLowerBound(int) const { return 0; }
+  // Where the row's data begins: at its lower bound, which may be its end. The elements below are
+  // no part of it.
+  std::size_t FirstOfData(int row) const {
+    return std::min(static_cast<std::size_t>(std::max(RowLowerBound(row), 0)), RowSize(row));
+  }
   // A row's elements when they are one contiguous buffer; else an empty run. Valid until the
   // vector's next change.
   virtual vela::ElementRun ContiguousRun(int) { return {}; }

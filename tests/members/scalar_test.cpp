@@ -182,6 +182,16 @@ TEST(Scalar, OperatorsFollowTheElementRules) {
     EXPECT_EQ(operate(1e300, operation::kMultiply, 1e10), kMissingValue);
   }
   EXPECT_EQ(x->Operate2(nullptr, 6, tagMSOOBJVECT::Plain(1.0, kTypeDouble), 0), status::kFailed);
+  // A float cannot be missing, but its operand can: the result is what storing a missing value
+  // gives.
+  for (const ObjectRef& missing : {ScalarOf(kMissingValue), ObjectRef()}) {
+    const ObjectRef real = ScalarOf(2.0f);
+    const tagMSOOBJVECT operand = missing ? tagMSOOBJVECT(missing.Get(), missing->GetTypeID())
+                                          : tagMSOOBJVECT::Plain(kMissingValue, kTypeDouble);
+    EXPECT_EQ(real->Operate2(nullptr, operation::kAdd, operand, 0), 0);
+    EXPECT_EQ(ValueOf<float>(real), 0);
+    EXPECT_TRUE(std::signbit(ValueOf<float>(real)));
+  }
 }
 
 }  // namespace

@@ -141,12 +141,8 @@ class Messages {
     });
   }
   ~Messages() { host::SetOutputSink({}); }
-  // What was shown since the last call, without the line ends that the output adds.
-  std::string Take() {
-    std::string text = std::exchange(text_, {});
-    while (!text.empty() && text.back() == '\n') text.pop_back();
-    return text;
-  }
+  // What was shown since the last call.
+  std::string Take() { return std::exchange(text_, {}); }
 
  private:
   std::string text_;
@@ -172,7 +168,7 @@ TEST(LentBuffer, GuardedInDebugMode) {
       static_cast<unsigned char*>(buffer)[beyond] = 0;
       static_cast<short*>(buffer)[0] = static_cast<short>(beyond);
       EXPECT_EQ(v->ReleaseBufferMSO(nullptr, buffer), 0);
-      EXPECT_EQ(messages.Take(), "An Object has written beyond the requested size of 6 bytes");
+      EXPECT_EQ(messages.Take(), "An Object has written beyond the requested size of 6 bytes\n");
       EXPECT_EQ(ValuesOf<short>(v)[0], beyond) << "the release goes on";
     }
     // Resized while it was lent: what still fits comes back.
@@ -186,7 +182,7 @@ TEST(LentBuffer, GuardedInDebugMode) {
     ASSERT_EQ(empty->GetBufferMSO(nullptr, &buffer), 0);
     static_cast<unsigned char*>(buffer)[0] = 1;
     EXPECT_EQ(empty->ReleaseBufferMSO(nullptr, buffer), 0);
-    EXPECT_EQ(messages.Take(), "An Object has written beyond the requested size of 0 bytes");
+    EXPECT_EQ(messages.Take(), "An Object has written beyond the requested size of 0 bytes\n");
     ASSERT_EQ(v->GetBufferMSO(nullptr, &buffer), 0);
     static_cast<unsigned char*>(buffer)[4] = 0;
   }

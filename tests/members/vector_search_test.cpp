@@ -1,4 +1,6 @@
 // Find, Replace and Merge.
+#include <algorithm>
+
 #include "vector_fixture.h"
 
 namespace vela::testing {
@@ -39,6 +41,36 @@ TEST(Find, ValuesAndRanges) {
     EXPECT_EQ(
         Call(v, "Find", Null{}, c.value, c.upper, c.precision, c.start, c.end, c.first_only).Int(),
         c.result);
+  }
+}
+
+// Many blocks: with none, few and many matches, from and to places inside them.
+TEST(Find, LongVectors) {
+  constexpr int kSize = 20011;
+  Doubles x;
+  for (int i = 0; i < kSize; ++i) x.push_back(i < 9000 ? i % 3 : i % 4096 == 0 ? 1 : 5);
+  const ObjectRef v = VectorOf<double>(x);
+  const ObjectRef found = Make(kTypeUnsignedInt | kFlagVector);
+  for (const double value : {1.0, 2.0, 7.0}) {
+    for (const int start : {0, 4095, 8191, 12288, kSize - 1}) {
+      for (const int end : {-1, 4096, 8999, 16384}) {
+        const int last = end < 0 ? kSize - 1 : end;
+        if (start > last) continue;
+        Indices expected;
+        for (int i = start; i <= last; ++i) {
+          if (x[static_cast<std::size_t>(i)] == value) expected.push_back(static_cast<unsigned>(i));
+        }
+        SCOPED_TRACE(std::to_string(value) + " " + std::to_string(start) + " " +
+                     std::to_string(end));
+        const int count = static_cast<int>(expected.size());
+        EXPECT_EQ(Call(v, "Find", Null{}, value, kM, 0, start, end, 0).Int(), count);
+        EXPECT_EQ(Call(v, "Find", found, value - 0.5, value + 0.5, 0, start, end, 0).Int(), count);
+        EXPECT_EQ(ValuesOf<unsigned>(found), expected);
+        expected.resize(std::min<std::size_t>(expected.size(), 1));
+        EXPECT_EQ(Call(v, "Find", found, value, kM, 0, start, end, 1).Int(), count > 0);
+        EXPECT_EQ(ValuesOf<unsigned>(found), expected);
+      }
+    }
   }
 }
 

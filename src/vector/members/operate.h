@@ -69,13 +69,6 @@ void AssignRun(const ElementRun& y, std::span<T> x) {
   });
 }
 
-// The elements of a row without those below its lower bound, which are no part of its data.
-template <class T>
-std::span<T> FromLowerBound(std::span<T> elements, const TCAllVectorNonTemplBase& vector, int row) {
-  const auto lower = static_cast<std::size_t>(vector.RowLowerBound(row));
-  return elements.subspan(std::min(lower, elements.size()));
-}
-
 }  // namespace vela
 
 template <class T>
@@ -123,7 +116,7 @@ int TCAllVectorsBaseBase<T>::OperateOnRow(int row, unsigned code, const tagMSOOB
     }
     SetSizeFixed(row);
     RowAccess<T> elements(*this, row);
-    vela::ApplyOperation<T>(code, vela::FromLowerBound(elements.Elements(), *this, row), value,
+    vela::ApplyOperation<T>(code, elements.Elements().subspan(this->FirstOfData(row)), value,
                             vela::IsDebugMode());
     return elements.Commit();
   }
@@ -149,8 +142,8 @@ int TCAllVectorsBaseBase<T>::OperateOnRow(int row, unsigned code, const tagMSOOB
   SetSizeFixed(row);
   vela::RowElements operands(source);
   RowAccess<T> elements(*this, row);
-  const std::span<T> target = vela::FromLowerBound(elements.Elements(), *this, row);
-  const std::size_t first = elements.Elements().size() - target.size();
+  const std::size_t first = this->FirstOfData(row);
+  const std::span<T> target = elements.Elements().subspan(first);
   if (broadcast) {
     const vela::ElementsAs<T> value(operands.Run());
     vela::ApplyOperation<T>(code, target, value.Span().front(), vela::IsDebugMode());

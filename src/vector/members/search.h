@@ -156,8 +156,7 @@ int FindAll(member::Arguments& args, std::span<const T> x) {
     copy.assign(x.begin(), x.end());
     x = copy;
   }
-  const std::size_t count = StorePositions(x, wanted, scope, found);
-  return static_cast<int>(count);
+  return static_cast<int>(StorePositions(x, wanted, scope, found));
 }
 
 // By which Merge tells elements apart.

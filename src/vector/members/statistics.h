@@ -250,9 +250,7 @@ int TCAllVectorsBase<T>::Abs(CTCall* call) {
     const int row = this->Row(args);
     if constexpr (vela::SimpleElement<T>) {
       RowAccess<T> elements(*this, row);
-      const auto lower = static_cast<std::size_t>(this->RowLowerBound(row));
-      vela::kernel::Abs<T>(
-          elements.Elements().subspan(std::min(lower, elements.Elements().size())));
+      vela::kernel::Abs<T>(elements.Elements().subspan(this->FirstOfData(row)));
       Check(elements.Commit());
       args.Return(0);
     } else {

@@ -48,12 +48,6 @@ std::size_t RemoveMissing(std::span<T> x) {
 
 }  // namespace vela
 
-template <class T>
-std::size_t TCAllVectorsBase<T>::FirstOfData(int row) const {
-  const auto lower = static_cast<std::size_t>(std::max(this->RowLowerBound(row), 0));
-  return std::min(lower, this->RowSize(row));
-}
-
 // TrimLeft(BOOL shift): unless shift is 0, moves the elements behind the leading missing values
 // down over them. How many were removed; -1 for a row without data.
 template <class T>
@@ -64,7 +58,7 @@ int TCAllVectorsBase<T>::TrimLeft(CTCall* call) {
     if (args.Int(0) == 0) return args.Return(0);
     RowAccess<T> access(*this, row);
     const std::span<T> elements = access.Elements();
-    const std::span<T> data = elements.subspan(FirstOfData(row));
+    const std::span<T> data = elements.subspan(this->FirstOfData(row));
     if (data.empty()) return args.Return(-1);
     const std::size_t removed = vela::CountLeadingMissing<T>(data);
     if (removed > 0) {
@@ -86,7 +80,7 @@ int TCAllVectorsBase<T>::TrimRight(CTCall* call) {
     if (args.Int(0) == 0) return args.Return(0);
     const RowAccess<T> access(*this, row);
     const std::span<const T> elements = access.Elements();
-    const std::span<const T> data = elements.subspan(FirstOfData(row));
+    const std::span<const T> data = elements.subspan(this->FirstOfData(row));
     if (data.empty()) return args.Return(-1);
     const std::size_t removed = vela::CountTrailingMissing<T>(data);
     if (removed > 0) {
@@ -104,7 +98,7 @@ int TCAllVectorsBase<T>::Trim(CTCall* call) {
   return Run(call, NoArguments(), [&](Arguments& args) {
     const int row = this->Row(args);
     RowAccess<T> access(*this, row);
-    const std::size_t first = FirstOfData(row);
+    const std::size_t first = this->FirstOfData(row);
     const std::span<T> data = access.Elements().subspan(first);
     if (data.empty()) return args.Return(0);
     const std::size_t kept = first + vela::RemoveMissing<T>(data);
