@@ -27,6 +27,7 @@ struct ElementFunctions {
 
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
+namespace hn = hwy::HWY_NAMESPACE;
 namespace {
 
 // The largest magnitude that the divide and multiply guards let through; a little below the largest
@@ -125,12 +126,20 @@ template <class T>
 struct Elements {
   const T* data;
   T operator[](std::size_t i) const { return data[i]; }
+  template <class D>
+  HWY_INLINE hn::Vec<D> Vector(D d, std::size_t i) const {
+    return hn::LoadU(d, data + i);
+  }
 };
 
 template <class T>
 struct Broadcast {
   T value;
   T operator[](std::size_t /*i*/) const { return value; }
+  template <class D>
+  HWY_INLINE hn::Vec<D> Vector(D d, std::size_t /*i*/) const {
+    return hn::Set(d, value);
+  }
 };
 
 template <class Operation, class T>
@@ -159,10 +168,46 @@ void LoopFrom(std::size_t begin, std::size_t end, T* x, Operands y) {
   }
 }
 
+// Not inline: a short loop of known length would be unrolled into single divisions.
+template <class T, class Operands>
+HWY_NOINLINE void DivideGuarded(std::size_t begin, std::size_t end, T* x, Operands y) {
+  LoopFrom<Divide>(begin, end, x, y);
+}
+
+// The quotients from x[begin] on, as many as fill whole vectors; returns where it stops. A quotient
+// clearly below the limit needs no guard, and hardly any other is met: comparing quotients keeps
+// the guard's own steps out of the way of the divisions.
+template <class T, class Operands>
+std::size_t DivideWhole(std::size_t begin, std::size_t end, T* x, Operands y) {
+  const hn::ScalableTag<T> d;
+  const auto limit =
+      hn::Set(d, static_cast<T>(std::min<double>(kGuardLimit / 2, std::numeric_limits<T>::max())));
+  const auto missing = hn::Set(d, kStoredMissing<T>);
+  const std::size_t lanes = hn::Lanes(d);
+  std::size_t i = begin;
+  for (; i + lanes <= end; i += lanes) {
+    const auto dividend = hn::LoadU(d, x + i);
+    const auto divisor = y.Vector(d, i);
+    const auto quotient = hn::Div(dividend, divisor);
+    if (HWY_UNLIKELY(!hn::AllTrue(d, hn::Le(hn::Abs(quotient), limit)))) {
+      DivideGuarded(i, i + lanes, x, y);
+    } else if constexpr (std::same_as<T, double>) {
+      const auto values = hn::And(hn::Ne(dividend, missing), hn::Ne(divisor, missing));
+      hn::StoreU(hn::IfThenElse(values, quotient, missing), d, x + i);
+    } else {
+      hn::StoreU(quotient, d, x + i);
+    }
+  }
+  return i;
+}
+
 template <class Operation, class T, class Operands>
 void Loop(T* x, std::size_t count, Operands y) {
-  const std::size_t lead = ElementsBeforeLine(x, count);
+  std::size_t lead = ElementsBeforeLine(x, count);
   LoopFrom<Operation>(0, lead, x, y);
+  if constexpr (std::same_as<Operation, Divide> && std::floating_point<T>) {
+    lead = DivideWhole(lead, count, x, y);
+  }
   LoopFrom<Operation>(lead, count, x, y);
 }
 

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "kernel/line_start.h"
+#include "kernel/missing.h"
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/convert.cpp"
@@ -43,6 +44,21 @@ void ConvertLoop(const From* source, To* target, std::size_t count) {
   ConvertRun(source + lead, target + lead, count - lead);
 }
 
+template <class From, class To>
+void ConvertNumbers(const From* HWY_RESTRICT source, To* HWY_RESTRICT target, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const bool is_nan = source[i] != source[i];
+    target[i] = is_nan ? ConvertElement<To>(kMissing) : ConvertElement<To>(source[i]);
+  }
+}
+
+template <class From, class To>
+void ConvertNumbersLoop(const From* source, To* target, std::size_t count) {
+  const std::size_t lead = ElementsBeforeLine(target, count);
+  ConvertNumbers(source, target, lead);
+  ConvertNumbers(source + lead, target + lead, count - lead);
+}
+
 template <class From>
 using Table = typename detail::ConversionsFrom<From>::Table;
 using AllTables = PerElementType<Table>;
@@ -63,10 +79,34 @@ const AllTables& Tables() {
 }
 
 }  // namespace
+
+void WidenWithoutNan(const float* source, double* target, std::size_t count) {
+  ConvertNumbersLoop(source, target, count);
+}
+
+void NarrowWithoutNan(const double* source, float* target, std::size_t count) {
+  ConvertNumbersLoop(source, target, count);
+}
+
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace vela::kernel {
+
+HWY_EXPORT(WidenWithoutNan);
+HWY_EXPORT(NarrowWithoutNan);
+
+void ConvertWithoutNan(std::span<const float> source, std::span<double> target) {
+  HWY_DYNAMIC_DISPATCH(WidenWithoutNan)(source.data(), target.data(), source.size());
+}
+
+void ConvertWithoutNan(std::span<const double> source, std::span<float> target) {
+  HWY_DYNAMIC_DISPATCH(NarrowWithoutNan)(source.data(), target.data(), source.size());
+}
+
+}  // namespace vela::kernel
+
 namespace vela::kernel::detail {
 
 HWY_EXPORT(Tables);

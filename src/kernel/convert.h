@@ -83,4 +83,8 @@ void Convert(std::span<const From> source, std::span<To> target) {
   }
 }
 
+/// As Convert from one floating type to the other, but a NaN is stored as the missing value is.
+void ConvertWithoutNan(std::span<const float> source, std::span<double> target);
+void ConvertWithoutNan(std::span<const double> source, std::span<float> target);
+
 }  // namespace vela::kernel

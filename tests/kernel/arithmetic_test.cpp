@@ -149,6 +149,29 @@ TEST(ArithmeticTest, WithholdsQuotientsThatOverflow) {
   ExpectSame(x, {1, kMissing, 1.5, kMissing, 1e290});
 }
 
+template <class T>
+class DivisionTest : public ::testing::Test {};
+using FloatingTypes = ::testing::Types<float, double>;
+TYPED_TEST_SUITE(DivisionTest, FloatingTypes);
+
+// Among plain quotients, which have a loop of their own.
+TYPED_TEST(DivisionTest, GuardsASingleElementOfALongRun) {
+  using T = TypeParam;
+  constexpr std::size_t kSize = 100;
+  for (const T dividend : EdgeValues<T>()) {
+    for (const T divisor : EdgeValues<T>()) {
+      for (std::size_t at = 0; at < kSize; at += 7) {
+        std::vector<T> x(kSize, T{6}), y(kSize, T{4}), expected(kSize, T{1.5});
+        x[at] = dividend;
+        y[at] = divisor;
+        expected[at] = Expected(Op::kDivide, dividend, divisor, false);
+        Apply<T>(Op::kDivide, x, y, false);
+        ExpectSame(x, expected);
+      }
+    }
+  }
+}
+
 TEST(ArithmeticTest, WithholdsProductsThatOverflowOnlyWhenAsked) {
   double x = 1e300;
   ApplyElement(Op::kMultiply, x, 1e10, true);

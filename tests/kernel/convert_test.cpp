@@ -66,6 +66,25 @@ TYPED_TEST(ConvertTest, AgreesWithTheExactValueForEveryTarget) {
   CheckPair<std::uint64_t, TypeParam>();
 }
 
+template <class To, class From>
+void CheckWithoutNan() {
+  for (const std::size_t size : SampleLengths()) {
+    const auto source = SampleValues<From>(size, 2);
+    std::vector<To> target(size);
+    ConvertWithoutNan(std::span<const From>(source), std::span(target));
+    std::vector<To> expected;
+    for (const From value : source) {
+      expected.push_back(std::isnan(value) ? Expected<To>(kMissing) : Expected<To>(value));
+    }
+    ExpectSame(target, expected);
+  }
+}
+
+TEST(ConvertWithoutNanTest, StoresNanAsTheMissingValue) {
+  CheckWithoutNan<float, double>();
+  CheckWithoutNan<double, float>();
+}
+
 TEST(ConvertElementTest, StoresMissingAsZeroOrMinusZero) {
   EXPECT_EQ(ConvertElement<int>(kMissing), 0);
   EXPECT_EQ(ConvertElement<unsigned char>(kMissing), 0);

@@ -34,18 +34,6 @@ void ApplyRun(unsigned code, std::span<T> x, const ElementRun& y, bool guard_mul
   });
 }
 
-// Replaces NaN by the missing value while the elements are still in the cache.
-template <class To, class From>
-void ConvertWithoutNan(std::span<const From> from, std::span<To> to) {
-  constexpr std::size_t kBlock = 1024;
-  for (std::size_t begin = 0; begin < to.size(); begin += kBlock) {
-    const std::size_t count = std::min(kBlock, to.size() - begin);
-    const std::span<To> block = to.subspan(begin, count);
-    kernel::Convert<To, From>(from.subspan(begin, count), block);
-    kernel::Apply<To>(kernel::Op::kAssign, block, block, false);
-  }
-}
-
 // x = y, which differs from a copy in that a NaN becomes the missing value. Large runs are shared
 // out over worker threads.
 template <class T>
@@ -61,7 +49,7 @@ void AssignRun(const ElementRun& y, std::span<T> x) {
     const ElementRun source = y.Part(begin, end - begin);
     WithElementType(y.type_id, [&]<class U>() {
       if constexpr (FloatingElement<T> && FloatingElement<U> && !std::is_same_v<T, U>) {
-        ConvertWithoutNan<T, U>(source.As<U>(), part);
+        kernel::ConvertWithoutNan(source.As<U>(), part);
       } else {
         ApplyRun<T>(operation::kAssign, part, source, false);
       }
