@@ -1,5 +1,6 @@
 #include "kernel/convert.h"
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -37,26 +38,11 @@ void ConvertRun(const double* HWY_RESTRICT source, std::int32_t* HWY_RESTRICT ta
   for (; i < count; ++i) target[i] = ConvertElement<std::int32_t>(source[i]);
 }
 
-template <class From, class To>
+template <class From, class To, void kRun(const From*, To*, std::size_t) = ConvertRun<From, To>>
 void ConvertLoop(const From* source, To* target, std::size_t count) {
   const std::size_t lead = ElementsBeforeLine(target, count);
-  ConvertRun(source, target, lead);
-  ConvertRun(source + lead, target + lead, count - lead);
-}
-
-template <class From, class To>
-void ConvertNumbers(const From* HWY_RESTRICT source, To* HWY_RESTRICT target, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) {
-    const bool is_nan = source[i] != source[i];
-    target[i] = is_nan ? ConvertElement<To>(kMissing) : ConvertElement<To>(source[i]);
-  }
-}
-
-template <class From, class To>
-void ConvertNumbersLoop(const From* source, To* target, std::size_t count) {
-  const std::size_t lead = ElementsBeforeLine(target, count);
-  ConvertNumbers(source, target, lead);
-  ConvertNumbers(source + lead, target + lead, count - lead);
+  kRun(source, target, lead);
+  kRun(source + lead, target + lead, count - lead);
 }
 
 template <class From>
@@ -80,12 +66,47 @@ const AllTables& Tables() {
 
 }  // namespace
 
+namespace hn = hwy::HWY_NAMESPACE;
+
+// Doubles as vectors, and as many floats.
+using Doubles = hn::ScalableTag<double>;
+using Floats = hn::Rebind<float, Doubles>;
+
+HWY_INLINE hn::Vec<Doubles> WithoutNan(hn::Vec<Doubles> values) {
+  return hn::IfThenElse(hn::IsNaN(values), hn::Set(Doubles(), kMissing), values);
+}
+
+// The compiler would branch on every element.
+void WidenNumbers(const float* HWY_RESTRICT source, double* HWY_RESTRICT target,
+                  std::size_t count) {
+  const std::size_t lanes = hn::Lanes(Doubles());
+  std::size_t i = 0;
+  for (; i + lanes <= count; i += lanes) {
+    const auto values = hn::PromoteTo(Doubles(), hn::LoadU(Floats(), source + i));
+    hn::StoreU(WithoutNan(values), Doubles(), target + i);
+  }
+  for (; i < count; ++i) target[i] = std::isnan(source[i]) ? kMissing : double{source[i]};
+}
+
+void NarrowNumbers(const double* HWY_RESTRICT source, float* HWY_RESTRICT target,
+                   std::size_t count) {
+  const std::size_t lanes = hn::Lanes(Doubles());
+  std::size_t i = 0;
+  for (; i + lanes <= count; i += lanes) {
+    const auto values = WithoutNan(hn::LoadU(Doubles(), source + i));
+    hn::StoreU(hn::DemoteTo(Floats(), values), Floats(), target + i);
+  }
+  for (; i < count; ++i) {
+    target[i] = static_cast<float>(std::isnan(source[i]) ? kMissing : source[i]);
+  }
+}
+
 void WidenWithoutNan(const float* source, double* target, std::size_t count) {
-  ConvertNumbersLoop(source, target, count);
+  ConvertLoop<float, double, WidenNumbers>(source, target, count);
 }
 
 void NarrowWithoutNan(const double* source, float* target, std::size_t count) {
-  ConvertNumbersLoop(source, target, count);
+  ConvertLoop<double, float, NarrowNumbers>(source, target, count);
 }
 
 }  // namespace vela::kernel::HWY_NAMESPACE

@@ -30,7 +30,8 @@ T DifferenceOf(T later, T earlier) {
         static_cast<T>(static_cast<std::uint32_t>(later) - static_cast<std::uint32_t>(earlier));
     // It left the range where the signs of the operands differ and the result took the wrong one.
     const bool overflows = ((later ^ earlier) & (later ^ wrapped)) < 0;
-    return overflows ? (later < 0 ? Limits::min() : Limits::max()) : wrapped;
+    const T limit = (later >> Limits::digits) ^ Limits::max();  // of the sign of later
+    return overflows ? limit : wrapped;
   } else if constexpr (std::integral<T> && sizeof(T) < 4) {
     return static_cast<T>(std::clamp<int>(later - earlier, Limits::min(), Limits::max()));
   } else {

@@ -1,6 +1,8 @@
 #include "kernel/sum.h"
 
+#include <concepts>
 #include <cstddef>
+#include <cstdint>
 
 #include "kernel/double_blocks.h"
 #include "kernel/missing.h"
@@ -17,31 +19,43 @@ namespace hn = hwy::HWY_NAMESPACE;
 // As many running sums as it takes to keep two adders busy over the latency of an addition.
 constexpr std::size_t kSums = 8;
 
-double SumBlock(const double* HWY_RESTRICT x, std::size_t n) {
-  const hn::ScalableTag<double> d;
-  const auto missing = hn::Set(d, kMissing);
+using Doubles = hn::ScalableTag<double>;
+
+// The elements from x on that fill a vector of doubles, zero in place of missing ones.
+template <class T>
+HWY_INLINE hn::Vec<Doubles> Load(const T* x) {
+  const Doubles d;
+  if constexpr (std::same_as<T, double>) {
+    const auto v = hn::LoadU(d, x);
+    return hn::IfThenZeroElse(hn::Eq(v, hn::Set(d, kMissing)), v);
+  } else {
+    return hn::PromoteTo(d, hn::LoadU(hn::Rebind<T, Doubles>(), x));
+  }
+}
+
+template <class T>
+double SumBlock(const T* HWY_RESTRICT x, std::size_t n) {
+  const Doubles d;
   const std::size_t lanes = hn::Lanes(d);
-  hn::Vec<decltype(d)> sums[kSums];
+  hn::Vec<Doubles> sums[kSums];
   for (auto& sum : sums) sum = hn::Zero(d);
 
   std::size_t i = 0;
   for (; i + kSums * lanes <= n; i += kSums * lanes) {
-    for (std::size_t k = 0; k < kSums; ++k) {
-      const auto v = hn::LoadU(d, x + i + k * lanes);
-      sums[k] = hn::Add(sums[k], hn::IfThenZeroElse(hn::Eq(v, missing), v));
-    }
+    for (std::size_t k = 0; k < kSums; ++k) sums[k] = hn::Add(sums[k], Load(x + i + k * lanes));
   }
-  for (; i + lanes <= n; i += lanes) {
-    const auto v = hn::LoadU(d, x + i);
-    sums[0] = hn::Add(sums[0], hn::IfThenZeroElse(hn::Eq(v, missing), v));
-  }
+  for (; i + lanes <= n; i += lanes) sums[0] = hn::Add(sums[0], Load(x + i));
   for (std::size_t width = kSums / 2; width > 0; width /= 2) {
     for (std::size_t k = 0; k < width; ++k) sums[k] = hn::Add(sums[k], sums[k + width]);
   }
   double total = hn::GetLane(hn::SumOfLanes(d, sums[0]));
-  for (; i < n; ++i) total += IsMissing(x[i]) ? 0.0 : x[i];
+  for (; i < n; ++i) total += IsMissing(x[i]) ? 0.0 : static_cast<double>(x[i]);
   return total;
 }
+
+double SumDoubles(const double* x, std::size_t n) { return SumBlock(x, n); }
+double SumFloats(const float* x, std::size_t n) { return SumBlock(x, n); }
+double SumInts(const std::int32_t* x, std::size_t n) { return SumBlock(x, n); }
 
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -50,7 +64,27 @@ HWY_AFTER_NAMESPACE();
 namespace vela::kernel {
 namespace {
 
-HWY_EXPORT(SumBlock);
+HWY_EXPORT(SumDoubles);
+HWY_EXPORT(SumFloats);
+HWY_EXPORT(SumInts);
+
+template <class T>
+double SumBlock(std::span<const T> x) {
+  if constexpr (std::same_as<T, double>) {
+    return HWY_DYNAMIC_DISPATCH(SumDoubles)(x.data(), x.size());
+  } else if constexpr (std::same_as<T, float>) {
+    return HWY_DYNAMIC_DISPATCH(SumFloats)(x.data(), x.size());
+  } else if constexpr (std::same_as<T, std::int32_t>) {
+    return HWY_DYNAMIC_DISPATCH(SumInts)(x.data(), x.size());
+  } else {
+    double total = 0.0;
+    ForEachDoubleBlock(x, [&](std::span<const double> block, std::size_t /*offset*/) {
+      total = SumBlock(block);
+      return true;
+    });
+    return total;
+  }
+}
 
 template <class T>
 double PairwiseSum(std::span<const T> x) {
@@ -58,12 +92,7 @@ double PairwiseSum(std::span<const T> x) {
     const std::size_t half = (x.size() / 2 + kBlockSize - 1) / kBlockSize * kBlockSize;
     return PairwiseSum(x.first(half)) + PairwiseSum(x.subspan(half));
   }
-  double total = 0.0;
-  ForEachDoubleBlock(x, [&](std::span<const double> block, std::size_t /*offset*/) {
-    total = HWY_DYNAMIC_DISPATCH(SumBlock)(block.data(), block.size());
-    return true;
-  });
-  return total;
+  return SumBlock(x);
 }
 
 }  // namespace
