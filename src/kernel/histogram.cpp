@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <concepts>
 #include <limits>
 #include <stdexcept>
 
@@ -86,9 +87,11 @@ std::vector<std::size_t> CountByReached(std::span<const T> x, std::span<const do
   std::size_t missing = 0, nan = 0;
   ForEachDoubleBlock(x, [&](std::span<const double> block, std::size_t /*offset*/) {
     HWY_DYNAMIC_DISPATCH(CountReached)(search, block.data(), block.size(), tables.data(), stride);
-    const SpecialCounts special = HWY_DYNAMIC_DISPATCH(CountSpecial)(block.data(), block.size());
-    missing += special.missing;
-    nan += special.nan;
+    if constexpr (std::floating_point<T>) {
+      const SpecialCounts special = HWY_DYNAMIC_DISPATCH(CountSpecial)(block.data(), block.size());
+      missing += special.missing;
+      nan += special.nan;
+    }
     return true;
   });
   std::vector<std::size_t> reached(stride);
