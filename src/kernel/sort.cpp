@@ -25,35 +25,6 @@ void CountingSort(std::span<T> values) {
   }
 }
 
-template <class T>
-using SignedBits = std::conditional_t<sizeof(T) == 4, std::int32_t, std::int64_t>;
-
-// Turns the bits of a number, which have sign and magnitude, into an integer of the same order, and
-// back.
-template <class Bits>
-constexpr Bits FlipMagnitude(Bits bits) {
-  return bits < 0 ? bits ^ std::numeric_limits<Bits>::max() : bits;
-}
-
-// Floating values are sorted as integers: the vector sort compares those faithfully, while it loses
-// infinities and the signs of zeros. All bits but a NaN's sign survive.
-template <class T>
-void SortFloating(std::span<T> values, bool ascending) {
-  using Bits = SignedBits<T>;
-  const Bits direction = ascending ? 0 : -1;
-  for (T& value : values) {
-    const Bits bits = std::bit_cast<Bits>(value);
-    const Bits nan = bits & std::numeric_limits<Bits>::max();
-    value = std::bit_cast<T>(value != value ? nan : FlipMagnitude(bits) ^ direction);
-  }
-  VectorSort(reinterpret_cast<Bits*>(values.data()), values.size());
-  constexpr Bits kInfinity = std::bit_cast<Bits>(std::numeric_limits<T>::infinity());
-  for (T& value : values) {
-    const Bits key = std::bit_cast<Bits>(value);
-    value = std::bit_cast<T>(key > kInfinity ? key : FlipMagnitude<Bits>(key ^ direction));
-  }
-}
-
 // An unsigned number that orders like the value, NaN above all, in either sorting order.
 template <class T>
 auto OrderedKey(T value, bool ascending) {
@@ -123,8 +94,7 @@ void Arrange(std::span<T> values, std::span<std::uint32_t> indices,
 template <Element T>
 void Sort(std::span<T> values, bool ascending) {
   if constexpr (std::floating_point<T>) {
-    SortFloating(values, ascending);
-    return;
+    return VectorSort(values.data(), values.size(), ascending);
   } else if constexpr (sizeof(T) == 1) {
     CountingSort(values);
   } else {
