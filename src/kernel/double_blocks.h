@@ -4,6 +4,7 @@
 #include <array>
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <span>
 
 #include "kernel/convert.h"
@@ -29,6 +30,23 @@ void ForEachDoubleBlock(std::span<const T> x, Visit visit) {
       Convert<double, T>(block, values);
       if (!visit(std::span<const double>(values), offset)) return;
     }
+  }
+}
+
+/// The types whose vectors become doubles as they are loaded.
+template <class T>
+concept LoadsAsDouble =
+    std::same_as<T, double> || std::same_as<T, float> || std::same_as<T, std::int32_t>;
+
+/// As ForEachDoubleBlock, but passes blocks of every type that LoadsAsDouble in place.
+template <class T, class Visit>
+void ForEachLoadableBlock(std::span<const T> x, Visit visit) {
+  if constexpr (LoadsAsDouble<T>) {
+    for (std::size_t offset = 0; offset < x.size(); offset += kBlockSize) {
+      if (!visit(x.subspan(offset, std::min(kBlockSize, x.size() - offset)), offset)) return;
+    }
+  } else {
+    ForEachDoubleBlock(x, visit);
   }
 }
 

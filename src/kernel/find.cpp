@@ -4,6 +4,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <tuple>
 
 #include "kernel/double_blocks.h"
 #include "kernel/missing.h"
@@ -25,6 +26,15 @@ inline constexpr BitPositions kBitPositions = [] {
   return table;
 }();
 
+// For each way to match: counts the matches among n elements and writes their indices, counted from
+// base, as far as they fit.
+template <class T>
+struct Collectors {
+  using Collector = std::size_t (*)(const T* x, std::size_t n, double a, double b, std::size_t base,
+                                    std::uint32_t* found, std::size_t capacity);
+  Collector equal, near, inside;
+};
+
 }  // namespace vela::kernel
 #endif
 
@@ -32,6 +42,8 @@ inline constexpr BitPositions kBitPositions = [] {
 #define HWY_TARGET_INCLUDE "kernel/find.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+
+#include "kernel/load_doubles-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
@@ -77,13 +89,13 @@ struct Inside {
 };
 
 // One bit for each of 8 elements, set where they match.
-template <class Matches>
-HWY_INLINE unsigned MatchByte(const double* HWY_RESTRICT x, Matches matches) {
+template <class T, class Matches>
+HWY_INLINE unsigned MatchByte(const T* HWY_RESTRICT x, Matches matches) {
   const hn::CappedTag<double, 8> d;
   unsigned byte = 0;
   for (std::size_t i = 0; i < 8; i += hn::Lanes(d)) {
     std::uint8_t bits[8];
-    hn::StoreMaskBits(d, matches(d, hn::LoadU(d, x + i)), bits);
+    hn::StoreMaskBits(d, matches(d, LoadDoubles(d, x + i)), bits);
     byte |= static_cast<unsigned>(bits[0]) << i;
   }
   return byte;
@@ -102,21 +114,20 @@ HWY_INLINE void WritePositions(unsigned byte, std::uint32_t base, std::uint32_t*
 // Elements that are tested at a time where matches are rare.
 constexpr std::size_t kGroup = 64;
 
-template <class Matches>
-HWY_INLINE bool NoneMatches(const double* HWY_RESTRICT x, Matches matches) {
+template <class T, class Matches>
+HWY_INLINE bool NoneMatches(const T* HWY_RESTRICT x, Matches matches) {
   const hn::CappedTag<double, 8> d;
-  auto any = matches(d, hn::LoadU(d, x));
+  auto any = matches(d, LoadDoubles(d, x));
   for (std::size_t i = hn::Lanes(d); i < kGroup; i += hn::Lanes(d)) {
-    any = hn::Or(any, matches(d, hn::LoadU(d, x + i)));
+    any = hn::Or(any, matches(d, LoadDoubles(d, x + i)));
   }
   return hn::AllFalse(d, any);
 }
 
 // Counts the matches among the first elements of x, as many as fill whole groups of vectors; how
 // many elements those are is added to done.
-template <class Matches>
-std::size_t CountWhole(const double* HWY_RESTRICT x, std::size_t n, Matches matches,
-                       std::size_t& done) {
+template <class T, class Matches>
+std::size_t CountWhole(const T* HWY_RESTRICT x, std::size_t n, Matches matches, std::size_t& done) {
   const hn::ScalableTag<double> d;
   const hn::RebindToSigned<decltype(d)> di;
   constexpr std::size_t kChains = 4;
@@ -127,7 +138,7 @@ std::size_t CountWhole(const double* HWY_RESTRICT x, std::size_t n, Matches matc
   for (; i + kChains * lanes <= n; i += kChains * lanes) {
     for (std::size_t k = 0; k < kChains; ++k) {
       // A match is all bits set, which is -1.
-      const auto match = matches(d, hn::LoadU(d, x + i + k * lanes));
+      const auto match = matches(d, LoadDoubles(d, x + i + k * lanes));
       counts[k] = hn::Sub(counts[k], hn::BitCast(di, hn::VecFromMask(d, match)));
     }
   }
@@ -138,8 +149,8 @@ std::size_t CountWhole(const double* HWY_RESTRICT x, std::size_t n, Matches matc
 
 // Counts the matches in x and writes their indices, counted from base, as far as they fit. At most
 // kBlockSize elements.
-template <class Matches>
-std::size_t Collect(const double* HWY_RESTRICT x, std::size_t n, Matches matches, std::size_t base,
+template <class T, class Matches>
+std::size_t Collect(const T* HWY_RESTRICT x, std::size_t n, Matches matches, std::size_t base,
                     std::uint32_t* HWY_RESTRICT found, std::size_t capacity) {
   std::size_t count = 0;
   std::size_t i = 0;
@@ -157,29 +168,42 @@ std::size_t Collect(const double* HWY_RESTRICT x, std::size_t n, Matches matches
   if (capacity == 0) count = CountWhole(x, n, matches, i);
   const hn::CappedTag<double, 1> one;
   for (; i < n; ++i) {
-    if (hn::AllFalse(one, matches(one, hn::LoadU(one, x + i)))) continue;
+    if (hn::AllFalse(one, matches(one, LoadDoubles(one, x + i)))) continue;
     if (count < capacity) found[count] = static_cast<std::uint32_t>(base + i);
     ++count;
   }
   return count;
 }
 
-std::size_t CollectEqual(const double* x, std::size_t n, double value, double /*unused*/,
+template <class T>
+std::size_t CollectEqual(const T* x, std::size_t n, double value, double /*unused*/,
                          std::size_t base, std::uint32_t* found, std::size_t capacity) {
   return Collect(x, n, EqualTo{value}, base, found, capacity);
 }
 
-std::size_t CollectNear(const double* x, std::size_t n, double value, double tolerance,
-                        std::size_t base, std::uint32_t* found, std::size_t capacity) {
+template <class T>
+std::size_t CollectNear(const T* x, std::size_t n, double value, double tolerance, std::size_t base,
+                        std::uint32_t* found, std::size_t capacity) {
   return Collect(x, n, Near{value, tolerance}, base, found, capacity);
 }
 
-std::size_t CollectInside(const double* x, std::size_t n, double low, double high, std::size_t base,
+template <class T>
+std::size_t CollectInside(const T* x, std::size_t n, double low, double high, std::size_t base,
                           std::uint32_t* found, std::size_t capacity) {
   if (low > kMissing || high < kMissing) {
     return Collect(x, n, Between{low, high}, base, found, capacity);
   }
   return Collect(x, n, Inside{low, high}, base, found, capacity);
+}
+
+template <class... T>
+constexpr std::tuple<Collectors<T>...> MakeCollectors() {
+  return {Collectors<T>{&CollectEqual<T>, &CollectNear<T>, &CollectInside<T>}...};
+}
+
+const auto& AllCollectors() {
+  static constexpr auto kCollectors = MakeCollectors<double, float, std::int32_t>();
+  return kCollectors;
 }
 
 }  // namespace vela::kernel::HWY_NAMESPACE
@@ -189,21 +213,18 @@ HWY_AFTER_NAMESPACE();
 namespace vela::kernel {
 namespace {
 
-HWY_EXPORT(CollectEqual);
-HWY_EXPORT(CollectNear);
-HWY_EXPORT(CollectInside);
+HWY_EXPORT(AllCollectors);
 
-using Collector = std::size_t (*)(const double* x, std::size_t n, double a, double b,
-                                  std::size_t base, std::uint32_t* found, std::size_t capacity);
-
-template <class T>
-std::size_t Find(std::span<const T> x, Collector collect, double a, double b, FindScope scope,
+// way picks one of the Collectors.
+template <class T, class Way>
+std::size_t Find(std::span<const T> x, Way way, double a, double b, FindScope scope,
                  std::span<std::uint32_t> found) {
   const std::size_t end = std::min(scope.end, x.size());
   const std::size_t start = std::min(scope.start, end);
   const auto range = x.subspan(start, end - start);
   std::size_t count = 0;
-  ForEachDoubleBlock(range, [&](std::span<const double> block, std::size_t offset) {
+  ForEachLoadableBlock(range, [&]<class U>(std::span<const U> block, std::size_t offset) {
+    const auto collect = way(std::get<Collectors<U>>(HWY_DYNAMIC_DISPATCH(AllCollectors)()));
     const auto free = found.subspan(std::min(count, found.size()));
     count += collect(block.data(), block.size(), a, b, start + offset, free.data(), free.size());
     return !(scope.first_only && count > 0);
@@ -218,15 +239,17 @@ std::size_t FindEqual(std::span<const T> x, double value, double tolerance, Find
                       std::span<std::uint32_t> found) {
   // The difference of two infinities is NaN: compare them directly.
   const bool exact = tolerance == 0.0 || IsMissing(value) || std::isinf(value);
-  const Collector collect =
-      exact ? HWY_DYNAMIC_DISPATCH(CollectEqual) : HWY_DYNAMIC_DISPATCH(CollectNear);
-  return Find(x, collect, value, tolerance, scope, found);
+  const auto way = [exact](const auto& collectors) {
+    return exact ? collectors.equal : collectors.near;
+  };
+  return Find(x, way, value, tolerance, scope, found);
 }
 
 template <Element T>
 std::size_t FindInRange(std::span<const T> x, double low, double high, FindScope scope,
                         std::span<std::uint32_t> found) {
-  return Find(x, HWY_DYNAMIC_DISPATCH(CollectInside), low, high, scope, found);
+  const auto way = [](const auto& collectors) { return collectors.inside; };
+  return Find(x, way, low, high, scope, found);
 }
 
 #define VELA_KERNEL_INSTANTIATE(T)                                                   \

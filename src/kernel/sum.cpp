@@ -12,6 +12,8 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "kernel/load_doubles-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
@@ -21,16 +23,12 @@ constexpr std::size_t kSums = 8;
 
 using Doubles = hn::ScalableTag<double>;
 
-// The elements from x on that fill a vector of doubles, zero in place of missing ones.
+// Zero in place of missing elements.
 template <class T>
 HWY_INLINE hn::Vec<Doubles> Load(const T* x) {
-  const Doubles d;
-  if constexpr (std::same_as<T, double>) {
-    const auto v = hn::LoadU(d, x);
-    return hn::IfThenZeroElse(hn::Eq(v, hn::Set(d, kMissing)), v);
-  } else {
-    return hn::PromoteTo(d, hn::LoadU(hn::Rebind<T, Doubles>(), x));
-  }
+  const auto v = LoadDoubles(Doubles(), x);
+  if constexpr (!std::same_as<T, double>) return v;
+  return hn::IfThenZeroElse(hn::Eq(v, hn::Set(Doubles(), kMissing)), v);
 }
 
 template <class T>
@@ -68,22 +66,14 @@ HWY_EXPORT(SumDoubles);
 HWY_EXPORT(SumFloats);
 HWY_EXPORT(SumInts);
 
-template <class T>
-double SumBlock(std::span<const T> x) {
-  if constexpr (std::same_as<T, double>) {
-    return HWY_DYNAMIC_DISPATCH(SumDoubles)(x.data(), x.size());
-  } else if constexpr (std::same_as<T, float>) {
-    return HWY_DYNAMIC_DISPATCH(SumFloats)(x.data(), x.size());
-  } else if constexpr (std::same_as<T, std::int32_t>) {
-    return HWY_DYNAMIC_DISPATCH(SumInts)(x.data(), x.size());
-  } else {
-    double total = 0.0;
-    ForEachDoubleBlock(x, [&](std::span<const double> block, std::size_t /*offset*/) {
-      total = SumBlock(block);
-      return true;
-    });
-    return total;
-  }
+double SumBlock(std::span<const double> x) {
+  return HWY_DYNAMIC_DISPATCH(SumDoubles)(x.data(), x.size());
+}
+double SumBlock(std::span<const float> x) {
+  return HWY_DYNAMIC_DISPATCH(SumFloats)(x.data(), x.size());
+}
+double SumBlock(std::span<const std::int32_t> x) {
+  return HWY_DYNAMIC_DISPATCH(SumInts)(x.data(), x.size());
 }
 
 template <class T>
@@ -92,7 +82,12 @@ double PairwiseSum(std::span<const T> x) {
     const std::size_t half = (x.size() / 2 + kBlockSize - 1) / kBlockSize * kBlockSize;
     return PairwiseSum(x.first(half)) + PairwiseSum(x.subspan(half));
   }
-  return SumBlock(x);
+  double total = 0.0;
+  ForEachLoadableBlock(x, [&](auto block, std::size_t /*offset*/) {
+    total = SumBlock(block);
+    return true;
+  });
+  return total;
 }
 
 }  // namespace
