@@ -4,7 +4,6 @@
 #include <bit>
 #include <cmath>
 #include <limits>
-#include <numeric>
 
 namespace vela::kernel {
 namespace {
@@ -13,6 +12,7 @@ constexpr std::int64_t kUlps = 4;
 constexpr std::size_t kFewestCells = 256;
 constexpr std::size_t kMostCells = 1 << 16;
 constexpr std::size_t kCellsPerEdge = 8;
+constexpr std::size_t kFilledCells = 16;
 
 // The least value that counts as equal to an edge. As integers, the bits of doubles step through
 // neighbouring values, away from zero. Without a branch, as there may be more edges than elements.
@@ -55,14 +55,22 @@ EdgeSearch::EdgeSearch(std::span<const double> ascending, std::size_t elements) 
     last_cell = static_cast<double>(cells - 1);
   }
 
-  // Counted one behind their cell, the edges add up to those before each.
-  before.resize(cells + 1);
-  std::uint32_t most = 1;
-  for (const double edge : edges) {
-    most = std::max(most, ++before[static_cast<std::size_t>(CellOf(edge)) + 1]);
+  // Each edge fills the cells behind its own, up to that of the next, by whole runs: what they
+  // overshoot is the next edge's to fill.
+  before.resize(cells + kFilledCells);
+  std::size_t most = 0, in_cell = 0;
+  std::size_t cell = count > 0 ? static_cast<std::size_t>(CellOf(edges[0])) : 0;
+  for (std::size_t k = 0; k < count; ++k) {
+    const std::size_t next =
+        k + 1 < count ? static_cast<std::size_t>(CellOf(edges[k + 1])) : cells - 1;
+    for (std::size_t first = cell + 1; first <= next; first += kFilledCells) {
+      std::fill_n(&before[first], kFilledCells, static_cast<std::uint32_t>(k + 1));
+    }
+    most = std::max(most, ++in_cell);
+    in_cell = next == cell ? in_cell : 0;
+    cell = next;
   }
-  std::partial_sum(before.begin(), before.end(), before.begin());
-  first_step = std::bit_floor(std::size_t{most});
+  first_step = std::bit_floor(most);
   edges.insert(edges.end(), first_step, std::numeric_limits<double>::quiet_NaN());
 }
 
