@@ -18,55 +18,130 @@ namespace vela::kernel::HWY_NAMESPACE {
 constexpr std::size_t kTiles = 4;
 typedef double Vector __attribute__((vector_size(kTiles * sizeof(double))));
 
-// The tails of a tile, side by side with those of its neighbours.
-void Save(const Vector& vector, std::size_t j, double* tails) {
-  std::memcpy(tails + j * kTiles, &vector, sizeof(Vector));
+HWY_INLINE void Load(const double* from, Vector& vector) {
+  std::memcpy(&vector, from, sizeof(vector));
 }
 
-void Restore(const double* tails, std::size_t j, Vector& vector) {
-  std::memcpy(&vector, tails + j * kTiles, sizeof(Vector));
+HWY_INLINE void Store(const Vector& vector, double* to) {
+  std::memcpy(to, &vector, sizeof(vector));
 }
+
+// As many vectors as each has numbers.
+struct Square {
+  Vector row[kTiles];
+
+  HWY_INLINE void Transpose() {
+    static_assert(kTiles == 4);
+    const Vector a = __builtin_shufflevector(row[0], row[1], 0, 4, 2, 6);
+    const Vector b = __builtin_shufflevector(row[0], row[1], 1, 5, 3, 7);
+    const Vector c = __builtin_shufflevector(row[2], row[3], 0, 4, 2, 6);
+    const Vector d = __builtin_shufflevector(row[2], row[3], 1, 5, 3, 7);
+    row[0] = __builtin_shufflevector(a, c, 0, 1, 4, 5);
+    row[1] = __builtin_shufflevector(b, d, 0, 1, 4, 5);
+    row[2] = __builtin_shufflevector(a, c, 2, 3, 6, 7);
+    row[3] = __builtin_shufflevector(b, d, 2, 3, 6, 7);
+  }
+
+  // row[k] becomes element k of each tile.
+  HWY_INLINE void LoadTiles(const double* from, std::size_t window) {
+    for (std::size_t t = 0; t < kTiles; ++t) Load(from + t * window, row[t]);
+    Transpose();
+  }
+
+  // The reverse of LoadTiles.
+  HWY_INLINE void StoreTiles(double* to, std::size_t window) {
+    Transpose();
+    for (std::size_t t = 0; t < kTiles; ++t) Store(row[t], to + t * window);
+  }
+};
+
+// The sums and counts of the elements of each tile so far. kHoles tells whether elements may be
+// missing; without, nothing is counted.
+template <bool kHoles>
+struct Totals {
+  Vector sum = {}, count = {};
+
+  HWY_INLINE void Add(const Vector& elements) {
+    if constexpr (kHoles) {
+      const Vector zero = {};
+      sum += elements == kMissing ? zero : elements;
+      count += elements == kMissing ? zero : zero + 1.0;
+    } else {
+      sum += elements;
+    }
+  }
+  HWY_INLINE void Add(const Totals& other) {
+    sum += other.sum;
+    if constexpr (kHoles) count += other.count;
+  }
+  HWY_INLINE void Save(double* saved) const {
+    Store(sum, saved);
+    if constexpr (kHoles) Store(count, saved + kTiles);
+  }
+  HWY_INLINE void Restore(const double* saved) {
+    Load(saved, sum);
+    if constexpr (kHoles) Load(saved + kTiles, count);
+  }
+  HWY_INLINE void Average(std::size_t window, Vector& average) const {
+    if constexpr (kHoles) {
+      average = count == 0.0 ? Vector{} + kMissing : sum / count;
+    } else {
+      average = sum / static_cast<double>(window);
+    }
+  }
+
+  static constexpr std::size_t kSaved = kHoles ? 2 * kTiles : kTiles;
+};
 
 // Cuts x into kTiles tiles as long as the window, and one behind them. A window that begins in one
 // of the tiles is a tail of it and a head of the next, and heads and tails are running sums; those
 // of several tiles go side by side, as each has to wait for its own last addition. Writes the
-// kTiles * window averages of the windows that begin in the tiles. kHoles tells whether elements
-// may be missing. Scratch: kTiles * window elements in sums, and with kHoles as many in counts.
+// kTiles * window averages of the windows that begin in the tiles. Scratch: Totals::kSaved numbers
+// for each element of a window.
 template <bool kHoles>
-void AverageTiles(const double* HWY_RESTRICT x, std::size_t window, double* HWY_RESTRICT sums,
-                  double* HWY_RESTRICT counts, double* HWY_RESTRICT out) {
-  const auto add = [window](const double* HWY_RESTRICT from, Vector& sum, Vector& count) HWY_ATTR {
-    Vector value = {}, one = {};
-    for (std::size_t t = 0; t < kTiles; ++t) {
-      const double element = from[t * window];
-      value[t] = kHoles && IsMissing(element) ? 0.0 : element;
-      one[t] = kHoles && IsMissing(element) ? 0.0 : 1.0;
+void AverageTiles(const double* HWY_RESTRICT x, std::size_t window, double* HWY_RESTRICT tails,
+                  double* HWY_RESTRICT out) {
+  using TileTotals = Totals<kHoles>;
+  constexpr std::size_t kSaved = TileTotals::kSaved;
+  Square square;
+  Vector vector;
+  TileTotals tail;
+  std::size_t j = window;
+  for (; j >= kTiles; j -= kTiles) {
+    square.LoadTiles(x + j - kTiles, window);
+    for (std::size_t k = kTiles; k-- > 0;) {
+      tail.Add(square.row[k]);
+      tail.Save(tails + (j - kTiles + k) * kSaved);
     }
-    sum += value;
-    if constexpr (kHoles) count += one;
-  };
-
-  Vector sum = {}, count = {};
-  for (std::size_t j = window; j-- > 0;) {
-    add(x + j, sum, count);
-    Save(sum, j, sums);
-    if constexpr (kHoles) Save(count, j, counts);
   }
-  Vector head_sum = {}, head_count = {};
-  for (std::size_t j = 0; j < window; ++j) {
-    if (j > 0) add(x + window + j - 1, head_sum, head_count);
-    Restore(sums, j, sum);
-    sum += head_sum;
-    if constexpr (kHoles) {
-      Restore(counts, j, count);
-      count += head_count;
-      for (std::size_t t = 0; t < kTiles; ++t) {
-        out[t * window + j] = count[t] == 0.0 ? kMissing : sum[t] / count[t];
-      }
-    } else {
-      sum /= static_cast<double>(window);
-      for (std::size_t t = 0; t < kTiles; ++t) out[t * window + j] = sum[t];
+  while (j-- > 0) {
+    for (std::size_t t = 0; t < kTiles; ++t) vector[t] = x[j + t * window];
+    tail.Add(vector);
+    tail.Save(tails + j * kSaved);
+  }
+
+  const auto average = [&](const TileTotals& head, std::size_t at, Vector& averages) HWY_ATTR {
+    tail.Restore(tails + at * kSaved);
+    tail.Add(head);
+    tail.Average(window, averages);
+  };
+  TileTotals head;
+  // The last element behind the tiles belongs to no window, so the last averages are not a square.
+  for (j = 0; j + kTiles < window; j += kTiles) {
+    Square averages;
+    square.LoadTiles(x + window + j, window);
+    for (std::size_t k = 0; k < kTiles; ++k) {
+      average(head, j + k, averages.row[k]);
+      head.Add(square.row[k]);
     }
+    averages.StoreTiles(out + j, window);
+  }
+  for (; j < window; ++j) {
+    average(head, j, vector);
+    for (std::size_t t = 0; t < kTiles; ++t) out[t * window + j] = vector[t];
+    if (j + 1 == window) break;
+    for (std::size_t t = 0; t < kTiles; ++t) vector[t] = x[window + j + t * window];
+    head.Add(vector);
   }
 }
 
@@ -78,13 +153,12 @@ bool HasMissing(const double* x, std::size_t n) {
 
 // As AverageTiles, for whatever x holds.
 void AverageGroup(const double* x, std::size_t window, std::vector<double>& scratch, double* out) {
-  const std::size_t size = kTiles * window;
   if (HasMissing(x, (kTiles + 1) * window - 1)) {
-    scratch.resize(2 * size);
-    AverageTiles<true>(x, window, scratch.data(), scratch.data() + size, out);
+    scratch.resize(Totals<true>::kSaved * window);
+    AverageTiles<true>(x, window, scratch.data(), out);
   } else {
-    scratch.resize(size);
-    AverageTiles<false>(x, window, scratch.data(), nullptr, out);
+    scratch.resize(Totals<false>::kSaved * window);
+    AverageTiles<false>(x, window, scratch.data(), out);
   }
 }
 
