@@ -1,4 +1,5 @@
 #include <bit>
+#include <cstring>
 #include <limits>
 
 #include "kernel/vector_sort.h"
@@ -82,8 +83,6 @@ void SortDoubles(double* values, std::size_t n, bool ascending) {
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-
-#include <cstring>
 
 // The seed for choosing pivots. The one of Highway's compiled library asks the system for random
 // bytes, which takes as long as sorting a hundred elements.
