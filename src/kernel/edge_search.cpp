@@ -5,14 +5,15 @@
 #include <cmath>
 #include <limits>
 
-namespace vela::kernel {
-namespace {
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "kernel/edge_search.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace vela::kernel::HWY_NAMESPACE {
 
 constexpr std::int64_t kUlps = 4;
-constexpr std::size_t kFewestCells = 256;
-constexpr std::size_t kMostCells = 1 << 16;
-constexpr std::size_t kCellsPerEdge = 8;
-constexpr std::size_t kFilledCells = 16;
 
 // The least value that counts as equal to an edge. As integers, the bits of doubles step through
 // neighbouring values, away from zero. Without a branch, as there may be more edges than elements.
@@ -29,22 +30,42 @@ double LeastEqual(double edge) {
   return magnitude > kLargest ? edge : std::bit_cast<double>(least_bits);
 }
 
-// False when there is a NaN.
-bool Ascends(std::span<const double> edges) {
-  bool ascends = edges.front() == edges.front();
-  for (std::size_t i = 1; i < edges.size(); ++i) ascends &= edges[i - 1] <= edges[i];
-  return ascends;
+void SetLeastEqual(const double* edges, std::size_t count, double* HWY_RESTRICT least) {
+  for (std::size_t i = 0; i < count; ++i) least[i] = LeastEqual(edges[i]);
 }
+
+// False when there is a NaN.
+bool Ascends(const double* edges, std::size_t count) {
+  std::uint64_t falls = edges[0] == edges[0] ? 0 : 1;
+  for (std::size_t i = 1; i < count; ++i) falls += edges[i - 1] <= edges[i] ? 0 : 1;
+  return falls == 0;
+}
+
+}  // namespace vela::kernel::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vela::kernel {
+
+HWY_EXPORT(SetLeastEqual);
+HWY_EXPORT(Ascends);
+
+namespace {
+
+constexpr std::size_t kFewestCells = 256;
+constexpr std::size_t kMostCells = 1 << 16;
+constexpr std::size_t kCellsPerEdge = 8;
+constexpr std::size_t kFilledCells = 16;
 
 }  // namespace
 
 EdgeSearch::EdgeSearch(std::span<const double> ascending, std::size_t elements) {
   const std::size_t count = ascending.size();
   edges.resize(count);
-  std::transform(ascending.begin(), ascending.end(), edges.begin(), LeastEqual);
+  HWY_DYNAMIC_DISPATCH(SetLeastEqual)(ascending.data(), count, edges.data());
 
   std::size_t cells = 1;
-  if (count > 0 && Ascends(edges)) {
+  if (count > 0 && HWY_DYNAMIC_DISPATCH(Ascends)(edges.data(), count)) {
     cells = std::clamp(std::bit_ceil(kCellsPerEdge * count), kFewestCells, kMostCells);
     // A cell costs about as much to set up as it saves on an element.
     cells = std::min(cells, std::bit_ceil(elements + 1));
@@ -75,3 +96,4 @@ EdgeSearch::EdgeSearch(std::span<const double> ascending, std::size_t elements) 
 }
 
 }  // namespace vela::kernel
+#endif

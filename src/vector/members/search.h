@@ -120,6 +120,7 @@ std::size_t StorePositions(std::span<const T> x, const Wanted<T>& wanted, kernel
     scope.end = std::min(end, scope.start + block.size());
     const std::span<const unsigned> matches =
         std::span(block).first(FindElements(x, wanted, scope, block));
+    if (matches.empty()) continue;
     const std::size_t size = count + matches.size();
     if (size > found.Size()) {
       member::Check(positions.RawGrow(found.row, static_cast<std::int64_t>(size)));
