@@ -183,6 +183,22 @@ const Folded& FoldTwoBytes(char32_t character) {
   return (*table)[character];
 }
 
+std::span<const FoldedTo> CharactersFoldedTo(char32_t first) {
+  // Behind the first two planes there are no letters with case.
+  constexpr char32_t kEnd = 0x20000;
+  static const auto sorted = [] {
+    std::vector<FoldedTo> all;
+    for (char32_t c = 0; c < kEnd; ++c) {
+      const char32_t folded = FoldCharacter(c).characters[0];
+      if (folded != c) all.push_back({folded, c});
+    }
+    std::stable_sort(all.begin(), all.end(),
+                     [](FoldedTo a, FoldedTo b) { return a.first < b.first; });
+    return all;
+  }();
+  return std::ranges::equal_range(sorted, first, {}, &FoldedTo::first);
+}
+
 void MapAsciiCase(char* text, std::size_t length, LetterCase letter_case) {
   const AsciiMapper map(letter_case);
   std::size_t at = 0;
