@@ -121,11 +121,6 @@ bool CMSCFile::OpenHandle(const CStringUTF8& name, unsigned flags) {
   return Succeeds(cause);
 }
 
-bool CMSCFile::Succeeds(FileCause cause) {
-  if (cause != FileCause::kNone) last_error_ = static_cast<int>(cause);
-  return cause == FileCause::kNone;
-}
-
 FileCause CMSCFile::Encode(std::string_view text, std::string& encoded) const {
   if (write_encoding_ >= vela::text::kEncodings) return FileCause::kGeneric;
   encoded = vela::text::EncodeText(text, static_cast<TextEncoding>(write_encoding_));

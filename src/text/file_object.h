@@ -86,7 +86,10 @@ class CMSCFile : public vela::member::WithMembers<CMSCFile, TesselCObject> {
   // Opens the handle; the name is set when it worked.
   bool OpenHandle(const CStringUTF8& name, unsigned flags);
   // Stores the cause of a failure; whether there was none.
-  bool Succeeds(FileCause cause);
+  bool Succeeds(FileCause cause) {
+    if (cause != FileCause::kNone) last_error_ = static_cast<int>(cause);
+    return cause == FileCause::kNone;
+  }
   // The text in the write encoding. The converter refuses encodings that it does not know.
   FileCause Encode(std::string_view text, std::string& encoded) const;
   // The bytes that a call of "Write" is given; text keeps them alive.

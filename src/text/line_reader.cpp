@@ -1,10 +1,10 @@
 #include "text/line_reader.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
-#include <emmintrin.h>
 
+#include "frame/interface/string_utf8.h"
+#include "kernel/line_ends.h"
 #include "text/utf8_character.h"
 
 namespace vela::text {
@@ -14,31 +14,9 @@ constexpr std::size_t kBufferBytes = std::size_t{1} << 19;
 // Read at a time: little enough to stay in the nearer caches until the lines are taken.
 constexpr std::size_t kReadBytes = std::size_t{1} << 17;
 static_assert(kBufferBytes > 2 * (LineReader::kMostBytes + 4));
-
-constexpr bool IsLineEnd(char ch) { return ch == '\n' || ch == '\r'; }
-
-// A bit for each of sixteen bytes, the first in the lowest: whether it is CR or LF.
-std::uint64_t LineEnds(const char* text) {
-  const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
-  const __m128i found = _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n')),
-                                     _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\r')));
-  return static_cast<std::uint64_t>(_mm_movemask_epi8(found));
-}
-
-// The first CR or LF in [at, end), or end. Lines differ in length: looking at many bytes at once
-// spares a guess at how many looks a line takes.
-std::size_t FindLineEnd(const char* text, std::size_t at, std::size_t end) {
-  constexpr std::size_t kVector = sizeof(__m128i);
-  for (; at + 4 * kVector <= end; at += 4 * kVector) {
-    const char* const from = text + at;
-    const std::uint64_t ends = LineEnds(from) | LineEnds(from + kVector) << 16 |
-                               LineEnds(from + 2 * kVector) << 32 |
-                               LineEnds(from + 3 * kVector) << 48;
-    if (ends != 0) return at + static_cast<std::size_t>(std::countr_zero(ends));
-  }
-  while (at < end && !IsLineEnd(text[at])) ++at;
-  return at;
-}
+constexpr std::size_t kPadding = CStringUTF8::kPadding;
+// Line ends are looked for in so many bytes at a time.
+constexpr std::size_t kIndexedBytes = std::size_t{1} << 13;
 
 constexpr std::size_t Utf8Bytes(char32_t code_point) {
   return code_point < 0x80 ? 1 : code_point < 0x800 ? 2 : code_point < 0x10000 ? 3 : 4;
@@ -72,21 +50,36 @@ Utf16Character FirstOf(std::string_view bytes, bool is_big) {
 }  // namespace
 
 void LineReader::Start(ByteSource& source, std::int64_t position) {
-  if (buffer_ == nullptr) buffer_ = std::make_unique_for_overwrite<char[]>(kBufferBytes);
+  if (buffer_ == nullptr) {
+    buffer_ = std::make_unique_for_overwrite<char[]>(kBufferBytes + kPadding);
+    ends_ = std::make_unique_for_overwrite<std::uint32_t[]>(kIndexedBytes + kernel::kLineEndsSlack);
+  }
   source_ = &source;
   offset_ = position;
-  begin_ = filled_ = 0;
+  begin_ = filled_ = indexed_ = 0;
+  next_end_ = last_end_ = ends_.get();
   limit_ = source.GetEnd();
   told_end_ = false;
 }
 
+// What is ahead comes to the front of the buffer.
+void LineReader::DropTaken() {
+  if (begin_ == 0) return;
+  std::memmove(buffer_.get(), buffer_.get() + begin_, filled_ - begin_);
+  while (next_end_ != last_end_ && *next_end_ < begin_) ++next_end_;
+  for (std::uint32_t* end = next_end_; end != last_end_; ++end) {
+    *end -= static_cast<std::uint32_t>(begin_);
+  }
+  indexed_ = std::max(indexed_, begin_) - begin_;
+  offset_ += static_cast<std::int64_t>(begin_);
+  filled_ -= begin_;
+  begin_ = 0;
+}
+
 // Reads what there is room for; false when there is nothing more.
 bool LineReader::Fill() {
-  const std::size_t ahead = filled_ - begin_;
-  if (begin_ != 0) std::memmove(buffer_.get(), buffer_.get() + begin_, ahead);
-  offset_ += static_cast<std::int64_t>(begin_);
-  begin_ = 0;
-  filled_ = ahead;
+  DropTaken();
+  const std::size_t ahead = filled_;
   const std::int64_t from = offset_ + static_cast<std::int64_t>(ahead);
   if (from >= limit_) return false;
   const std::size_t room = static_cast<std::size_t>(std::min<std::int64_t>(
@@ -94,6 +87,7 @@ bool LineReader::Fill() {
   const std::size_t read = room == 0 ? 0 : source_->ReadAt(from, buffer_.get() + filled_, room);
   if (read == 0) limit_ = from;  // cut short
   filled_ += read;
+  std::memset(buffer_.get() + filled_, 0, kPadding);  // nothing of other files goes into strings
   return read != 0;
 }
 
@@ -120,32 +114,35 @@ std::size_t LineReader::LineEndAt(std::size_t at) {
   return Ensure(at + 2) && Available()[at + 1] == '\n' ? 2 : 1;
 }
 
-// The line ahead, of bytes, or as much of it as is given at a time.
-LineReader::Run LineReader::FindLine() {
-  for (std::size_t searched = 0;;) {
-    const std::size_t most = std::min(filled_ - begin_, kMostBytes);
-    searched = FindLineEnd(buffer_.get() + begin_, searched, most);
-    if (searched < most || most == kMostBytes || !Fill()) return {searched, LineEndAt(searched)};
+void LineReader::IndexMore() {
+  const std::size_t from = std::max(indexed_, begin_);
+  const std::size_t size = std::min(filled_ - from, kIndexedBytes);
+  next_end_ = ends_.get();
+  last_end_ = kernel::FindLineEnds({buffer_.get() + from, size}, static_cast<std::uint32_t>(from),
+                                   next_end_);
+  indexed_ = from + size;
+}
+
+// How many of the bytes ahead, up to most, come before a line end.
+std::size_t LineReader::FindLineEnd(std::size_t most) {
+  for (;; IndexMore()) {
+    for (; next_end_ != last_end_; ++next_end_) {
+      if (*next_end_ >= begin_) return std::min(*next_end_ - begin_, most);
+    }
+    if (indexed_ >= begin_ + most) return most;
   }
 }
 
-// A line of bytes that lies in the buffer with its end, as nearly all do.
-bool LineReader::NextInBuffer(bool keeps_end, std::string_view& line) {
-  constexpr std::size_t kEndBytes = 2;
-  const std::size_t ahead = filled_ - begin_;
-  if (encoding_ != TextEncoding::kBytes || ahead <= kEndBytes) return false;
-  const char* const text = buffer_.get() + begin_;
-  const std::size_t most = std::min(ahead, kMostBytes) - kEndBytes;
-  const std::size_t content = FindLineEnd(text, 0, most);
-  if (content == most) return false;
-  const std::size_t end = text[content] == '\r' && text[content + 1] == '\n' ? 2 : 1;
-  line = {text, content + (keeps_end ? end : 0)};
-  begin_ += content + end;
-  return true;
+// The line ahead, of bytes, or as much of it as is given at a time.
+LineReader::Run LineReader::FindLine() {
+  for (;;) {
+    const std::size_t most = std::min(filled_ - begin_, kMostBytes);
+    const std::size_t content = FindLineEnd(most);
+    if (content < most || most == kMostBytes || !Fill()) return {content, LineEndAt(content)};
+  }
 }
 
-bool LineReader::Next(bool keeps_end, std::string_view& line) {
-  if (NextInBuffer(keeps_end, line)) return true;
+bool LineReader::TakeNext(bool keeps_end, std::string_view& line) {
   if (told_end_) limit_ = source_->GetEnd();
   if (Position() == 0 && encoding_ != TextEncoding::kBytes) SkipMark();
   told_end_ = !Ensure(1);
@@ -193,7 +190,7 @@ std::string_view LineReader::TakeUtf8(Run run, bool keeps_end) {
       taken == content.size() && !(keeps_end && converted_.size() + run.end > kMostBytes);
   if (has_end && keeps_end) converted_ += Available().substr(taken, run.end);
   begin_ += taken + (has_end ? run.end : 0);
-  return converted_;
+  return Converted();
 }
 
 std::string_view LineReader::TakeUtf16(bool keeps_end) {
@@ -218,7 +215,13 @@ std::string_view LineReader::TakeUtf16(bool keeps_end) {
     AppendCodePoint(converted_, first.code_point);
     begin_ += first.bytes;
   }
-  return converted_;
+  return Converted();
+}
+
+std::string_view LineReader::Converted() {
+  const std::size_t size = converted_.size();
+  converted_.append(kPadding, '\0');
+  return {converted_.data(), size};
 }
 
 }  // namespace vela::text

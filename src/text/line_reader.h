@@ -45,10 +45,12 @@ class LineReader {
   // The position of what the next call reads. Only while active.
   std::int64_t Position() const { return offset_ + static_cast<std::int64_t>(begin_); }
 
-  // The next line, valid until the next call; false at the end of the file, which is where it was
-  // when reading started. A call after that looks for the end again, so that a file that grows can
-  // be followed. Throws std::bad_alloc.
-  bool Next(bool keeps_end, std::string_view& line);
+  // The next line, valid until the next call and followed by CStringUTF8::kPadding readable bytes;
+  // false at the end of the file, which is where it was when reading started. A call after that
+  // looks for the end again, so that a file that grows can be followed. Throws std::bad_alloc.
+  bool Next(bool keeps_end, std::string_view& line) {
+    return TakeIndexed(keeps_end, line) || TakeNext(keeps_end, line);
+  }
 
  private:
   // A run of bytes in the buffer: content, then a line end of 0, 1 or 2 characters.
@@ -57,15 +59,20 @@ class LineReader {
     std::size_t end;
   };
 
-  bool NextInBuffer(bool keeps_end, std::string_view& line);
+  bool TakeIndexed(bool keeps_end, std::string_view& line);
+  bool TakeNext(bool keeps_end, std::string_view& line);
   std::string_view Available() const { return {buffer_.get() + begin_, filled_ - begin_}; }
+  void DropTaken();
   bool Fill();
   bool Ensure(std::size_t bytes);
   void SkipMark();
+  void IndexMore();
+  std::size_t FindLineEnd(std::size_t most);
   Run FindLine();
   std::size_t LineEndAt(std::size_t at);
   std::string_view TakeUtf8(Run run, bool keeps_end);
   std::string_view TakeUtf16(bool keeps_end);
+  std::string_view Converted();
 
   ByteSource* source_ = nullptr;
   TextEncoding encoding_ = TextEncoding::kBytes;
@@ -74,9 +81,30 @@ class LineReader {
   std::int64_t offset_ = 0;
   std::size_t begin_ = 0;
   std::size_t filled_ = 0;
+  // Where there is CR or LF in the buffer up to indexed_. Those before next_end_, and those before
+  // begin_, are behind.
+  std::unique_ptr<std::uint32_t[]> ends_;
+  std::uint32_t* next_end_ = nullptr;
+  std::uint32_t* last_end_ = nullptr;
+  std::size_t indexed_ = 0;
   std::int64_t limit_ = 0;  // the end, as last seen
   bool told_end_ = false;
   std::string converted_;
 };
+
+// A line of bytes whose end is known, as of nearly all.
+inline bool LineReader::TakeIndexed(bool keeps_end, std::string_view& line) {
+  if (encoding_ != TextEncoding::kBytes) return false;
+  while (next_end_ != last_end_ && *next_end_ < begin_) ++next_end_;
+  if (next_end_ == last_end_) return false;
+  constexpr std::size_t kMostEnd = 2;
+  const char* const text = buffer_.get() + begin_;
+  const std::size_t content = *next_end_ - begin_;
+  if (content + kMostEnd > kMostBytes || *next_end_ + kMostEnd > filled_) return false;
+  const std::size_t end = text[content] == '\r' && text[content + 1] == '\n' ? 2 : 1;
+  line = {text, content + (keeps_end ? end : 0)};
+  begin_ += content + end;
+  return true;
+}
 
 }  // namespace vela::text

@@ -51,13 +51,13 @@ FileCause Instead(FileCause cause, FileCause of_failure) {
   return cause == FileCause::kNone ? cause : of_failure;
 }
 
-// The target becomes the text. A string keeps its memory from line to line.
-int StoreText(const tagMSOOBJVECT& target, std::string_view text) {
+// The target becomes the line. A string keeps its memory from line to line.
+int StoreLine(const tagMSOOBJVECT& target, std::string_view line) {
   CScriptVelaObject& object = *target.object;
   if (typeid(object) == typeid(CScriptVelaString)) {
-    return static_cast<CScriptVelaString&>(object).AssignBytes(&target.indices, text);
+    return static_cast<CScriptVelaString&>(object).AssignPadded(&target.indices, line);
   }
-  return object.SetStringValue(&target.indices, CStringUTF8(text));
+  return object.SetStringValue(&target.indices, CStringUTF8(line));
 }
 
 }  // namespace
@@ -214,7 +214,7 @@ int CMSCSTDIOFile::ReadString(CTCall* call) {
     std::string_view line;
     const bool was_read = lines_.Next(keeps_end, line);
     Succeeds(source_.TakeFailure());
-    Check(StoreText(target, line));
+    Check(StoreLine(target, line));
     args.Return(was_read ? 1 : 0);
   });
 }
@@ -251,7 +251,8 @@ int CMSCSTDIOFile::Scan(CTCall* call) {
       Succeeds(FileCause::kInvalidFile);
     }
     if (is_string) {
-      Check(StoreText(args.Object(1), text));
+      const tagMSOOBJVECT target = args.Object(1);
+      Check(target.object->SetStringValue(&target.indices, CStringUTF8(text)));
     } else {
       std::memcpy(buffer, text.c_str(), text.size() + 1);
     }

@@ -121,13 +121,6 @@ const CClassMember* CScriptVelaString::MemberTable() { return kStringMembers; }
 
 CScriptVelaObject* CScriptVelaString::CreateCopy() { return vela::NewCopy(*this); }
 
-CStringUTF8* CScriptVelaString::Element(const MSOINDICES* at) {
-  const int index = at == nullptr ? 0 : at->ObjectIndex();
-  if (index < 0 || index >= GetArraySize()) return nullptr;
-  if (at != nullptr && at->ElementCount() != 0) return nullptr;
-  return external_ != nullptr ? external_ : &own_[index];
-}
-
 CStringUTF8& CScriptVelaString::Acted(Arguments& args) {
   CStringUTF8* text = Element(&args.Indices());
   if (text == nullptr) Fail(status::kUnresolved);
@@ -153,10 +146,6 @@ int CScriptVelaString::Write(const MSOINDICES* at, const U& value) {
 
 unsigned CScriptVelaString::GetTypeIDCheckIndex(const MSOINDICES* at) {
   return Element(at) == nullptr ? unsigned{kTypeNone} : GetTypeID();
-}
-
-int CScriptVelaString::GetArraySize() const {
-  return external_ != nullptr ? 1 : static_cast<int>(own_.size());
 }
 
 void* CScriptVelaString::GetArrayElement(const MSOINDICES*, int index) {
@@ -186,15 +175,6 @@ int CScriptVelaString::SetStringValue(const MSOINDICES* at, const CStringUTF8& t
   if (element == nullptr) return status::kUnresolved;
   return Guarded([&] {
     *element = text;
-    return int{status::kOk};
-  });
-}
-
-int CScriptVelaString::AssignBytes(const MSOINDICES* at, std::string_view bytes) {
-  CStringUTF8* element = Element(at);
-  if (element == nullptr) return status::kUnresolved;
-  return Guarded([&] {
-    *element = bytes;
     return int{status::kOk};
   });
 }

@@ -28,6 +28,11 @@ std::string Str(const CStringUTF8& text) { return std::string(text.View()); }
 
 bool Shares(const CStringUTF8& a, const CStringUTF8& b) { return a.c_str() == b.c_str(); }
 
+std::size_t RoomOf(const CStringUTF8& text) {
+  const auto* const header = reinterpret_cast<const vela::host::TextHeader*>(text.c_str()) - 1;
+  return static_cast<std::size_t>(header->capacity);
+}
+
 // Applies a change to a text, to a copy that shares its buffer and to one with spare room, which
 // must all end alike, terminated, and leave the shared original as it was.
 std::string After(const std::string& text, const std::function<void(CStringUTF8&)>& change) {
@@ -82,6 +87,39 @@ TEST(StringUtf8, CopiesShareUntilOneChanges) {
   auto& self = copy;
   copy = self;
   EXPECT_EQ(copy.c_str(), buffer);
+}
+
+TEST(StringUtf8, PaddedTextsAreTakenWhole) {
+  std::string lines;
+  for (int i = 0; i < 600; ++i) lines += static_cast<char>('a' + i % 26);
+  lines.resize(lines.size() + CStringUTF8::kPadding);
+  const auto line = [&](std::size_t from, std::size_t size) {
+    return std::string_view(lines).substr(from, size);
+  };
+  CStringUTF8 text;
+  for (const std::size_t size : {3, 0, 1, 127, 128, 129, 2, 255, 256, 257, 600, 5, 0}) {
+    text.AssignPadded(line(600 - size, size));
+    EXPECT_EQ(Str(text), line(600 - size, size)) << size;
+    EXPECT_EQ(text.c_str()[text.GetLength()], '\0');
+  }
+  // What others hold stays theirs, and takes no more memory than it needs.
+  CStringUTF8 reader;
+  std::vector<CStringUTF8> kept;
+  for (std::size_t size = 1; size < 40; ++size) {
+    reader.AssignPadded(line(size, size));
+    kept.push_back(reader);
+  }
+  for (std::size_t size = 1; size < 40; ++size) {
+    EXPECT_EQ(Str(kept[size - 1]), line(size, size));
+    EXPECT_LT(RoomOf(kept[size - 1]), size + CStringUTF8::kPadding);
+  }
+  CStringUTF8 locked("locked");
+  locked.LockBuffer();
+  locked.AssignPadded(line(0, 300));
+  EXPECT_EQ(Str(locked), line(0, 300));
+  const CStringUTF8 copy = locked;
+  EXPECT_FALSE(Shares(locked, copy));
+  locked.UnlockBuffer();
 }
 
 TEST(StringUtf8, LockedBuffersAreNotShared) {

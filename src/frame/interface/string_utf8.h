@@ -70,6 +70,26 @@ class VELAHOST_API CStringUTF8 {
     return *this;
   }
 
+  // The same for a text of somebody else's memory that kPadding more readable bytes follow. Texts
+  // of every length are copied alike, so that a loop over them never guesses one wrong.
+  static constexpr std::size_t kPadding = 128;
+  CStringUTF8& AssignPadded(std::string_view text) {
+    vela::host::TextHeader& header = Header();
+    const std::size_t room = static_cast<std::size_t>(header.capacity);
+    if (text.empty() || text.size() + kPadding > room ||
+        header.references.load(std::memory_order_acquire) != 1) {
+      return AssignWithRoom(text);
+    }
+    std::size_t copied = 0;
+    do {
+      std::memcpy(data_ + copied, text.data() + copied, kPadding);
+      copied += kPadding;
+    } while (copied < text.size());
+    data_[text.size()] = '\0';
+    header.length = static_cast<std::int32_t>(text.size());
+    return *this;
+  }
+
   operator const char*() const { return data_; }
   const char* c_str() const { return data_; }
   std::string_view View() const { return {data_, static_cast<std::size_t>(GetLength())}; }
@@ -188,6 +208,7 @@ class VELAHOST_API CStringUTF8 {
     return reinterpret_cast<vela::host::TextHeader*>(data_)[-1];
   }
   CStringUTF8& Assign(std::string_view text);
+  CStringUTF8& AssignWithRoom(std::string_view text);
   void Release() noexcept;
 
   char* data_;  // first byte of the text; the header lies in front
