@@ -90,14 +90,14 @@ std::string Joined(const Tokens& tokens, char separator, bool quotes) {
   return joined;
 }
 
-// Tokens that are read as plain numbers are the numbers that the C library reads, and the others
+// Tokens that are read as decimals are the numbers that the C library reads, and the others
 // are as ever.
 void CheckNumbers(std::string_view text, char separator) {
   vela::text::Tokenizer with_numbers(text, separator), plain(text, separator);
   std::string_view token, other;
   for (;;) {
     double numbers[3];
-    const std::size_t count = with_numbers.NextPlainDecimals(numbers);
+    const std::size_t count = with_numbers.NextDecimals(numbers);
     REQUIRE(count <= std::size(numbers));
     for (std::size_t i = 0; i < count; ++i) {
       REQUIRE(plain.Next(token));

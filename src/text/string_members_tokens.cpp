@@ -50,11 +50,11 @@ int StoreTokens(Tokenizer tokens, TCVectorString& target, int row) {
 int StoreNumbers(Tokenizer tokens, const vela::VectorArgument& target) {
   std::vector<double> numbers;
   numbers.reserve(tokens.EstimateCount());
-  std::array<double, 512> plain;
+  std::array<double, 512> decimals;
   for (;;) {
-    const auto some = std::span(plain).first(tokens.NextPlainDecimals(plain));
+    const auto some = std::span(decimals).first(tokens.NextDecimals(decimals));
     numbers.insert(numbers.end(), some.begin(), some.end());
-    if (some.size() == plain.size()) continue;
+    if (some.size() == decimals.size()) continue;
     std::string_view token;
     if (!tokens.Next(token)) break;
     numbers.push_back(NumberOf(token));

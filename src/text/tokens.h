@@ -29,10 +29,10 @@ class Tokenizer {
   bool Next(std::string_view& token);
 
   // Reads the next tokens as numbers while there is room and each is, but for white space in front,
-  // an optional minus, one to eight digits, and perhaps a point with up to eight more, fifteen
-  // together; how many. A value is the double nearest to its token. Tokens in the last few bytes
-  // are left to Next: what follows a token is looked at too.
-  std::size_t NextPlainDecimals(std::span<double> values);
+  // a decimal in the range of a double: digits with perhaps a minus, a point, an exponent; how
+  // many. A value is the double nearest to its token. Tokens in the last few bytes are left to
+  // Next.
+  std::size_t NextDecimals(std::span<double> values);
 
   // About how many tokens the text has, by those that it begins with.
   std::size_t EstimateCount() const;

@@ -82,7 +82,7 @@ TEST(StringTokens, NumbersReadAsTextsDo) {
   const std::string parts[] = {
       "0",  "7",  "12345678", "123456789", "00000000000000001", ".",          "-", "+",
       "e5", "x1", "NANUM",    "99999999",  ".12345678",         ".123456789", " ", "\t"};
-  for (const char separator : {',', '\0', '.', '1', '-'}) {
+  for (const char separator : {',', '\0', '.', '1', '-', 'e'}) {
     std::string text;
     // A long run of plain ones to begin with.
     for (int i = 0; i < 2000; ++i) {

@@ -1,8 +1,10 @@
 // The numbers that tables are full of, read fast.
 #include <bit>
+#include <charconv>
 #include <cstdint>
 #include <cstring>
 #include <emmintrin.h>
+#include <system_error>
 
 #include "text/tokens.h"
 
@@ -14,7 +16,8 @@ constexpr double kPowersOfTen[kMostDigits + 1] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e
 constexpr std::uint64_t kIntegerPowersOfTen[kMostDigits + 1] = {
     1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
 
-// A number as far as sixteen bytes show it.
+// A number as far as sixteen bytes show it: plain when it is one to eight digits, and perhaps a
+// point with up to eight more, fifteen together.
 struct Shape {
   unsigned first;     // bytes in front of the digits
   unsigned whole;     // digits in front of the point
@@ -74,14 +77,25 @@ double ValueOf(const char* text, const Shape& shape) {
   return std::bit_cast<double>(std::bit_cast<std::uint64_t>(magnitude) | sign);
 }
 
+bool IsPlain(const Shape& shape) {
+  return shape.whole - 1 < kMostDigits && shape.fraction <= kMostDigits;
+}
+
+// Reads any decimal; what is behind it, or null for anything else and for what is out of range.
+const char* ReadDecimal(const char* text, const char* end, double& value) {
+  const char first = text[*text == '-'];
+  if (first != '.' && (first < '0' || first > '9')) return nullptr;
+  const auto [read_end, error] = std::from_chars(text, end, value);
+  return error == std::errc() ? read_end : nullptr;
+}
+
 }  // namespace
 
-std::size_t Tokenizer::NextPlainDecimals(std::span<double> values) {
+std::size_t Tokenizer::NextDecimals(std::span<double> values) {
+  constexpr std::string_view kPartsOfNumbers = "+-.0123456789Ee";
+  if (kPartsOfNumbers.find(separator_) != std::string_view::npos) return 0;
   // A sign, sixteen bytes and what follows them.
   constexpr std::ptrdiff_t kRoom = 18;
-  const bool is_part_of_numbers =
-      separator_ == '-' || separator_ == '.' || (separator_ >= '0' && separator_ <= '9');
-  if (is_part_of_numbers) return 0;
   const char* const end = text_.data() + text_.size();
   const char* next = text_.data() + position_;
   std::size_t count = 0;
@@ -90,10 +104,14 @@ std::size_t Tokenizer::NextPlainDecimals(std::span<double> values) {
     while (at != end && IsSpace(*at) && *at != separator_) ++at;
     if (end - at < kRoom) break;
     const Shape shape = ShapeOf(at);
-    const bool is_plain = shape.whole - 1 < kMostDigits && shape.fraction <= kMostDigits;
-    if (!is_plain || !EndsToken(at[shape.size])) break;
-    values[count] = ValueOf(at, shape);
-    next = at + shape.size + 1;
+    if (IsPlain(shape) && EndsToken(at[shape.size])) {
+      values[count] = ValueOf(at, shape);
+      next = at + shape.size + 1;
+      continue;
+    }
+    const char* const token_end = ReadDecimal(at, end, values[count]);
+    if (token_end == nullptr || token_end == end || !EndsToken(*token_end)) break;
+    next = token_end + 1;
   }
   position_ = static_cast<std::size_t>(next - text_.data());
   return count;
