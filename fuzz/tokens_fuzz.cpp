@@ -1,12 +1,13 @@
 // Splits any text at any separator: the tokens are those of a plain state machine, and quoted and
 // joined again they are split into themselves. Numbers are read as the C library reads them.
+#include <bit>
 #include <cstdint>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include "fuzz/require.h"
-#include "text/plain_decimal.h"
 #include "text/tokens.h"
 
 namespace {
@@ -89,14 +90,24 @@ std::string Joined(const Tokens& tokens, char separator, bool quotes) {
   return joined;
 }
 
-// What is read as a plain number is the number that the C library reads.
+// Tokens that are read as decimals are the numbers that the C library reads, and the others
+// are as ever.
 void CheckNumbers(std::string_view text, char separator) {
-  vela::text::Tokenizer tokenizer(text, separator);
-  for (std::string_view token; tokenizer.Next(token);) {
-    double number = 0;
-    if (!vela::text::ReadPlainDecimal(token, text, number)) continue;
-    REQUIRE(number == std::strtod(std::string(token).c_str(), nullptr));
+  vela::text::Tokenizer with_numbers(text, separator), plain(text, separator);
+  std::string_view token, other;
+  for (;;) {
+    double numbers[3];
+    const std::size_t count = with_numbers.NextDecimals(numbers);
+    REQUIRE(count <= std::size(numbers));
+    for (std::size_t i = 0; i < count; ++i) {
+      REQUIRE(plain.Next(token));
+      const double number = std::strtod(std::string(token).c_str(), nullptr);
+      REQUIRE(std::bit_cast<std::uint64_t>(numbers[i]) == std::bit_cast<std::uint64_t>(number));
+    }
+    if (!plain.Next(token)) break;
+    REQUIRE(with_numbers.Next(other) && token == other);
   }
+  REQUIRE(!with_numbers.Next(other));
 }
 
 }  // namespace

@@ -203,6 +203,18 @@ void CheckSets(const Case& c, const Characters& characters) {
   REQUIRE(trimmed.View() == once);
 }
 
+// The position of the first characters that compare equal without regard to case, or -1.
+int FindNoCase(const Characters& text, const CStringUTF8& sub) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    CStringUTF8 run;
+    for (std::size_t end = i; end < text.size(); ++end) {
+      run += std::string_view(text[end]);
+      if (run.CompareNoCase(sub) == 0) return static_cast<int>(Joined(text, 0, i).size());
+    }
+  }
+  return -1;
+}
+
 void CheckCase(const Case& c, const Characters& characters) {
   const CStringUTF8 text{std::string_view(c.text)};
   CStringUTF8 mapped = text;
@@ -235,6 +247,8 @@ void CheckCase(const Case& c, const Characters& characters) {
     REQUIRE(at + matched <= text.GetLength());
     REQUIRE(text.Mid(at, matched).CompareNoCase(other) == 0);
   }
+  const bool is_small = characters.size() <= 48;
+  if (is_small && !c.other.empty()) REQUIRE(at == FindNoCase(characters, other));
   const int sensitive = text.CharFind(std::string_view(c.other), 0, true);
   const int insensitive = text.CharFind(std::string_view(c.other), 0, false);
   REQUIRE(sensitive < 0 || (insensitive >= 0 && insensitive <= sensitive));

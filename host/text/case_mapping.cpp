@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 #include <utf8.h>
+#include <vector>
 
 #include "host/text/byte_scan.h"
 #include "host/text/characters.h"
@@ -181,6 +182,23 @@ const Folded& FoldTwoBytes(char32_t character) {
     return folded;
   }();
   return (*table)[character];
+}
+
+std::span<const FoldedTo> CharactersFoldedTo(char32_t first) {
+  // Behind the first two planes there are no letters with case.
+  constexpr char32_t kEnd = 0x20000;
+  const auto by_first = [](FoldedTo a, FoldedTo b) { return a.first < b.first; };
+  static const auto sorted = [&] {
+    std::vector<FoldedTo> all;
+    for (char32_t c = 0; c < kEnd; ++c) {
+      const char32_t folded = FoldCharacter(c).characters[0];
+      if (folded != c) all.push_back({folded, c});
+    }
+    std::stable_sort(all.begin(), all.end(), by_first);
+    return all;
+  }();
+  return {std::lower_bound(sorted.begin(), sorted.end(), FoldedTo{first, 0}, by_first),
+          std::upper_bound(sorted.begin(), sorted.end(), FoldedTo{first, 0}, by_first)};
 }
 
 void MapAsciiCase(char* text, std::size_t length, LetterCase letter_case) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,15 @@ struct Folded {
 // The platform's part of the two, given valid text and a code point beyond ASCII.
 void AppendMappedCase(std::string_view valid, LetterCase letter_case, std::string& to);
 Folded FoldCodePoint(char32_t character);
+
+// A character that folding changes, and the first of what it becomes.
+struct FoldedTo {
+  char32_t first;
+  char32_t character;
+};
+
+// All of them that become what begins with the given character.
+std::span<const FoldedTo> CharactersFoldedTo(char32_t first);
 
 // As FoldCodePoint, by a table, for the characters of two bytes.
 const Folded& FoldTwoBytes(char32_t character);

@@ -6,6 +6,7 @@
 #include <new>
 #include <stdexcept>
 #include <unicode/ucasemap.h>
+#include <unicode/uchar.h>
 #include <unicode/ustring.h>
 #include <unicode/utf16.h>
 
@@ -56,6 +57,8 @@ void AppendMappedCase(std::string_view valid, LetterCase letter_case, std::strin
 }
 
 Folded FoldCodePoint(char32_t character) {
+  // Few characters have case, and to ask takes less time than to fold.
+  if (!u_hasBinaryProperty(static_cast<UChar32>(character), UCHAR_CASED)) return {{character}, 1};
   UChar units[2];
   std::int32_t unit_count = 0;
   U16_APPEND_UNSAFE(units, unit_count, static_cast<UChar32>(character));

@@ -1,11 +1,12 @@
 #include "host/text/character_search.h"
 
 #include <algorithm>
+#include <span>
 #include <vector>
 
-#include "host/text/byte_scan.h"
 #include "host/text/case_mapping.h"
 #include "host/text/characters.h"
+#include "host/text/match_start.h"
 
 namespace vela::host {
 namespace {
@@ -37,50 +38,11 @@ class Pattern {
   }
   // Units that still match when the whole pattern did.
   std::size_t Restart() const { return border_[units_.size()]; }
-  char32_t Unit(std::size_t i) const { return units_[i]; }
+  std::span<const char32_t> All() const { return units_; }
 
  private:
   std::vector<char32_t> units_;
   std::vector<std::uint32_t> border_;  // longest proper border of each prefix
-};
-
-// Passes over places where no match of a pattern can begin, sixteen at a time.
-class StartFilter {
- public:
-  StartFilter(const Pattern& pattern, CaseMatters case_matters)
-      : first_(pattern.Unit(0), case_matters),
-        second_(pattern.Unit(pattern.size() > 1 ? 1 : 0), case_matters),
-        second_offset_(pattern.size() > 1 ? 1 : 0) {}
-
-  // The first place in [at, end) where a match may begin, near the end any.
-  const char* Next(const char* at, const char* end) const {
-    for (; static_cast<std::size_t>(end - at) > Bytes16::kSize; at += Bytes16::kSize) {
-      const unsigned places =
-          (first_.Match(Bytes16::Load(at)) & second_.Match(Bytes16::Load(at + second_offset_)))
-              .HighBits();
-      if (places != 0) return at + std::countr_zero(places);
-    }
-    return at;
-  }
-
- private:
-  // The bytes that a unit may come from: its letter in both cases, and any beyond ASCII.
-  class UnitBytes {
-   public:
-    UnitBytes(char32_t unit, CaseMatters case_matters)
-        : byte_(Bytes16::Fill(static_cast<char>(unit < 0x80 ? unit : 0x80))),
-          ignored_(Bytes16::Fill(
-              case_matters == CaseMatters::kNo && unit >= 'a' && unit <= 'z' ? 'a' - 'A' : 0)) {}
-    // The high bit of each byte.
-    Bytes16 Match(Bytes16 bytes) const { return (bytes | ignored_).Equal(byte_) | bytes; }
-
-   private:
-    Bytes16 byte_;
-    Bytes16 ignored_;
-  };
-
-  UnitBytes first_, second_;
-  std::size_t second_offset_;
 };
 
 // Leading ASCII characters of both texts that differ at most in case.
@@ -123,7 +85,7 @@ CharacterMatch FindCharacters(std::string_view text, std::string_view sub, std::
   if (sub.empty()) return {start, 0};
   const std::string_view rest = text.substr(start);
   const Pattern pattern(sub, case_matters);
-  const StartFilter filter(pattern, case_matters);
+  const MatchStart match_start(pattern.All(), case_matters);
   constexpr std::size_t kInside = std::string_view::npos;
   // Where the character of each of the last units starts, for its first unit only.
   std::vector<std::size_t> starts(pattern.size());
@@ -131,7 +93,7 @@ CharacterMatch FindCharacters(std::string_view text, std::string_view sub, std::
   std::size_t matched = 0;
   for (CharacterReader reader(rest); !reader.AtEnd();) {
     if (matched == 0) {
-      reader.SkipTo([&](const char* at, const char* end) { return filter.Next(at, end); });
+      reader.SkipTo([&](const char* at, const char* end) { return match_start.Next(at, end); });
     }
     const std::size_t position = reader.Position();
     const Folded folded = Units(reader.Next(), case_matters);

@@ -29,8 +29,8 @@ std::size_t AsciiBlocks(const char* from, const char* to) {
 char32_t CharacterReader::NextBeyondAscii() {
   if (at_ >= valid_end_) {
     // A window is enough to see a sequence whole; one that the window cuts starts the next.
-    constexpr std::ptrdiff_t kWindow = 4096;
-    valid_end_ = utf8::find_invalid(at_, at_ + std::min(kWindow, end_ - at_));
+    valid_end_ = utf8::find_invalid(at_, at_ + std::min(window_, end_ - at_));
+    window_ = std::min(2 * window_, kMostWindow);
     if (valid_end_ == at_) return kInvalidByte + static_cast<unsigned char>(*at_++);
   }
   return static_cast<char32_t>(utf8::unchecked::next(at_));

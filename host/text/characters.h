@@ -32,19 +32,25 @@ class CharacterReader {
   }
   // Passes over ASCII characters in whole blocks, at most so many; returns how many.
   std::size_t SkipAscii(std::size_t most);
-  // Passes on to find(at, end), a place in front of the end with only ASCII characters before it.
+  // Passes on to find(at, end), a place between characters and in front of the end.
   template <typename Find>
   void SkipTo(Find find) {
     at_ = find(at_, end_);
+    if (at_ > valid_end_) window_ = kFirstWindow;
   }
 
  private:
   char32_t NextBeyondAscii();
 
+  // Bytes to validate at once: a few at first, since a reader may soon skip or stop.
+  static constexpr std::ptrdiff_t kFirstWindow = 16;
+  static constexpr std::ptrdiff_t kMostWindow = 4096;
+
   const char* begin_;
   const char* at_;
   const char* end_;
   const char* valid_end_;  // [at_, valid_end_) holds whole valid sequences only
+  std::ptrdiff_t window_ = kFirstWindow;
 };
 
 // A set of characters, given as text.

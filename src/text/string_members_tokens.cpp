@@ -1,9 +1,9 @@
 // Members of "string" about tokens.
+#include <array>
 #include <cstring>
 #include <vector>
 
 #include "text/operand_text.h"
-#include "text/plain_decimal.h"
 #include "text/string_array.h"
 #include "text/string_member.h"
 #include "text/string_object.h"
@@ -47,13 +47,17 @@ int StoreTokens(Tokenizer tokens, TCVectorString& target, int row) {
   return count;
 }
 
-int StoreNumbers(Tokenizer tokens, std::string_view text, const vela::VectorArgument& target) {
+int StoreNumbers(Tokenizer tokens, const vela::VectorArgument& target) {
   std::vector<double> numbers;
   numbers.reserve(tokens.EstimateCount());
-  for (std::string_view token; tokens.Next(token);) {
-    double number = 0;
-    const bool is_plain = vela::text::ReadPlainDecimal(token, text, number);
-    numbers.push_back(is_plain ? number : NumberOf(token));
+  std::array<double, 512> decimals;
+  for (;;) {
+    const auto some = std::span(decimals).first(tokens.NextDecimals(decimals));
+    numbers.insert(numbers.end(), some.begin(), some.end());
+    if (some.size() == decimals.size()) continue;
+    std::string_view token;
+    if (!tokens.Next(token)) break;
+    numbers.push_back(NumberOf(token));
   }
   vela::text::StoreNumbers(target, numbers);
   return static_cast<int>(numbers.size());
@@ -92,7 +96,7 @@ int CScriptVelaString::GetTokens(CTCall* call) {
     const Tokenizer tokens(text.View(), Separator(args, 1));
     auto* strings = dynamic_cast<TCVectorString*>(target.vector);
     args.Return(strings != nullptr ? StoreTokens(tokens, *strings, target.row)
-                                   : StoreNumbers(tokens, text.View(), target));
+                                   : StoreNumbers(tokens, target));
   });
 }
 

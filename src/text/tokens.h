@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <emmintrin.h>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -27,11 +28,17 @@ class Tokenizer {
   // The next token, valid until the next call; false when there is none.
   bool Next(std::string_view& token);
 
+  // Reads the next tokens as numbers while there is room and each is, but for white space in front,
+  // a decimal in the range of a double: digits with perhaps a minus, a point, an exponent; how
+  // many. A value is the double nearest to its token. Tokens in the last few bytes are left to
+  // Next.
+  std::size_t NextDecimals(std::span<double> values);
+
   // About how many tokens the text has, by those that it begins with.
   std::size_t EstimateCount() const;
 
  private:
-  bool IsEndOfToken(std::size_t at) const;
+  bool EndsToken(char ch) const { return separator_ == 0 ? IsSpace(ch) : ch == separator_; }
   void SkipSpaces();
   bool NextQuotedBetweenSpaces(std::string_view& token);
   bool NextSeparated(std::string_view& token);
@@ -79,7 +86,7 @@ inline std::size_t Tokenizer::EndOfPlain(std::size_t from) const {
     if (mask != 0) return from + static_cast<std::size_t>(std::countr_zero(mask));
     from += sizeof(__m128i);
   }
-  while (!IsEndOfToken(from)) ++from;
+  while (from < text_.size() && !EndsToken(text_[from])) ++from;
   return from;
 }
 
@@ -89,10 +96,6 @@ inline __m128i Tokenizer::Spaces(__m128i bytes) {
   const __m128i is_control =
       _mm_cmpeq_epi8(_mm_min_epu8(controls, _mm_set1_epi8('\r' - '\t')), controls);
   return _mm_or_si128(is_control, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' ')));
-}
-
-inline bool Tokenizer::IsEndOfToken(std::size_t at) const {
-  return at == text_.size() || (separator_ == 0 ? IsSpace(text_[at]) : text_[at] == separator_);
 }
 
 inline void Tokenizer::SkipSpaces() {

@@ -579,6 +579,25 @@ TEST(StringUtf8, PlatformsAgreeOnCase) {
   EXPECT_EQ(CStringUTF8(letters).CompareNoCase(lower), 0u);
 }
 
+// Found as the first character of what is looked for and as the second.
+TEST(StringUtf8, FindNoCaseFindsEveryLetterByItsOtherCase) {
+  int found = 0;
+  for (char32_t c = 1; c < 0x110000; ++c) {
+    if (c >= 0xD800 && c < 0xE000) continue;
+    const std::string letter = Encoded(c);
+    const CStringUTF8 text(std::string(20, '.') + letter + std::string(40, '.'));
+    for (const auto change : {&CStringUTF8::MakeUpper, &CStringUTF8::MakeLower}) {
+      CStringUTF8 other{std::string_view(letter)};
+      (other.*change)();
+      if (other.View() == letter || other.CompareNoCase(letter.c_str()) != 0) continue;
+      EXPECT_EQ(text.FindNoCase(other.View()), 20) << letter;
+      EXPECT_EQ(text.FindNoCase("." + Str(other)), 19) << letter;
+      ++found;
+    }
+  }
+  EXPECT_GT(found, 2700);
+}
+
 TEST(StringUtf8, IgnoringCase) {
   const struct {
     std::string text, sub;

@@ -1,5 +1,6 @@
 // Runs the tests with the kernels of one instruction set, named in VELA_KERNEL_TARGET as Highway
-// names it, instead of the best that the machine has.
+// names it, instead of the best that the machine has. Windows has one set only.
+#ifndef _WIN32
 #include <cstdlib>
 #include <hwy/targets.h>
 #include <string_view>
@@ -31,3 +32,5 @@ class ChosenTarget : public ::testing::Environment {
 const auto* const environment = ::testing::AddGlobalTestEnvironment(new ChosenTarget);
 
 }  // namespace
+
+#endif

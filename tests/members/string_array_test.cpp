@@ -106,23 +106,6 @@ TEST(StringArray, FindDuplicates) {
   EXPECT_EQ(ValuesOf<int>(map), std::vector<int>{});
 }
 
-TEST(StringArray, FindDuplicatesAmongMany) {
-  std::mt19937 random(5);
-  Texts texts(50000);
-  for (std::string& text : texts) text = std::to_string(random() % 30000);
-  const ObjectRef map = Make(kTypeInt | kFlagVector);
-  const ObjectRef firsts = Make(kTypeUnsignedInt | kFlagVector);
-  const int count =
-      static_cast<int>(Call(ArrayOf(texts), "FindDuplicates", map, firsts, 1, Null{}, 0).Int());
-  std::map<std::string, int> groups;
-  std::vector<int> expected;
-  for (const std::string& text : texts) {
-    expected.push_back(groups.emplace(text, static_cast<int>(groups.size())).first->second);
-  }
-  EXPECT_EQ(count, static_cast<int>(groups.size()));
-  EXPECT_EQ(ValuesOf<int>(map), expected);
-}
-
 // Texts that agree in long fronts, hold NULs, and repeat.
 Texts HardToSort(std::mt19937& random, std::size_t count) {
   const std::string fronts[] = {
@@ -133,6 +116,25 @@ Texts HardToSort(std::mt19937& random, std::size_t count) {
     text.resize(random() % (text.size() + 1));
   }
   return texts;
+}
+
+TEST(StringArray, FindDuplicatesAmongMany) {
+  std::mt19937 random(5);
+  Texts numbers(50000);
+  for (std::string& text : numbers) text = std::to_string(random() % 30000);
+  for (const Texts& texts : {numbers, HardToSort(random, 20000)}) {
+    const ObjectRef map = Make(kTypeInt | kFlagVector);
+    const ObjectRef firsts = Make(kTypeUnsignedInt | kFlagVector);
+    const int count =
+        static_cast<int>(Call(ArrayOf(texts), "FindDuplicates", map, firsts, 1, Null{}, 0).Int());
+    std::map<std::string, int> groups;
+    std::vector<int> expected;
+    for (const std::string& text : texts) {
+      expected.push_back(groups.emplace(text, static_cast<int>(groups.size())).first->second);
+    }
+    EXPECT_EQ(count, static_cast<int>(groups.size()));
+    EXPECT_EQ(ValuesOf<int>(map), expected);
+  }
 }
 
 TEST(StringArray, SortsAsAStableSortByBytes) {

@@ -79,11 +79,16 @@ TEST(StringTokens, NumbersIntoEveryVector) {
 // A token reads as the number that the whole text reads as when it is that token alone.
 TEST(StringTokens, NumbersReadAsTextsDo) {
   std::mt19937 random(4);
-  const std::string parts[] = {"0",     "7",        "12345678",  "123456789",  "00000000000000001",
-                               ".",     "-",        "+",         "e5",         "x1",
-                               "NANUM", "99999999", ".12345678", ".123456789", " "};
-  for (const char separator : {',', '\0', '.', '1'}) {
+  const std::string parts[] = {
+      "0",  "7",  "12345678", "123456789", "00000000000000001", ".",          "-", "+",
+      "e5", "x1", "NANUM",    "99999999",  ".12345678",         ".123456789", " ", "\t"};
+  for (const char separator : {',', '\0', '.', '1', '-', 'e'}) {
     std::string text;
+    // A long run of plain ones to begin with.
+    for (int i = 0; i < 2000; ++i) {
+      text += std::to_string(i % 7 - 3) + '.' + std::to_string(i);
+      text += separator == '\0' ? '\n' : separator;
+    }
     for (int i = 0; i < 20000; ++i) {
       for (unsigned part = random() % 4; part > 0; --part)
         text += parts[random() % std::size(parts)];
