@@ -10,10 +10,12 @@
 namespace vela::text {
 namespace {
 
-constexpr std::size_t kBufferBytes = std::size_t{1} << 19;
-// Read at a time: little enough to stay in the nearer caches until the lines are taken.
-constexpr std::size_t kReadBytes = std::size_t{1} << 17;
-static_assert(kBufferBytes > 2 * (LineReader::kMostBytes + 4));
+// Read at a time: little at first, as a script may want one line only, then twice as much each
+// time. Where the system keeps a file in large pieces, it copies large blocks faster.
+constexpr std::size_t kFirstRead = std::size_t{1} << 15;
+constexpr std::size_t kLargestRead = std::size_t{1} << 20;
+constexpr std::size_t kBufferBytes = kLargestRead + (std::size_t{1} << 18);
+static_assert(kBufferBytes >= kLargestRead + LineReader::kMostBytes + 4);
 constexpr std::size_t kPadding = CStringUTF8::kPadding;
 // Line ends are looked for in so many bytes at a time.
 constexpr std::size_t kIndexedBytes = std::size_t{1} << 13;
@@ -59,6 +61,7 @@ void LineReader::Start(ByteSource& source, std::int64_t position) {
   begin_ = filled_ = indexed_ = 0;
   next_end_ = last_end_ = ends_.get();
   limit_ = source.GetEnd();
+  read_bytes_ = kFirstRead;
   told_end_ = false;
 }
 
@@ -83,9 +86,10 @@ bool LineReader::Fill() {
   const std::int64_t from = offset_ + static_cast<std::int64_t>(ahead);
   if (from >= limit_) return false;
   const std::size_t room = static_cast<std::size_t>(std::min<std::int64_t>(
-      limit_ - from, static_cast<std::int64_t>(std::min(kReadBytes, kBufferBytes - ahead))));
+      limit_ - from, static_cast<std::int64_t>(std::min(read_bytes_, kBufferBytes - ahead))));
   const std::size_t read = room == 0 ? 0 : source_->ReadAt(from, buffer_.get() + filled_, room);
   if (read == 0) limit_ = from;  // cut short
+  read_bytes_ = std::min(2 * read_bytes_, kLargestRead);
   filled_ += read;
   std::memset(buffer_.get() + filled_, 0, kPadding);  // nothing of other files goes into strings
   return read != 0;

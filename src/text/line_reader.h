@@ -25,9 +25,9 @@ class ByteSource {
 // of a line come at a time, as UTF-8: a longer line comes in pieces, of which the last one has the
 // end. A line end that is kept is never divided.
 //
-// The reader keeps one buffer of half a megabyte, whatever the size of the file. Blocks are copied
-// rather than mapped: a file cut short meanwhile is an ordinary end, where reading on in a mapping
-// would end the process.
+// The reader keeps one buffer of a little over a megabyte, whatever the size of the file. Blocks
+// are copied rather than mapped: a file cut short meanwhile is an ordinary end, where reading on in
+// a mapping would end the process.
 class LineReader {
  public:
   static constexpr std::size_t kMostBytes = 204160;
@@ -87,7 +87,8 @@ class LineReader {
   std::uint32_t* next_end_ = nullptr;
   std::uint32_t* last_end_ = nullptr;
   std::size_t indexed_ = 0;
-  std::int64_t limit_ = 0;  // the end, as last seen
+  std::int64_t limit_ = 0;      // the end, as last seen
+  std::size_t read_bytes_ = 0;  // to read next
   bool told_end_ = false;
   std::string converted_;
 };
@@ -104,6 +105,7 @@ inline bool LineReader::TakeIndexed(bool keeps_end, std::string_view& line) {
   const std::size_t end = text[content] == '\r' && text[content + 1] == '\n' ? 2 : 1;
   line = {text, content + (keeps_end ? end : 0)};
   begin_ += content + end;
+  ++next_end_;
   return true;
 }
 
