@@ -41,7 +41,7 @@ if(WIN32)
   target_compile_definitions(deps_hwy INTERFACE HWY_COMPILE_ONLY_STATIC)
 else()
   find_package(PkgConfig REQUIRED)
-  vela_pkg_library(hwy libhwy-dev libhwy libhwy-contrib)
+  vela_pkg_library(hwy libhwy-dev libhwy)
   vela_pkg_library(icu libicu-dev icu-uc)
 endif()
 

@@ -154,8 +154,8 @@ void ReadChanging(LineReader& reader, std::string_view bytes, std::size_t first,
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 3) return 0;
-  // Now and then behind so much that the limit of a line, or the end of the first block, lies in the
-  // bytes. That takes its time, so it is done for one encoding then.
+  // Now and then behind so much that the limit of a line, or the end of the first block, lies in
+  // the bytes. That takes its time, so it is done for one encoding then.
   const std::size_t fillers[] = {LineReader::kMostBytes, std::size_t{1} << 15};
   const bool is_filled = data[0] % 128 == 0;
   std::string bytes;
