@@ -34,12 +34,10 @@ inline char* Empty() noexcept { return empty_text.text; }
 // std::length_error beyond kMaxLength, std::bad_alloc.
 char* Allocate(std::int64_t length, std::int64_t capacity);
 char* New(std::string_view text);
-// Many texts in one piece of memory: their count, then the texts. Adding a text to a block of so
-// many bytes takes BytesInBlock(text) of them.
+// Many texts in one piece of memory: their count, then the texts, which take BytesInBlock each.
 struct alignas(16) Block {
   std::atomic<std::int32_t> texts;
 };
-inline constexpr std::size_t kBlockBytes = 8192;
 inline std::size_t BytesInBlock(std::string_view text) {
   return sizeof(Header) + ((text.size() + 16) & ~std::size_t{15});
 }

@@ -40,7 +40,7 @@ double NumberOf(std::string_view token) {
 int StoreTokens(Tokenizer tokens, TCVectorString& target, int row) {
   TCVectorString::Texts texts;
   texts.reserve(tokens.EstimateCount());
-  CStringUTF8Maker maker;
+  CStringUTF8Maker maker(texts.capacity(), tokens.Text().size());
   for (std::string_view token; tokens.Next(token);) texts.push_back(maker.Make(token));
   const int count = static_cast<int>(texts.size());
   target.StoreRow(row, std::move(texts));

@@ -34,6 +34,7 @@ class Tokenizer {
   // Next.
   std::size_t NextDecimals(std::span<double> values);
 
+  std::string_view Text() const { return text_; }
   // About how many tokens the text has, by those that it begins with.
   std::size_t EstimateCount() const;
 

@@ -46,11 +46,12 @@ class ElementBuffer {
     return true;
   }
 
-  // As Resize, but leaves room to grow, so that appending one at a time is linear overall.
+  // As Resize, but leaves room to grow where there is memory for it, so that appending one at a
+  // time is linear overall.
   bool Grow(std::size_t count) {
-    if (count > capacity_ &&
-        !Reallocate(std::max(count, std::min(capacity_ + capacity_ / 2 + 8, kMostElements)))) {
-      return false;
+    if (count > capacity_) {
+      const std::size_t roomy = std::min(capacity_ + capacity_ / 2 + 8, kMostElements);
+      if (!Reallocate(std::max(count, roomy)) && !Reallocate(count)) return false;
     }
     FillNew(count);
     return true;

@@ -383,7 +383,9 @@ TEST(StringUtf8, TextsMadeTogetherLiveOnTheirOwn) {
   std::mt19937 random(23);
   std::vector<std::pair<CStringUTF8, std::string>> texts;
   for (int round = 0; round < 20; ++round) {
-    CStringUTF8Maker maker;
+    // Told of few, of as many as come, and of more.
+    CStringUTF8Maker maker(static_cast<std::size_t>(round) * 100,
+                           static_cast<std::size_t>(round) * 2000);
     for (int i = 0; i < 1000; ++i) {
       const std::string content(random() % 40 * (random() % 100 == 0 ? 100 : 1), 'a');
       texts.emplace_back(maker.Make(content), content);
@@ -407,7 +409,7 @@ TEST(StringUtf8, TextsMadeTogetherLiveOnTheirOwn) {
 
 TEST(StringUtf8, ThreadsReleaseTextsOfOneBlock) {
   std::vector<std::vector<CStringUTF8>> parts(4);
-  CStringUTF8Maker maker;
+  CStringUTF8Maker maker(40000, 200000);
   for (int i = 0; i < 40000; ++i) {
     parts[static_cast<std::size_t>(i) % 4].push_back(maker.Make(std::to_string(i)));
   }

@@ -1,4 +1,7 @@
 #include <iterator>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <random>
 
 #include "text_fixture.h"
@@ -159,6 +162,21 @@ TEST(StringTokens, LargeTextsAreLinear) {
   EXPECT_TRUE(TextOf(back) == text);
   EXPECT_EQ(Call(s, "Replace", "9,", "<9>", 0).Int(), 100'000);
 }
+
+#ifdef __GLIBC__
+TEST(StringTokens, TokensOfManyLinesTakeMemoryForThemselvesOnly) {
+  const ObjectRef words = ArrayOf({});
+  const ObjectRef line_words = ArrayOf({});
+  const std::size_t before = mallinfo2().uordblks;
+  for (int i = 0; i < 10000; ++i) {
+    const ObjectRef line = StringOf("two words" + std::to_string(i));
+    EXPECT_EQ(Call(line, "GetTokens", line_words, 0).Int(), 2);
+    EXPECT_EQ(Call(words, "Append", line_words).status, 0);
+  }
+  constexpr std::size_t kMostForOne = 100;
+  EXPECT_LT(mallinfo2().uordblks - before, 20000 * kMostForOne);
+}
+#endif
 
 }  // namespace
 }  // namespace vela::testing

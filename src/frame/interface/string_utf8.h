@@ -216,11 +216,13 @@ class VELAHOST_API CStringUTF8 {
 
 static_assert(sizeof(CStringUTF8) == sizeof(char*));
 
-// Makes many small texts for less than they cost one by one. They lie together in blocks of a few
-// kilobytes; a block is freed with the last of its texts. Otherwise they are like any other.
+// Makes many small texts for less than they cost one by one. They lie together in blocks of at most
+// a few kilobytes, of which one text alone keeps the whole. Otherwise they are like any other.
 class VELAHOST_API CStringUTF8Maker {
  public:
-  CStringUTF8Maker() = default;
+  // About how many texts are to come, and their bytes together: blocks are no larger than that
+  // takes.
+  CStringUTF8Maker(std::size_t texts, std::size_t bytes);
   ~CStringUTF8Maker() { Retire(); }
   CStringUTF8Maker(const CStringUTF8Maker&) = delete;
   CStringUTF8Maker& operator=(const CStringUTF8Maker&) = delete;
@@ -229,10 +231,13 @@ class VELAHOST_API CStringUTF8Maker {
   CStringUTF8 Make(std::string_view text);
 
  private:
-  void Begin();
+  void Begin(std::size_t bytes);
   void Retire();
 
+  std::size_t expected_;   // bytes of blocks to come
+  std::size_t begun_ = 0;  // bytes of blocks so far
   char* block_ = nullptr;
+  std::size_t size_ = 0;  // of the block
   std::size_t used_ = 0;
   std::int32_t made_ = 0;
 };

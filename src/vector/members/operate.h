@@ -160,7 +160,7 @@ int TCAllVectorsBaseBase<T>::AssignRow(int row, const vela::VectorArgument& sour
   const int lower = append ? this->RowLowerBound(row) : source.vector->RowLowerBound(source.row);
   const auto size = static_cast<std::int64_t>(offset + count);
   const int error =
-      append ? this->RawResize(row, size) : this->ResizeWithLowerBound(row, size, lower);
+      append ? this->RawGrow(row, size) : this->ResizeWithLowerBound(row, size, lower);
   if (error != status::kOk) return error;
   SetSizeFixed(row);
 
