@@ -42,13 +42,6 @@ CStringUTF8& CStringUTF8::operator=(const CStringUTF8& other) {
   return *this;
 }
 
-CStringUTF8& CStringUTF8::operator=(CStringUTF8&& other) noexcept {
-  if (this == &other) return *this;
-  text_buffer::Release(data_);
-  data_ = std::exchange(other.data_, text_buffer::Empty());
-  return *this;
-}
-
 CStringUTF8& CStringUTF8::operator=(const char* text) {
   text_buffer::Assign(data_, ViewOf(text));
   return *this;

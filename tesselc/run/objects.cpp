@@ -311,21 +311,36 @@ class TextOf final : public Expr<TextOf, CStringUTF8> {
   SourceRange where_;
 };
 
+// The object gives its text away meanwhile, so that appending to it copies nothing.
+void AppendText(const ObjectValue& target, std::string_view more, const SourceRange& where) {
+  const auto set = [&](const CStringUTF8& text) {
+    CheckStatus(target.object->SetStringValue(target.At(), text), "set the text", where);
+  };
+  CStringUTF8 text;
+  CheckStatus(target.object->GetString(target.At(), text), "get the text", where);
+  set(CStringUTF8());
+  try {
+    text += more;
+  } catch (...) {
+    set(text);
+    throw;
+  }
+  set(text);
+}
+
 template <bool kAppend>
 class SetText final : public Expr<SetText<kAppend>, ObjectValue> {
  public:
   SetText(ObjectPtr object, ValuePtr<CStringUTF8> text, SourceRange where)
       : object_(std::move(object)), text_(std::move(text)), where_(where) {}
   ObjectValue Eval(Frame& frame) override {
-    CStringUTF8 text = text_->Eval(frame);
+    const CStringUTF8 text = text_->Eval(frame);
     ObjectValue value = object_->Eval(frame);
     if constexpr (kAppend) {
-      CStringUTF8 old;
-      CheckStatus(value.object->GetString(value.At(), old), "get the text", where_);
-      old += text.View();
-      text = std::move(old);
+      AppendText(value, text.View(), where_);
+    } else {
+      CheckStatus(value.object->SetStringValue(value.At(), text), "set the text", where_);
     }
-    CheckStatus(value.object->SetStringValue(value.At(), text), "set the text", where_);
     return value;
   }
 

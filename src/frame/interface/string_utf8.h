@@ -54,7 +54,12 @@ class VELAHOST_API CStringUTF8 {
     if (data_ != vela::host::empty_text.text) Release();
   }
   CStringUTF8& operator=(const CStringUTF8& other);
-  CStringUTF8& operator=(CStringUTF8&& other) noexcept;
+  CStringUTF8& operator=(CStringUTF8&& other) noexcept {
+    char* const taken = std::exchange(other.data_, vela::host::empty_text.text);
+    if (data_ != vela::host::empty_text.text) Release();
+    data_ = taken;
+    return *this;
+  }
   CStringUTF8& operator=(const char* text);
   CStringUTF8& operator=(std::string_view text) {
     vela::host::TextHeader& header = Header();
