@@ -161,7 +161,8 @@ def groups(folder, megabytes):
         text_data.mixed_prose(10 * MEGABYTE), "stand alone"), MIXED
     yield "numbers as text", "bytes", 10 * MEGABYTE, lambda: {
         "text": text_data.numbers(10 * MEGABYTE)}, NUMBERS
-    yield "short texts", "items", 1_000_000, lambda: {"texts": text_data.short_texts(1_000_000)}, TEXTS
+    yield "short texts", "items", 1_000_000, lambda: {
+        "texts": text_data.short_texts(1_000_000)}, TEXTS
     yield "calls", "items", 1_000_000, dict, FORMAT
 
 

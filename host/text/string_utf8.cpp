@@ -55,8 +55,8 @@ CStringUTF8& CStringUTF8::Assign(std::string_view text) {
 // Room is for texts to come: a string whose text was taken over by another gets no more than it
 // needs, since this text may be taken over as well.
 CStringUTF8& CStringUTF8::AssignWithRoom(std::string_view text) {
-  const bool is_kept = Header().references.load(std::memory_order_acquire) == 1;
-  if (is_kept && !text.empty()) {
+  const bool is_own = Header().references.load(std::memory_order_acquire) == 1;
+  if (is_own && !text.empty()) {
     text_buffer::Reserve(data_, static_cast<std::int64_t>(text.size() + kPadding));
   }
   return Assign(text);

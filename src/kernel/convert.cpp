@@ -1,6 +1,7 @@
 #include "kernel/convert.h"
 
 #include <cmath>
+#include <concepts>
 #include <cstdint>
 #include <cstring>
 
@@ -11,6 +12,8 @@
 #define HWY_TARGET_INCLUDE "kernel/convert.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+
+#include "kernel/load_doubles-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
@@ -66,47 +69,35 @@ const AllTables& Tables() {
 
 }  // namespace
 
-namespace hn = hwy::HWY_NAMESPACE;
-
-// Doubles as vectors, and as many floats.
-using Doubles = hn::ScalableTag<double>;
-using Floats = hn::Rebind<float, Doubles>;
-
-HWY_INLINE hn::Vec<Doubles> WithoutNan(hn::Vec<Doubles> values) {
-  return hn::IfThenElse(hn::IsNaN(values), hn::Set(Doubles(), kMissing), values);
-}
-
-// The compiler would branch on every element.
-void WidenNumbers(const float* HWY_RESTRICT source, double* HWY_RESTRICT target,
-                  std::size_t count) {
-  const std::size_t lanes = hn::Lanes(Doubles());
+// As ConvertRun, with a NaN stored as the missing value is. The compiler would branch on every
+// element.
+template <class From, class To>
+void ConvertNumbers(const From* HWY_RESTRICT source, To* HWY_RESTRICT target, std::size_t count) {
+  namespace hn = hwy::HWY_NAMESPACE;
+  const hn::ScalableTag<double> d;
+  const auto missing = hn::Set(d, kMissing);
   std::size_t i = 0;
-  for (; i + lanes <= count; i += lanes) {
-    const auto values = hn::PromoteTo(Doubles(), hn::LoadU(Floats(), source + i));
-    hn::StoreU(WithoutNan(values), Doubles(), target + i);
-  }
-  for (; i < count; ++i) target[i] = std::isnan(source[i]) ? kMissing : double{source[i]};
-}
-
-void NarrowNumbers(const double* HWY_RESTRICT source, float* HWY_RESTRICT target,
-                   std::size_t count) {
-  const std::size_t lanes = hn::Lanes(Doubles());
-  std::size_t i = 0;
-  for (; i + lanes <= count; i += lanes) {
-    const auto values = WithoutNan(hn::LoadU(Doubles(), source + i));
-    hn::StoreU(hn::DemoteTo(Floats(), values), Floats(), target + i);
+  for (; i + hn::Lanes(d) <= count; i += hn::Lanes(d)) {
+    const auto values = LoadDoubles(d, source + i);
+    const auto numbers = hn::IfThenElse(hn::IsNaN(values), missing, values);
+    if constexpr (std::same_as<To, double>) {
+      hn::StoreU(numbers, d, target + i);
+    } else {
+      const hn::Rebind<To, decltype(d)> to;
+      hn::StoreU(hn::DemoteTo(to, numbers), to, target + i);
+    }
   }
   for (; i < count; ++i) {
-    target[i] = static_cast<float>(std::isnan(source[i]) ? kMissing : source[i]);
+    target[i] = ConvertElement<To>(std::isnan(source[i]) ? kMissing : double{source[i]});
   }
 }
 
 void WidenWithoutNan(const float* source, double* target, std::size_t count) {
-  ConvertLoop<float, double, WidenNumbers>(source, target, count);
+  ConvertLoop<float, double, ConvertNumbers<float, double>>(source, target, count);
 }
 
 void NarrowWithoutNan(const double* source, float* target, std::size_t count) {
-  ConvertLoop<double, float, NarrowNumbers>(source, target, count);
+  ConvertLoop<double, float, ConvertNumbers<double, float>>(source, target, count);
 }
 
 }  // namespace vela::kernel::HWY_NAMESPACE

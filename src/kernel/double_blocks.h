@@ -15,21 +15,28 @@ namespace vela::kernel {
 /// block.
 inline constexpr std::size_t kBlockSize = 1024;
 
-/// Calls visit(block, offset) for consecutive blocks of at most kBlockSize elements of x, read as
-/// doubles, until it returns false. Doubles are passed in place, other types through a buffer on
-/// the stack.
+/// Calls visit(block, offset) for consecutive blocks of at most kBlockSize elements of x, in place,
+/// until it returns false.
+template <class T, class Visit>
+void ForEachBlock(std::span<const T> x, Visit visit) {
+  for (std::size_t offset = 0; offset < x.size(); offset += kBlockSize) {
+    if (!visit(x.subspan(offset, std::min(kBlockSize, x.size() - offset)), offset)) return;
+  }
+}
+
+/// As ForEachBlock, with the elements read as doubles: doubles are passed in place, other types
+/// through a buffer on the stack.
 template <class T, class Visit>
 void ForEachDoubleBlock(std::span<const T> x, Visit visit) {
-  [[maybe_unused]] std::array<double, std::same_as<T, double> ? 1 : kBlockSize> buffer;
-  for (std::size_t offset = 0; offset < x.size(); offset += kBlockSize) {
-    const auto block = x.subspan(offset, std::min(kBlockSize, x.size() - offset));
-    if constexpr (std::same_as<T, double>) {
-      if (!visit(block, offset)) return;
-    } else {
+  if constexpr (std::same_as<T, double>) {
+    ForEachBlock(x, visit);
+  } else {
+    std::array<double, kBlockSize> buffer;
+    ForEachBlock(x, [&](std::span<const T> block, std::size_t offset) {
       const std::span<double> values = std::span(buffer).first(block.size());
       Convert<double, T>(block, values);
-      if (!visit(std::span<const double>(values), offset)) return;
-    }
+      return visit(std::span<const double>(values), offset);
+    });
   }
 }
 
@@ -42,9 +49,7 @@ concept LoadsAsDouble =
 template <class T, class Visit>
 void ForEachLoadableBlock(std::span<const T> x, Visit visit) {
   if constexpr (LoadsAsDouble<T>) {
-    for (std::size_t offset = 0; offset < x.size(); offset += kBlockSize) {
-      if (!visit(x.subspan(offset, std::min(kBlockSize, x.size() - offset)), offset)) return;
-    }
+    ForEachBlock(x, visit);
   } else {
     ForEachDoubleBlock(x, visit);
   }

@@ -26,6 +26,11 @@ HWY_INLINE void Store(const Vector& vector, double* to) {
   std::memcpy(to, &vector, sizeof(vector));
 }
 
+// One element of each tile.
+HWY_INLINE void LoadTiles(const double* from, std::size_t window, Vector& vector) {
+  for (std::size_t t = 0; t < kTiles; ++t) vector[t] = from[t * window];
+}
+
 // As many vectors as each has numbers.
 struct Square {
   Vector row[kTiles];
@@ -115,7 +120,7 @@ void AverageTiles(const double* HWY_RESTRICT x, std::size_t window, double* HWY_
     }
   }
   while (j-- > 0) {
-    for (std::size_t t = 0; t < kTiles; ++t) vector[t] = x[j + t * window];
+    LoadTiles(x + j, window, vector);
     tail.Add(vector);
     tail.Save(tails + j * kSaved);
   }
@@ -140,7 +145,7 @@ void AverageTiles(const double* HWY_RESTRICT x, std::size_t window, double* HWY_
     average(head, j, vector);
     for (std::size_t t = 0; t < kTiles; ++t) out[t * window + j] = vector[t];
     if (j + 1 == window) break;
-    for (std::size_t t = 0; t < kTiles; ++t) vector[t] = x[window + j + t * window];
+    LoadTiles(x + window + j, window, vector);
     head.Add(vector);
   }
 }

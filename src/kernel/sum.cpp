@@ -3,9 +3,19 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <tuple>
 
 #include "kernel/double_blocks.h"
 #include "kernel/missing.h"
+
+#ifndef VELA_KERNEL_SUM_TYPES
+#define VELA_KERNEL_SUM_TYPES
+namespace vela::kernel {
+// The sum of a block without its missing elements.
+template <class T>
+using BlockSum = double (*)(const T* x, std::size_t n);
+}  // namespace vela::kernel
+#endif
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/sum.cpp"
@@ -51,9 +61,15 @@ double SumBlock(const T* HWY_RESTRICT x, std::size_t n) {
   return total;
 }
 
-double SumDoubles(const double* x, std::size_t n) { return SumBlock(x, n); }
-double SumFloats(const float* x, std::size_t n) { return SumBlock(x, n); }
-double SumInts(const std::int32_t* x, std::size_t n) { return SumBlock(x, n); }
+template <class... T>
+constexpr std::tuple<BlockSum<T>...> MakeBlockSums() {
+  return {&SumBlock<T>...};
+}
+
+const auto& BlockSums() {
+  static constexpr auto kTable = MakeBlockSums<double, float, std::int32_t>();
+  return kTable;
+}
 
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -62,19 +78,7 @@ HWY_AFTER_NAMESPACE();
 namespace vela::kernel {
 namespace {
 
-HWY_EXPORT(SumDoubles);
-HWY_EXPORT(SumFloats);
-HWY_EXPORT(SumInts);
-
-double SumBlock(std::span<const double> x) {
-  return HWY_DYNAMIC_DISPATCH(SumDoubles)(x.data(), x.size());
-}
-double SumBlock(std::span<const float> x) {
-  return HWY_DYNAMIC_DISPATCH(SumFloats)(x.data(), x.size());
-}
-double SumBlock(std::span<const std::int32_t> x) {
-  return HWY_DYNAMIC_DISPATCH(SumInts)(x.data(), x.size());
-}
+HWY_EXPORT(BlockSums);
 
 template <class T>
 double PairwiseSum(std::span<const T> x) {
@@ -83,8 +87,9 @@ double PairwiseSum(std::span<const T> x) {
     return PairwiseSum(x.first(half)) + PairwiseSum(x.subspan(half));
   }
   double total = 0.0;
-  ForEachLoadableBlock(x, [&](auto block, std::size_t /*offset*/) {
-    total = SumBlock(block);
+  ForEachLoadableBlock(x, [&]<class U>(std::span<const U> block, std::size_t /*offset*/) {
+    const auto sum = std::get<BlockSum<U>>(HWY_DYNAMIC_DISPATCH(BlockSums)());
+    total = sum(block.data(), block.size());
     return true;
   });
   return total;

@@ -69,7 +69,7 @@ void LineReader::Start(ByteSource& source, std::int64_t position) {
 void LineReader::DropTaken() {
   if (begin_ == 0) return;
   std::memmove(buffer_.get(), buffer_.get() + begin_, filled_ - begin_);
-  while (next_end_ != last_end_ && *next_end_ < begin_) ++next_end_;
+  SkipTakenEnds();
   for (std::uint32_t* end = next_end_; end != last_end_; ++end) {
     *end -= static_cast<std::uint32_t>(begin_);
   }
@@ -130,9 +130,7 @@ void LineReader::IndexMore() {
 // How many of the bytes ahead, up to most, come before a line end.
 std::size_t LineReader::FindLineEnd(std::size_t most) {
   for (;; IndexMore()) {
-    for (; next_end_ != last_end_; ++next_end_) {
-      if (*next_end_ >= begin_) return std::min(*next_end_ - begin_, most);
-    }
+    if (SkipTakenEnds()) return std::min(*next_end_ - begin_, most);
     if (indexed_ >= begin_ + most) return most;
   }
 }

@@ -67,6 +67,11 @@ class LineReader {
   bool Ensure(std::size_t bytes);
   void SkipMark();
   void IndexMore();
+  // Passes over the line ends that are behind; whether one ahead is known.
+  bool SkipTakenEnds() {
+    while (next_end_ != last_end_ && *next_end_ < begin_) ++next_end_;
+    return next_end_ != last_end_;
+  }
   std::size_t FindLineEnd(std::size_t most);
   Run FindLine();
   std::size_t LineEndAt(std::size_t at);
@@ -95,9 +100,7 @@ class LineReader {
 
 // A line of bytes whose end is known, as of nearly all.
 inline bool LineReader::TakeIndexed(bool keeps_end, std::string_view& line) {
-  if (encoding_ != TextEncoding::kBytes) return false;
-  while (next_end_ != last_end_ && *next_end_ < begin_) ++next_end_;
-  if (next_end_ == last_end_) return false;
+  if (encoding_ != TextEncoding::kBytes || !SkipTakenEnds()) return false;
   constexpr std::size_t kMostEnd = 2;
   const char* const text = buffer_.get() + begin_;
   const std::size_t content = *next_end_ - begin_;

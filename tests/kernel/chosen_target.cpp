@@ -9,9 +9,11 @@
 
 namespace {
 
+// 0 when Highway knows no such target.
 std::int64_t TargetNamed(std::string_view name) {
-  for (std::int64_t targets = hwy::SupportedTargets(); targets != 0; targets &= targets - 1) {
-    const std::int64_t target = targets & -targets;
+  constexpr int kTargetBits = 62;
+  for (int bit = 0; bit < kTargetBits; ++bit) {
+    const std::int64_t target = std::int64_t{1} << bit;
     if (name == hwy::TargetName(target)) return target;
   }
   return 0;
@@ -23,7 +25,8 @@ class ChosenTarget : public ::testing::Environment {
     const char* const name = std::getenv("VELA_KERNEL_TARGET");
     if (name == nullptr) return;
     const std::int64_t target = TargetNamed(name);
-    if (target == 0) GTEST_SKIP() << "this machine has no " << name;
+    ASSERT_NE(target, 0) << "there is no " << name;
+    if ((hwy::SupportedTargets() & target) == 0) GTEST_SKIP() << "this machine has no " << name;
     hwy::SetSupportedTargetsForTest(target);
     hwy::GetChosenTarget().Update(target);
   }
