@@ -1,4 +1,4 @@
-#include "frame/factory_application.h"
+#include "frame/factory/application.h"
 
 #include "frame/member/table.h"
 #include "matrix/matrix_base.h"

@@ -1,5 +1,5 @@
 // The functions that the library exports.
-#include "frame/factory.h"
+#include "frame/factory/create.h"
 #include "frame/interface/call.h"
 #include "frame/interface/entry_points.h"
 #include "frame/interface/host_services.h"

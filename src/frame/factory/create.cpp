@@ -1,4 +1,4 @@
-#include "frame/factory.h"
+#include "frame/factory/create.h"
 
 #include "frame/element_types.h"
 #include "frame/numeric_object.h"
