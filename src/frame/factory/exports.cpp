@@ -74,20 +74,14 @@ double safe_pow(double x, double y) {
 
 int TCAllVectorsBase_GetMinMax(CScriptVelaObject* object, const MSOINDICES* at, double* min,
                                double* max, unsigned* min_index, unsigned* max_index) {
-  const auto* vector = dynamic_cast<TCAllVectorNonTemplBase*>(object);
+  auto* vector = dynamic_cast<TCAllVectorNonTemplBase*>(object);
   if (vector == nullptr) return -1;
-  const vela::VectorArgument source{const_cast<TCAllVectorNonTemplBase*>(vector),
-                                    vector->GetVecArrayIndex(at)};
-  if (source.row < 0 || source.row >= vector->RowCount()) return -1;
+  const vela::Layer row{vector, vector->GetVecArrayIndex(at)};
+  if (row.number < 0 || row.number >= vector->LayerCount()) return -1;
   try {
-    const vela::RowElements elements(source);
-    const auto result =
-        vela::WithElementType(elements.Run().type_id, [&]<class T>() -> vela::kernel::MinMaxResult {
-          if constexpr (vela::SimpleElement<T>) {
-            return vela::kernel::MinMax<T>(elements.Run().As<T>());
-          }
-          return {};
-        });
+    const vela::kernel::MinMaxResult result = vela::WithElements(
+        vela::LayerElements(row).Span(),
+        []<vela::SimpleElement T>(std::span<T> x) { return vela::kernel::MinMax<T>(x); });
     if (min != nullptr) *min = result.min;
     if (max != nullptr) *max = result.max;
     if (min_index != nullptr) *min_index = static_cast<unsigned>(result.min_index);
