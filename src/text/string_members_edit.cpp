@@ -5,11 +5,10 @@
 #include <exception>
 #include <stdexcept>
 
-#include "text/c_name.h"
 #include "text/format.h"
-#include "text/shorten.h"
 #include "text/string_member.h"
 #include "text/string_object.h"
+#include "text/text_forms.h"
 #include "text/utf8_character.h"
 #include "text/vector_result.h"
 
