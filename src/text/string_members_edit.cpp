@@ -6,11 +6,10 @@
 #include <stdexcept>
 
 #include "frame/container/container_arguments.h"
-#include "text/c_name.h"
 #include "text/format.h"
-#include "text/shorten.h"
 #include "text/string_member.h"
 #include "text/string_object.h"
+#include "text/text_forms.h"
 #include "text/utf8_character.h"
 
 using vela::member::Arguments;

@@ -1,4 +1,4 @@
-// Shared by the parts of the call frame that talk to argument objects.
+// What a refusal by an argument object means.
 #pragma once
 
 #include "frame/interface/status.h"

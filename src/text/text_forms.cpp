@@ -1,4 +1,4 @@
-#include "text/c_name.h"
+#include "text/text_forms.h"
 
 #include "text/utf8_character.h"
 
@@ -25,6 +25,17 @@ std::string ValidCName(std::string_view text, MisfitCharacters misfits) {
   }
   if (name.empty() || IsDigit(name.front())) name.insert(name.begin(), '_');
   return name;
+}
+
+std::string Shortened(std::string_view text, std::size_t most, CutAt cut) {
+  constexpr std::string_view kDots = "...";
+  if (most < kDots.size()) return std::string(text.substr(0, WholeCharacters(text, most)));
+  const std::size_t kept = most - kDots.size();
+  const std::size_t tail = cut == CutAt::kEnd ? 0 : kept / 2;
+  std::string result(text.substr(0, WholeCharacters(text, kept - tail)));
+  result += kDots;
+  result += text.substr(NextCharacterStart(text, text.size() - tail));
+  return result;
 }
 
 }  // namespace vela::text

@@ -1,3 +1,5 @@
+#include "frame/interface/type_base.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -6,9 +8,10 @@
 #include <vector>
 
 #include "frame/interface/status.h"
-#include "frame/interface/type_base.h"
 
 namespace {
+
+constexpr CRuntimeClass kRootClass = {"CPLBase", sizeof(CPLBase), nullptr};
 
 bool SameName(const char* a, const char* b) { return std::strcmp(a, b) == 0; }
 
@@ -127,3 +130,7 @@ int CTypeBase::DoPropertySet(MemberHandler handler, CTCall* call) {
 }
 
 int CTypeBase::NotSupported(CTCall*) { return status::kUnsupported; }
+
+CPLBase::~CPLBase() = default;
+
+const CRuntimeClass* CPLBase::GetRuntimeClass() const { return &kRootClass; }
