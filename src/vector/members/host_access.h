@@ -87,7 +87,11 @@ int TCAllVectorsBaseBase<T>::GetString(const MSOINDICES* at, CStringUTF8& text) 
 
 template <class T>
 int TCAllVectorsBaseBase<T>::SetString(const MSOINDICES* at, const char* text) {
-  return Write(at, VELAObj::ParleyStr2double(text));
+  if constexpr (vela::SimpleElement<T>) {
+    return Write(at, vela::ValueOfText<T>(text));
+  } else {
+    return Write(at, VELAObj::ParleyStr2double(text));
+  }
 }
 
 template <class T>
