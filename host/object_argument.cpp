@@ -28,6 +28,18 @@ tagMSOOBJVECT tagMSOOBJVECT::Plain(const OneTCcomplex& value, std::uint32_t type
   return operand;
 }
 
+tagMSOOBJVECT tagMSOOBJVECT::Plain(std::int64_t value) {
+  tagMSOOBJVECT operand = Plain(static_cast<double>(value), kTypeInt64);
+  operand.plain_bits = static_cast<std::uint64_t>(value);
+  return operand;
+}
+
+tagMSOOBJVECT tagMSOOBJVECT::Plain(std::uint64_t value) {
+  tagMSOOBJVECT operand = Plain(static_cast<double>(value), kTypeUnsignedInt64);
+  operand.plain_bits = value;
+  return operand;
+}
+
 void tagMSOOBJVECT::Copy(const tagMSOOBJVECT& other) {
   *this = other;
   lent_buffer = nullptr;

@@ -37,7 +37,10 @@ TCNumericBase<T>::TCNumericBase(unsigned count, unsigned type_word, void** args)
           source.object != nullptr) {
         vela::member::Check(source.object->GetNumericValue(&source.indices, *m_storage));
       } else {
-        *m_storage = vela::ConvertValue<T>(arguments.Double(0));
+        const unsigned type_id = arguments.TypeId(0);
+        const bool is_wide = type_id == kTypeInt64 || type_id == kTypeUnsignedInt64;
+        *m_storage = is_wide ? vela::ValueOfText<T>(arguments.Text(0).c_str())
+                             : vela::ConvertValue<T>(arguments.Double(0));
       }
     }
   });
@@ -90,7 +93,11 @@ int TCNumericBase<T>::SetString(const char* text) {
 
 template <class T>
 int TCNumericBase<T>::SetString(const MSOINDICES* at, const char* text) {
-  return Write(at, VELAObj::ParleyStr2double(text));
+  if constexpr (vela::SimpleElement<T>) {
+    return Write(at, vela::ValueOfText<T>(text));
+  } else {
+    return Write(at, VELAObj::ParleyStr2double(text));
+  }
 }
 
 template <class T>

@@ -3,6 +3,7 @@
 #include "frame/element_value.h"
 #include "frame/interface/host_services.h"
 #include "frame/interface/script_object.h"
+#include "frame/scalar_operand.h"
 #include "text/string_array.h"
 
 namespace vela::text {
@@ -16,6 +17,9 @@ CStringUTF8 PlainText(const tagMSOOBJVECT& operand) {
       return ValueText(ConvertValue<float>(operand.plain));
     case kTypeComplex:
       return ValueText(operand.plain);
+    case kTypeInt64:
+    case kTypeUnsignedInt64:
+      return WithPlainOperand(operand, [](const auto& plain) { return ValueText(plain); });
     default:
       return ValueText(operand.plain.m_re);
   }

@@ -122,7 +122,14 @@ int TCAllVectorNonTemplBase::GetString(const MSOINDICES* at, CStringUTF8& text) 
 }
 
 int TCAllVectorNonTemplBase::SetString(const MSOINDICES* at, const char* text) {
-  return Write(at, VELAObj::ParleyStr2double(text));
+  switch (GetInternalDataTypeID()) {
+    case kTypeInt64:
+      return Write(at, vela::ValueOfText<std::int64_t>(text));
+    case kTypeUnsignedInt64:
+      return Write(at, vela::ValueOfText<std::uint64_t>(text));
+    default:
+      return Write(at, VELAObj::ParleyStr2double(text));
+  }
 }
 
 int TCAllVectorNonTemplBase::GetDisplayElement(CStringUTF8& text, int index) {

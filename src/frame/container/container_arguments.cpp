@@ -1,9 +1,7 @@
 #include "frame/container/container_arguments.h"
 
-#include <charconv>
 #include <cstdint>
 #include <limits>
-#include <string_view>
 
 #include "frame/element_value.h"
 
@@ -13,16 +11,6 @@ using vela::member::Fail;
 
 namespace vela {
 namespace {
-
-// A 64-bit integer argument without the rounding of a double: by its text.
-template <class Integer>
-Integer WholeArgument(Arguments& args, unsigned arg) {
-  const CStringUTF8 text = args.Text(arg);
-  const std::string_view digits = text.View();
-  Integer value = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  return value;
-}
 
 // A plain number becomes a complex with that real part, and a point with that x where the frame
 // converts it; 64-bit integers keep all their digits.
@@ -43,9 +31,12 @@ T ReadElement(Arguments& args, unsigned arg) {
   } else {
     if constexpr (IntegerElement<T> && sizeof(T) == 8) {
       const unsigned type_id = args.TypeId(arg);
-      if (type_id == kTypeInt64) return ConvertValue<T>(WholeArgument<std::int64_t>(args, arg));
+      const CStringUTF8 digits = type_id == kTypeInt64 || type_id == kTypeUnsignedInt64
+                                     ? args.Text(arg)
+                                     : CStringUTF8();
+      if (type_id == kTypeInt64) return ConvertValue<T>(ValueOfText<std::int64_t>(digits.c_str()));
       if (type_id == kTypeUnsignedInt64) {
-        return ConvertValue<T>(WholeArgument<std::uint64_t>(args, arg));
+        return ConvertValue<T>(ValueOfText<std::uint64_t>(digits.c_str()));
       }
     }
     return ConvertValue<T>(args.Double(arg));
