@@ -31,9 +31,8 @@ T ReadElement(Arguments& args, unsigned arg) {
   } else {
     if constexpr (IntegerElement<T> && sizeof(T) == 8) {
       const unsigned type_id = args.TypeId(arg);
-      const CStringUTF8 digits = type_id == kTypeInt64 || type_id == kTypeUnsignedInt64
-                                     ? args.Text(arg)
-                                     : CStringUTF8();
+      const CStringUTF8 digits =
+          type_id == kTypeInt64 || type_id == kTypeUnsignedInt64 ? args.Text(arg) : CStringUTF8();
       if (type_id == kTypeInt64) return ConvertValue<T>(ValueOfText<std::int64_t>(digits.c_str()));
       if (type_id == kTypeUnsignedInt64) {
         return ConvertValue<T>(ValueOfText<std::uint64_t>(digits.c_str()));

@@ -15,11 +15,9 @@
 namespace vela {
 namespace {
 
-// The classes of the factory's table, by element type. Every element type has a scalar and a free
-// vector; the other columns have gaps.
+// The classes of the factory's table that differ by more than their element type.
 template <class T>
 struct Classes {
-  using Scalar = std::conditional_t<std::is_floating_point_v<T>, TCFloating<T>, TCIntegral<T>>;
   using Vector =
       std::conditional_t<std::is_floating_point_v<T>, TCVectorFloating<T>, TCVectorIntegral<T>>;
   using Dataset =
@@ -27,13 +25,11 @@ struct Classes {
 };
 template <>
 struct Classes<OneTCcomplex> {
-  using Scalar = TCcomplex;
   using Vector = TClccomplexVector;
   using Dataset = TCOlccomplexVector;
 };
 template <PointElement T>
 struct Classes<T> {
-  using Scalar = TCPointBase<typename T::Coordinate, T::kDimensions>;
   using Vector = TCPointVector<typename T::Coordinate, T::kDimensions>;
 };
 
@@ -54,13 +50,13 @@ CScriptVelaObject* CreateNumeric(const CreationRequest& request) {
     if constexpr (DatasetElement<T> && !ComplexElement<T>) return new TCCurve<T>(type_id);
     return nullptr;
   }
-  if (request.Has(kFlagBitField)) {
-    if constexpr (DatasetElement<T> && IntegerElement<T>) {
-      return new TCBitField<T>(request.n, type_id, request.args);
-    }
-    return nullptr;
+  if (request.Has(kFlagBitField)) return NewBitField(type_id, request.n, request.args);
+  if constexpr (ComplexElement<T>) return new TCcomplex(request.n, type_id, request.args);
+  if constexpr (PointElement<T>) {
+    using Point = TCPointBase<typename T::Coordinate, T::kDimensions>;
+    return new Point(request.n, type_id, request.args);
   }
-  return new typename Classes<T>::Scalar(request.n, type_id, request.args);
+  return NewNumber(type_id, request.n, request.args);
 }
 
 CScriptVelaObject* CreateString(const CreationRequest& request) {
