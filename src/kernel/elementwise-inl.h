@@ -1,5 +1,5 @@
-// The walk over elements that a kernel replaces one by one, compiled once for each instruction set
-// of a file that includes it. Without an include guard for that reason.
+// The walk over elements that a kernel replaces one by one.
+// Compiled once for each instruction set: the guard lets it in again for the next.
 
 #include <concepts>
 #include <cstddef>
@@ -8,6 +8,13 @@
 #include <type_traits>
 
 #include "kernel/line_start.h"
+
+#if defined(VELA_KERNEL_ELEMENTWISE_TOGGLE) == defined(HWY_TARGET_TOGGLE)
+#ifdef VELA_KERNEL_ELEMENTWISE_TOGGLE
+#undef VELA_KERNEL_ELEMENTWISE_TOGGLE
+#else
+#define VELA_KERNEL_ELEMENTWISE_TOGGLE
+#endif
 
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
@@ -33,3 +40,5 @@ HWY_INLINE void ForEachVector(const T* target, std::size_t count, Step step) {
 
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif
