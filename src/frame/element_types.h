@@ -67,7 +67,7 @@ concept DatasetElement = ComplexElement<T> ||
 
 // Calls f.operator()<T>() for every element type, in table order.
 template <class F>
-void ForEachElementType(F&& f) {
+constexpr void ForEachElementType(F&& f) {
   std::apply(
       [&](const auto&... row) {
         (f.template operator()<typename std::remove_cvref_t<decltype(row)>::Value>(), ...);
