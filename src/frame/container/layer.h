@@ -53,6 +53,13 @@ class LayerElements {
     if (!span_) [[unlikely]]
       Copy();
   }
+  // For numbers only: ends the handler with the status for elements that are none.
+  LayerElements(const Layer& layer, int otherwise) : layer_(layer), span_(layer.Buffer()) {
+    if (span_) [[likely]]
+      return;
+    if (!IsNumeric(layer)) member::Fail(otherwise);
+    Copy();
+  }
 
   const ElementSpan& Span() const { return span_; }
   template <class T>
@@ -60,7 +67,12 @@ class LayerElements {
     return span_.As<T>();
   }
   // The elements from the lower bound on.
-  ElementSpan Data() const { return span_.From(layer_.FirstOfData()); }
+  ElementSpan Data() const {
+    const int lower = layer_.LowerBound();
+    if (lower <= 0) [[likely]]
+      return span_;
+    return span_.From(std::min(static_cast<std::size_t>(lower), span_.size));
+  }
 
   // Writes a copy back and announces the change.
   void Commit() const;
