@@ -32,15 +32,13 @@ endfunction()
 vela_header_library(pegtl tao-pegtl-dev tao)
 vela_header_library(utf8cpp libutfcpp-dev utf8.h utf8)
 vela_header_library(fast_float libfast-float-dev fast_float)
+# Its headers alone: the compiled part of Highway exists for Linux only, and the kernels do without.
+vela_header_library(hwy libhwy-dev hwy)
 
 if(WIN32)
-  # Highway has no Windows package: its headers alone, with the instruction set chosen at compile
-  # time.
-  vela_header_library(hwy libhwy-dev hwy)
   target_compile_definitions(deps_hwy INTERFACE HWY_COMPILE_ONLY_STATIC)
 else()
   find_package(PkgConfig REQUIRED)
-  vela_pkg_library(hwy libhwy-dev libhwy)
   vela_pkg_library(icu libicu-dev icu-uc)
 endif()
 

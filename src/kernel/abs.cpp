@@ -4,11 +4,13 @@
 #include <cstddef>
 #include <limits>
 
+#include "kernel/dispatch.h"
 #include "kernel/line_start.h"
 #include "kernel/missing.h"
 
-#undef HWY_TARGET_INCLUDE
+#ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/abs.cpp"
+#endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -36,19 +38,6 @@ void AbsLoop(T* x, std::size_t count) {
   for (std::size_t i = lead; i < count; ++i) x[i] = AbsOf(x[i]);
 }
 
-template <class T>
-using Function = void (*)(T* x, std::size_t count);
-
-template <class... T>
-constexpr PerElementType<Function> MakeFunctions(std::tuple<TypeTag<T>...> /*types*/) {
-  return {&AbsLoop<T>...};
-}
-
-const PerElementType<Function>& AbsFunctions() {
-  static constexpr auto kFunctions = MakeFunctions(PerElementType<TypeTag>());
-  return kFunctions;
-}
-
 }  // namespace
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -56,12 +45,9 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vela::kernel {
 
-HWY_EXPORT(AbsFunctions);
-
 template <Element T>
 void Abs(std::span<T> x) {
-  using Loop = void (*)(T*, std::size_t);
-  std::get<Loop>(HWY_DYNAMIC_DISPATCH(AbsFunctions)())(x.data(), x.size());
+  VELA_KERNEL_DISPATCH(AbsLoop<T>)(x.data(), x.size());
 }
 
 #define VELA_KERNEL_INSTANTIATE(T) template void Abs(std::span<T>);

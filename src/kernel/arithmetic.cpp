@@ -4,26 +4,15 @@
 #include <concepts>
 #include <type_traits>
 
+#include "kernel/dispatch.h"
 #include "kernel/line_start.h"
 #include "kernel/power.h"
 
-#undef HWY_TARGET_INCLUDE
+#ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/arithmetic.cpp"
+#endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
-
-#ifndef VELA_KERNEL_ARITHMETIC_TABLE
-#define VELA_KERNEL_ARITHMETIC_TABLE
-namespace vela::kernel {
-
-template <class T>
-struct ElementFunctions {
-  void (*elements)(Op op, T* x, const T* y, std::size_t count, bool guard_multiply) = nullptr;
-  void (*broadcast)(Op op, T* x, T y, std::size_t count, bool guard_multiply) = nullptr;
-};
-
-}  // namespace vela::kernel
-#endif
 
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
@@ -274,16 +263,6 @@ void ApplyBroadcast(Op op, T* x, T y, std::size_t count, bool guard_multiply) {
   ApplyAny(op, x, count, Broadcast<T>{y}, guard_multiply);
 }
 
-template <class... T>
-constexpr PerElementType<ElementFunctions> MakeFunctions(std::tuple<TypeTag<T>...> /*types*/) {
-  return {ElementFunctions<T>{&ApplyElements<T>, &ApplyBroadcast<T>}...};
-}
-
-const PerElementType<ElementFunctions>& AllFunctions() {
-  static constexpr auto kFunctions = MakeFunctions(PerElementType<TypeTag>());
-  return kFunctions;
-}
-
 }  // namespace
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -291,25 +270,16 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vela::kernel {
 
-HWY_EXPORT(AllFunctions);
-
-namespace {
-
-template <class T>
-const ElementFunctions<T>& FunctionsFor() {
-  return std::get<ElementFunctions<T>>(HWY_DYNAMIC_DISPATCH(AllFunctions)());
-}
-
-}  // namespace
-
 template <Element T>
 void Apply(Op op, std::span<T> x, std::span<const T> y, bool guard_multiply) {
-  FunctionsFor<T>().elements(op, x.data(), y.data(), x.size(), guard_multiply);
+  VELA_KERNEL_DISPATCH(ApplyElements<T>)
+  (op, x.data(), y.data(), x.size(), guard_multiply);
 }
 
 template <Element T>
 void ApplyScalar(Op op, std::span<T> x, T y, bool guard_multiply) {
-  FunctionsFor<T>().broadcast(op, x.data(), y, x.size(), guard_multiply);
+  VELA_KERNEL_DISPATCH(ApplyBroadcast<T>)
+  (op, x.data(), y, x.size(), guard_multiply);
 }
 
 #define VELA_KERNEL_INSTANTIATE(T)                                 \

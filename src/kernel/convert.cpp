@@ -5,11 +5,13 @@
 #include <cstdint>
 #include <cstring>
 
+#include "kernel/dispatch.h"
 #include "kernel/line_start.h"
 #include "kernel/missing.h"
 
-#undef HWY_TARGET_INCLUDE
+#ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/convert.cpp"
+#endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -41,33 +43,17 @@ void ConvertRun(const double* HWY_RESTRICT source, std::int32_t* HWY_RESTRICT ta
   for (; i < count; ++i) target[i] = ConvertElement<std::int32_t>(source[i]);
 }
 
-template <class From, class To, void kRun(const From*, To*, std::size_t) = ConvertRun<From, To>>
-void ConvertLoop(const From* source, To* target, std::size_t count) {
+template <class From, class To, class Run>
+void RunAligned(const From* source, To* target, std::size_t count, Run run) {
   const std::size_t lead = ElementsBeforeLine(target, count);
-  kRun(source, target, lead);
-  kRun(source + lead, target + lead, count - lead);
+  run(source, target, lead);
+  run(source + lead, target + lead, count - lead);
 }
 
-template <class From>
-using Table = typename detail::ConversionsFrom<From>::Table;
-using AllTables = PerElementType<Table>;
-
-template <class From, class... To>
-constexpr Table<From> MakeTable(std::tuple<TypeTag<To>...> /*targets*/) {
-  return {&ConvertLoop<From, To>...};
+template <class From, class To>
+void ConvertLoop(const From* source, void* target, std::size_t count) {
+  RunAligned(source, static_cast<To*>(target), count, ConvertRun<From, To>);
 }
-
-template <class... From>
-constexpr AllTables MakeTables(std::tuple<TypeTag<From>...> types) {
-  return {MakeTable<From>(types)...};
-}
-
-const AllTables& Tables() {
-  static constexpr AllTables kTables = MakeTables(PerElementType<TypeTag>());
-  return kTables;
-}
-
-}  // namespace
 
 // As ConvertRun, with a NaN stored as the missing value is. The compiler would branch on every
 // element.
@@ -93,49 +79,55 @@ void ConvertNumbers(const From* HWY_RESTRICT source, To* HWY_RESTRICT target, st
 }
 
 void WidenWithoutNan(const float* source, double* target, std::size_t count) {
-  ConvertLoop<float, double, ConvertNumbers<float, double>>(source, target, count);
+  RunAligned(source, target, count, ConvertNumbers<float, double>);
 }
 
 void NarrowWithoutNan(const double* source, float* target, std::size_t count) {
-  ConvertLoop<double, float, ConvertNumbers<double, float>>(source, target, count);
+  RunAligned(source, target, count, ConvertNumbers<double, float>);
 }
 
+}  // namespace
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace vela::kernel {
 
-HWY_EXPORT(WidenWithoutNan);
-HWY_EXPORT(NarrowWithoutNan);
-
 void ConvertWithoutNan(std::span<const float> source, std::span<double> target) {
-  HWY_DYNAMIC_DISPATCH(WidenWithoutNan)(source.data(), target.data(), source.size());
+  VELA_KERNEL_DISPATCH(WidenWithoutNan)(source.data(), target.data(), source.size());
 }
 
 void ConvertWithoutNan(std::span<const double> source, std::span<float> target) {
-  HWY_DYNAMIC_DISPATCH(NarrowWithoutNan)(source.data(), target.data(), source.size());
+  VELA_KERNEL_DISPATCH(NarrowWithoutNan)(source.data(), target.data(), source.size());
 }
 
-}  // namespace vela::kernel
-
-namespace vela::kernel::detail {
-
-HWY_EXPORT(Tables);
+namespace detail {
 
 void MoveBytes(const void* source, void* target, std::size_t size) {
   if (size > 0) std::memmove(target, source, size);
 }
 
+namespace {
+
+template <class From, class... To>
+auto LoopTo(std::size_t type, TypeList<To...> /*targets*/) {
+  static constexpr PerInstructionSet<void(const From*, void*, std::size_t)> kLoops[] = {
+      VELA_KERNEL_DISPATCH(ConvertLoop<From, To>)...};
+  return kLoops[type];
+}
+
+}  // namespace
+
 template <Element From>
-const typename ConversionsFrom<From>::Table& Conversions() {
-  return std::get<typename ConversionsFrom<From>::Table>(HWY_DYNAMIC_DISPATCH(Tables)());
+void ConvertTo(std::size_t type, const From* source, void* target, std::size_t count) {
+  LoopTo<From>(type, SimpleTypes())(source, target, count);
 }
 
 #define VELA_KERNEL_INSTANTIATE(T) \
-  template const typename ConversionsFrom<T>::Table& Conversions<T>();
+  template void ConvertTo<T>(std::size_t, const T*, void*, std::size_t);
 VELA_KERNEL_FOR_SIMPLE_TYPES(VELA_KERNEL_INSTANTIATE)
 #undef VELA_KERNEL_INSTANTIATE
 
-}  // namespace vela::kernel::detail
+}  // namespace detail
+}  // namespace vela::kernel
 #endif

@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <limits>
 #include <span>
-#include <tuple>
 
 #include "kernel/element_types.h"
 
@@ -56,17 +55,9 @@ namespace detail {
 /// Copies bytes between runs that may overlap.
 void MoveBytes(const void* source, void* target, std::size_t size);
 
-/// The conversion loops out of one type, one for each target type.
-template <class From>
-struct ConversionsFrom {
-  template <class To>
-  using Loop = void (*)(const From* source, To* target, std::size_t count);
-  using Table = PerElementType<Loop>;
-};
-
-/// The loops for the best instruction set of this machine.
+/// Stores the elements by ConvertElement into a target of the type at that position in SimpleTypes.
 template <Element From>
-const typename ConversionsFrom<From>::Table& Conversions();
+void ConvertTo(std::size_t type, const From* source, void* target, std::size_t count);
 
 }  // namespace detail
 
@@ -78,8 +69,7 @@ void Convert(std::span<const From> source, std::span<To> target) {
   if constexpr (std::same_as<To, From>) {
     detail::MoveBytes(source.data(), target.data(), source.size_bytes());
   } else {
-    using Loop = typename detail::ConversionsFrom<From>::template Loop<To>;
-    std::get<Loop>(detail::Conversions<From>())(source.data(), target.data(), source.size());
+    detail::ConvertTo(kTypePosition<To>, source.data(), target.data(), source.size());
   }
 }
 

@@ -7,10 +7,12 @@
 #include <limits>
 
 #include "kernel/convert.h"
+#include "kernel/dispatch.h"
 #include "kernel/line_start.h"
 
-#undef HWY_TARGET_INCLUDE
+#ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/difference.cpp"
+#endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -62,19 +64,6 @@ void DifferenceLoop(const T* x, T* result, std::size_t count) {
   }
 }
 
-template <class T>
-using Function = void (*)(const T* x, T* result, std::size_t count);
-
-template <class... T>
-constexpr PerElementType<Function> MakeFunctions(std::tuple<TypeTag<T>...> /*types*/) {
-  return {&DifferenceLoop<T>...};
-}
-
-const PerElementType<Function>& DifferenceFunctions() {
-  static constexpr auto kFunctions = MakeFunctions(PerElementType<TypeTag>());
-  return kFunctions;
-}
-
 }  // namespace
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
@@ -82,13 +71,9 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vela::kernel {
 
-HWY_EXPORT(DifferenceFunctions);
-
 template <Element T>
 void Difference(std::span<const T> x, std::span<T> result) {
-  using Loop = void (*)(const T*, T*, std::size_t);
-  const Loop loop = std::get<Loop>(HWY_DYNAMIC_DISPATCH(DifferenceFunctions)());
-  loop(x.data(), result.data(), result.size());
+  VELA_KERNEL_DISPATCH(DifferenceLoop<T>)(x.data(), result.data(), result.size());
 }
 
 #define VELA_KERNEL_INSTANTIATE(T) template void Difference(std::span<const T>, std::span<T>);

@@ -5,8 +5,11 @@
 #include <cmath>
 #include <limits>
 
-#undef HWY_TARGET_INCLUDE
+#include "kernel/dispatch.h"
+
+#ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/edge_search.cpp"
+#endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -47,9 +50,6 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vela::kernel {
 
-HWY_EXPORT(SetLeastEqual);
-HWY_EXPORT(Ascends);
-
 namespace {
 
 constexpr std::size_t kFewestCells = 256;
@@ -62,10 +62,10 @@ constexpr std::size_t kFilledCells = 16;
 EdgeSearch::EdgeSearch(std::span<const double> ascending, std::size_t elements) {
   const std::size_t count = ascending.size();
   edges.resize(count);
-  HWY_DYNAMIC_DISPATCH(SetLeastEqual)(ascending.data(), count, edges.data());
+  VELA_KERNEL_DISPATCH(SetLeastEqual)(ascending.data(), count, edges.data());
 
   std::size_t cells = 1;
-  if (count > 0 && HWY_DYNAMIC_DISPATCH(Ascends)(edges.data(), count)) {
+  if (count > 0 && VELA_KERNEL_DISPATCH(Ascends)(edges.data(), count)) {
     cells = std::clamp(std::bit_ceil(kCellsPerEdge * count), kFewestCells, kMostCells);
     // A cell costs about as much to set up as it saves on an element.
     cells = std::min(cells, std::bit_ceil(elements + 1));

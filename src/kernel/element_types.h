@@ -1,38 +1,63 @@
 #pragma once
 
 #include <concepts>
-#include <tuple>
+#include <cstddef>
+#include <cstdint>
 
-#include "kernel/simple_types.h"
+/// Expands F(T) once for each of the ten simple element types: the one list that every table and
+/// every instantiation per type is made from.
+#define VELA_KERNEL_FOR_SIMPLE_TYPES(F) \
+  F(char)                               \
+  F(unsigned char)                      \
+  F(short)                              \
+  F(unsigned short)                     \
+  F(int)                                \
+  F(unsigned int)                       \
+  F(float)                              \
+  F(double)                             \
+  F(std::int64_t)                       \
+  F(std::uint64_t)
 
 namespace vela::kernel {
 
-namespace detail {
-template <template <class> class F>
-constexpr auto TupleOfEach() {
-#define VELA_KERNEL_TUPLE_OF_ONE(T) std::tuple<F<T>>(),
-  return std::tuple_cat(VELA_KERNEL_FOR_SIMPLE_TYPES(VELA_KERNEL_TUPLE_OF_ONE) std::tuple<>());
-#undef VELA_KERNEL_TUPLE_OF_ONE
-}
-}  // namespace detail
-
-/// A tuple with one F<T> for each of the ten simple element types T. F must give a different,
-/// default-constructible type for each T, so that std::get<F<T>> finds its entry.
-template <template <class> class F>
-using PerElementType = decltype(detail::TupleOfEach<F>());
-
-template <class T>
-struct TypeTag {};
+template <class... T>
+struct TypeList {
+  static constexpr std::size_t kSize = sizeof...(T);
+};
 
 namespace detail {
-template <class T, class Tuple>
-inline constexpr bool kHolds = false;
+
+// A list that begins with an entry of no type, as a comma stands before each of the macro's.
+template <class None, class... T>
+using Rest = TypeList<T...>;
+
+template <class T, class List>
+inline constexpr std::size_t kPosition = List::kSize;
 template <class T, class... Ts>
-inline constexpr bool kHolds<T, std::tuple<Ts...>> = (std::same_as<T, Ts> || ...);
+inline constexpr std::size_t kPosition<T, TypeList<Ts...>> = [] {
+  std::size_t position = 0;
+  (void)((!std::same_as<T, Ts> && ++position) && ...);
+  return position;
+}();
+
 }  // namespace detail
+
+#define VELA_KERNEL_LIST_ENTRY(T) , T
+using SimpleTypes = detail::Rest<void VELA_KERNEL_FOR_SIMPLE_TYPES(VELA_KERNEL_LIST_ENTRY)>;
+#undef VELA_KERNEL_LIST_ENTRY
+
+/// The place of T in the list of simple types; the length of the list when it is none of them.
+template <class T>
+inline constexpr std::size_t kTypePosition = detail::kPosition<T, SimpleTypes>;
 
 /// The ten simple element types.
 template <class T>
-concept Element = detail::kHolds<TypeTag<T>, PerElementType<TypeTag>>;
+concept Element = kTypePosition<T> < SimpleTypes::kSize;
+
+/// Calls f.operator()<T>() for each type of the list.
+template <class... T, class F>
+constexpr void ForEachType(TypeList<T...> /*types*/, F&& f) {
+  (f.template operator()<T>(), ...);
+}
 
 }  // namespace vela::kernel

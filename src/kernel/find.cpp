@@ -4,13 +4,13 @@
 #include <array>
 #include <bit>
 #include <cmath>
-#include <tuple>
 
+#include "kernel/dispatch.h"
 #include "kernel/double_blocks.h"
 #include "kernel/missing.h"
 
-#ifndef VELA_KERNEL_FIND_TABLE
-#define VELA_KERNEL_FIND_TABLE
+#ifndef VELA_KERNEL_BIT_POSITIONS
+#define VELA_KERNEL_BIT_POSITIONS
 namespace vela::kernel {
 
 // For each byte the positions of its set bits, lowest first, padded with 0.
@@ -26,20 +26,12 @@ inline constexpr BitPositions kBitPositions = [] {
   return table;
 }();
 
-// For each way to match: counts the matches among n elements and writes their indices, counted from
-// base, as far as they fit.
-template <class T>
-struct Collectors {
-  using Collector = std::size_t (*)(const T* x, std::size_t n, double a, double b, std::size_t base,
-                                    std::uint32_t* found, std::size_t capacity);
-  Collector equal, near, inside;
-};
-
 }  // namespace vela::kernel
 #endif
 
-#undef HWY_TARGET_INCLUDE
+#ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/find.cpp"
+#endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -196,16 +188,6 @@ std::size_t CollectInside(const T* x, std::size_t n, double low, double high, st
   return Collect(x, n, Inside{low, high}, base, found, capacity);
 }
 
-template <class... T>
-constexpr std::tuple<Collectors<T>...> MakeCollectors() {
-  return {Collectors<T>{&CollectEqual<T>, &CollectNear<T>, &CollectInside<T>}...};
-}
-
-const auto& AllCollectors() {
-  static constexpr auto kCollectors = MakeCollectors<double, float, std::int32_t>();
-  return kCollectors;
-}
-
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
@@ -213,20 +195,16 @@ HWY_AFTER_NAMESPACE();
 namespace vela::kernel {
 namespace {
 
-HWY_EXPORT(AllCollectors);
-
-// way picks one of the Collectors.
-template <class T, class Way>
-std::size_t Find(std::span<const T> x, Way way, double a, double b, FindScope scope,
-                 std::span<std::uint32_t> found) {
+// collect counts the matches of a block and writes their indices, counted from a base, as far as
+// they fit.
+template <class T, class Collect>
+std::size_t FindBy(std::span<const T> x, FindScope scope, std::span<std::uint32_t> found,
+                   Collect collect) {
   const std::size_t end = std::min(scope.end, x.size());
   const std::size_t start = std::min(scope.start, end);
-  const auto range = x.subspan(start, end - start);
   std::size_t count = 0;
-  ForEachLoadableBlock(range, [&]<class U>(std::span<const U> block, std::size_t offset) {
-    const auto collect = way(std::get<Collectors<U>>(HWY_DYNAMIC_DISPATCH(AllCollectors)()));
-    const auto free = found.subspan(std::min(count, found.size()));
-    count += collect(block.data(), block.size(), a, b, start + offset, free.data(), free.size());
+  ForEachLoadableBlock(x.subspan(start, end - start), [&](auto block, std::size_t offset) {
+    count += collect(block, start + offset, found.subspan(std::min(count, found.size())));
     return !(scope.first_only && count > 0);
   });
   return scope.first_only ? std::min<std::size_t>(count, 1) : count;
@@ -239,17 +217,23 @@ std::size_t FindEqual(std::span<const T> x, double value, double tolerance, Find
                       std::span<std::uint32_t> found) {
   // The difference of two infinities is NaN: compare them directly.
   const bool exact = tolerance == 0.0 || IsMissing(value) || std::isinf(value);
-  const auto way = [exact](const auto& collectors) {
-    return exact ? collectors.equal : collectors.near;
-  };
-  return Find(x, way, value, tolerance, scope, found);
+  return FindBy(
+      x, scope, found, [=]<class U>(std::span<const U> block, std::size_t base, auto free) {
+        const auto collect =
+            exact ? VELA_KERNEL_DISPATCH(CollectEqual<U>) : VELA_KERNEL_DISPATCH(CollectNear<U>);
+        return collect(block.data(), block.size(), value, tolerance, base, free.data(),
+                       free.size());
+      });
 }
 
 template <Element T>
 std::size_t FindInRange(std::span<const T> x, double low, double high, FindScope scope,
                         std::span<std::uint32_t> found) {
-  const auto way = [](const auto& collectors) { return collectors.inside; };
-  return Find(x, way, low, high, scope, found);
+  return FindBy(x, scope, found,
+                [=]<class U>(std::span<const U> block, std::size_t base, auto free) {
+                  return VELA_KERNEL_DISPATCH(CollectInside<U>)(
+                      block.data(), block.size(), low, high, base, free.data(), free.size());
+                });
 }
 
 #define VELA_KERNEL_INSTANTIATE(T)                                                   \

@@ -7,6 +7,7 @@
 #include <limits>
 #include <stdexcept>
 
+#include "kernel/dispatch.h"
 #include "kernel/double_blocks.h"
 #include "kernel/edge_search.h"
 #include "kernel/missing.h"
@@ -25,8 +26,9 @@ struct SpecialCounts {
 }  // namespace vela::kernel
 #endif
 
-#undef HWY_TARGET_INCLUDE
+#ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/histogram.cpp"
+#endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -74,9 +76,6 @@ HWY_AFTER_NAMESPACE();
 namespace vela::kernel {
 namespace {
 
-HWY_EXPORT(CountReached);
-HWY_EXPORT(CountSpecial);
-
 // How many elements reached each number of edges, 0 to all. A NaN, which by the comparisons of a
 // binary search lies above every edge but the last, reaches all but one.
 template <class T>
@@ -86,9 +85,9 @@ std::vector<std::size_t> CountByReached(std::span<const T> x, std::span<const do
   std::vector<std::uint32_t> tables(kTables * stride);
   std::size_t missing = 0, nan = 0;
   ForEachDoubleBlock(x, [&](std::span<const double> block, std::size_t /*offset*/) {
-    HWY_DYNAMIC_DISPATCH(CountReached)(search, block.data(), block.size(), tables.data(), stride);
+    VELA_KERNEL_DISPATCH(CountReached)(search, block.data(), block.size(), tables.data(), stride);
     if constexpr (std::floating_point<T>) {
-      const SpecialCounts special = HWY_DYNAMIC_DISPATCH(CountSpecial)(block.data(), block.size());
+      const SpecialCounts special = VELA_KERNEL_DISPATCH(CountSpecial)(block.data(), block.size());
       missing += special.missing;
       nan += special.nan;
     }

@@ -3,8 +3,11 @@
 #include <bit>
 #include <cstring>
 
-#undef HWY_TARGET_INCLUDE
+#include "kernel/dispatch.h"
+
+#ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/line_ends.cpp"
+#endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -65,10 +68,8 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vela::kernel {
 
-HWY_EXPORT(FindLineEnds);
-
 std::uint32_t* FindLineEnds(std::string_view text, std::uint32_t first, std::uint32_t* ends) {
-  return HWY_DYNAMIC_DISPATCH(FindLineEnds)(text.data(), text.size(), first, ends);
+  return VELA_KERNEL_DISPATCH(FindLineEnds)(text.data(), text.size(), first, ends);
 }
 
 }  // namespace vela::kernel

@@ -4,8 +4,11 @@
 #include <limits>
 #include <type_traits>
 
-#undef HWY_TARGET_INCLUDE
+#include "kernel/dispatch.h"
+
+#ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/min_max.cpp"
+#endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -143,31 +146,15 @@ MinMaxResult MinMaxOf(const Element* elements, std::size_t n) {
   return result;
 }
 
-template <class T>
-using Loop = MinMaxResult (*)(const T*, std::size_t);
-
-template <class... T>
-constexpr PerElementType<Loop> MakeLoops(std::tuple<TypeTag<T>...> /*types*/) {
-  return {&MinMaxOf<T>...};
-}
-
-const PerElementType<Loop>& MinMaxLoops() {
-  static constexpr auto kLoops = MakeLoops(PerElementType<TypeTag>());
-  return kLoops;
-}
-
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace vela::kernel {
 
-HWY_EXPORT(MinMaxLoops);
-
 template <Element T>
 MinMaxResult MinMax(std::span<const T> x) {
-  using Loop = MinMaxResult (*)(const T*, std::size_t);
-  return std::get<Loop>(HWY_DYNAMIC_DISPATCH(MinMaxLoops)())(x.data(), x.size());
+  return VELA_KERNEL_DISPATCH(MinMaxOf<T>)(x.data(), x.size());
 }
 
 #define VELA_KERNEL_INSTANTIATE(T) template MinMaxResult MinMax<T>(std::span<const T>);

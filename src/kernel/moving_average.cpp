@@ -4,10 +4,12 @@
 #include <cstring>
 #include <vector>
 
+#include "kernel/dispatch.h"
 #include "kernel/missing.h"
 
-#undef HWY_TARGET_INCLUDE
+#ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/moving_average.cpp"
+#endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -214,8 +216,6 @@ HWY_AFTER_NAMESPACE();
 namespace vela::kernel {
 namespace {
 
-HWY_EXPORT(AverageWindows);
-
 // The results whose windows are cut by the end that both iterators start from.
 template <class In, class Out>
 void AverageFromEnd(In x, std::size_t results, Out out) {
@@ -240,7 +240,7 @@ void MovingAverage(std::span<const double> x, std::size_t half, std::span<double
   half = std::min(half, (n - 1) / 2);
   AverageFromEnd(x.begin(), half, out.begin());
   AverageFromEnd(x.rbegin(), half, out.rbegin());
-  HWY_DYNAMIC_DISPATCH(AverageWindows)(x.data(), n - 2 * half, 2 * half + 1, out.data() + half);
+  VELA_KERNEL_DISPATCH(AverageWindows)(x.data(), n - 2 * half, 2 * half + 1, out.data() + half);
 }
 
 }  // namespace vela::kernel

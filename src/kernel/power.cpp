@@ -6,11 +6,13 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "kernel/dispatch.h"
 #include "kernel/missing.h"
 #include "kernel/power_tables.h"
 
-#undef HWY_TARGET_INCLUDE
+#ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/power.cpp"
+#endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -245,15 +247,12 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vela::kernel {
 
-HWY_EXPORT(PlainLoop);
-HWY_EXPORT(CheckedLoop);
-
 void Power(std::span<const double> x, std::span<const double> y, std::span<double> result) {
-  HWY_DYNAMIC_DISPATCH(PlainLoop)(x.data(), y.data(), result.data(), x.size());
+  VELA_KERNEL_DISPATCH(PlainLoop)(x.data(), y.data(), result.data(), x.size());
 }
 
 void CheckedPower(std::span<const double> x, std::span<const double> y, std::span<double> result) {
-  HWY_DYNAMIC_DISPATCH(CheckedLoop)(x.data(), y.data(), result.data(), x.size());
+  VELA_KERNEL_DISPATCH(CheckedLoop)(x.data(), y.data(), result.data(), x.size());
 }
 
 double CheckedPower(double x, double y) {

@@ -45,12 +45,18 @@ auto OrderedKey(T value, bool ascending) {
   }
 }
 
-// A packed element is the leading bits of its key over its position.
+// A packed element is the leading bits of its key over its position, as a signed number: of those
+// the vector sort needs no copy in another order.
 constexpr int kPositionBits = 32;
 
-std::uint32_t PositionIn(std::uint64_t packed) { return static_cast<std::uint32_t>(packed); }
+std::int64_t Pack(std::uint64_t key, std::size_t position) {
+  constexpr std::uint64_t kSign = std::uint64_t{1} << 63;
+  return static_cast<std::int64_t>((key << kPositionBits | position) ^ kSign);
+}
 
-void SortPacked(std::span<std::uint64_t> packed) {
+std::uint32_t PositionIn(std::int64_t packed) { return static_cast<std::uint32_t>(packed); }
+
+void SortPacked(std::span<std::int64_t> packed) {
   constexpr std::size_t kFewest = 16;
   if (packed.size() < kFewest) {
     std::sort(packed.begin(), packed.end());
@@ -61,14 +67,14 @@ void SortPacked(std::span<std::uint64_t> packed) {
 
 // Sorts each run of elements whose leading key bits agree by the key bits that were left out.
 template <class Key>
-void SortRuns(std::span<std::uint64_t> packed, Key key_at) {
+void SortRuns(std::span<std::int64_t> packed, Key key_at) {
   const auto leading = [&](std::size_t k) { return packed[k] >> kPositionBits; };
   for (std::size_t begin = 0, end; begin < packed.size(); begin = end) {
     for (end = begin + 1; end < packed.size() && leading(end) == leading(begin);) ++end;
     if (end - begin == 1) continue;
     for (std::size_t k = begin; k < end; ++k) {
       const std::uint32_t position = PositionIn(packed[k]);
-      packed[k] = key_at(position) << kPositionBits | position;
+      packed[k] = Pack(key_at(position), position);
     }
     SortPacked(packed.subspan(begin, end - begin));
   }
@@ -78,7 +84,7 @@ void SortRuns(std::span<std::uint64_t> packed, Key key_at) {
 // up as scratch.
 template <class T>
 void Arrange(std::span<T> values, std::span<std::uint32_t> indices,
-             std::span<std::uint64_t> packed) {
+             std::span<std::int64_t> packed) {
   const auto moved = std::make_unique_for_overwrite<std::uint32_t[]>(packed.size());
   for (std::size_t k = 0; k < packed.size(); ++k) {
     const std::uint32_t from = PositionIn(packed[k]);
@@ -120,9 +126,9 @@ void SortWithIndices(std::span<T> values, std::span<std::uint32_t> indices, bool
     return OrderedKey(values[k], ascending) - lowest;
   };
   const int left_out = std::max<int>(std::bit_width(highest - lowest) - kPositionBits, 0);
-  const auto scratch = std::make_unique_for_overwrite<std::uint64_t[]>(n);
+  const auto scratch = std::make_unique_for_overwrite<std::int64_t[]>(n);
   const std::span packed(scratch.get(), n);
-  for (std::size_t k = 0; k < n; ++k) packed[k] = key_at(k) >> left_out << kPositionBits | k;
+  for (std::size_t k = 0; k < n; ++k) packed[k] = Pack(key_at(k) >> left_out, k);
   SortPacked(packed);
   if (left_out > 0) SortRuns(packed, key_at);
   Arrange(values, indices, packed);

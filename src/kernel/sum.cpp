@@ -3,22 +3,14 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <tuple>
 
+#include "kernel/dispatch.h"
 #include "kernel/double_blocks.h"
 #include "kernel/missing.h"
 
-#ifndef VELA_KERNEL_SUM_TYPES
-#define VELA_KERNEL_SUM_TYPES
-namespace vela::kernel {
-// The sum of a block without its missing elements.
-template <class T>
-using BlockSum = double (*)(const T* x, std::size_t n);
-}  // namespace vela::kernel
-#endif
-
-#undef HWY_TARGET_INCLUDE
+#ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/sum.cpp"
+#endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -61,24 +53,12 @@ double SumBlock(const T* HWY_RESTRICT x, std::size_t n) {
   return total;
 }
 
-template <class... T>
-constexpr std::tuple<BlockSum<T>...> MakeBlockSums() {
-  return {&SumBlock<T>...};
-}
-
-const auto& BlockSums() {
-  static constexpr auto kTable = MakeBlockSums<double, float, std::int32_t>();
-  return kTable;
-}
-
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace vela::kernel {
 namespace {
-
-HWY_EXPORT(BlockSums);
 
 template <class T>
 double PairwiseSum(std::span<const T> x) {
@@ -88,8 +68,7 @@ double PairwiseSum(std::span<const T> x) {
   }
   double total = 0.0;
   ForEachLoadableBlock(x, [&]<class U>(std::span<const U> block, std::size_t /*offset*/) {
-    const auto sum = std::get<BlockSum<U>>(HWY_DYNAMIC_DISPATCH(BlockSums)());
-    total = sum(block.data(), block.size());
+    total = VELA_KERNEL_DISPATCH(SumBlock<U>)(block.data(), block.size());
     return true;
   });
   return total;

@@ -2,13 +2,11 @@
 
 #include <span>
 
-#include "element_samples.h"
 #include "kernel/power.h"
+#include "tests/kernel/samples.h"
 
 namespace vela::kernel {
 namespace {
-
-using namespace element_samples;
 
 constexpr Op kOps[] = {Op::kAssign,   Op::kAdd,    Op::kSubtract,
                        Op::kMultiply, Op::kDivide, Op::kPower};

@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <span>
 
-#include "element_samples.h"
+#include "tests/kernel/samples.h"
 
 namespace vela::kernel {
 namespace {
-
-using namespace element_samples;
 
 // The conversion as a chain of comparisons in a type that holds every operand exactly.
 template <class To, class From>

@@ -1,16 +1,14 @@
 #include <algorithm>
 #include <span>
 
-#include "element_samples.h"
 #include "kernel/abs.h"
 #include "kernel/compact.h"
 #include "kernel/convert.h"
 #include "kernel/difference.h"
+#include "tests/kernel/samples.h"
 
 namespace vela::kernel {
 namespace {
-
-using namespace element_samples;
 
 template <class T>
 class ElementwiseTest : public ::testing::Test {};

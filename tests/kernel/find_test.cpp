@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "tests/kernel/sample_data.h"
+#include "tests/kernel/samples.h"
 
 namespace vela::kernel {
 namespace {
@@ -34,7 +34,7 @@ void ExpectMatches(std::span<const T> x, FindScope scope,
 
 template <class T>
 class FindTest : public ::testing::Test {};
-TYPED_TEST_SUITE(FindTest, SimpleTypes);
+TYPED_TEST_SUITE(FindTest, ElementTypes);
 
 TYPED_TEST(FindTest, MatchesALoop) {
   const FindScope scopes[] = {{}, {3, 70}, {0, 1u << 30, true}, {5, 5}, {9, 2}, {1u << 30}};

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "tests/kernel/sample_data.h"
+#include "tests/kernel/samples.h"
 
 namespace vela::kernel {
 namespace {
@@ -72,7 +72,7 @@ void ExpectReferenceCounts(std::span<const T> x, const std::vector<double>& edge
 
 template <class T>
 class FrequencyCountTest : public ::testing::Test {};
-TYPED_TEST_SUITE(FrequencyCountTest, SimpleTypes);
+TYPED_TEST_SUITE(FrequencyCountTest, ElementTypes);
 
 TYPED_TEST(FrequencyCountTest, MatchesBinarySearch) {
   for (auto& sample : Samples<TypeParam>()) {

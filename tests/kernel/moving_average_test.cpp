@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tests/kernel/sample_data.h"
+#include "tests/kernel/samples.h"
 
 namespace vela::kernel {
 namespace {

@@ -5,12 +5,10 @@
 #include <random>
 #include <vector>
 
-#include "element_samples.h"
+#include "tests/kernel/samples.h"
 
 namespace vela::kernel {
 namespace {
-
-using namespace element_samples;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 

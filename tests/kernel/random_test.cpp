@@ -6,13 +6,11 @@
 #include <limits>
 #include <vector>
 
-#include "element_samples.h"
 #include "kernel/convert.h"
+#include "tests/kernel/samples.h"
 
 namespace vela::kernel {
 namespace {
-
-using namespace element_samples;
 
 // The largest distance between the share of values below a point and what the distribution has
 // there, times the square root of the count: above 1.95 by chance once in a thousand.

@@ -3,14 +3,14 @@
 #include "kernel/min_max.h"
 #include "kernel/product.h"
 #include "kernel/sum.h"
-#include "tests/kernel/sample_data.h"
+#include "tests/kernel/samples.h"
 
 namespace vela::kernel {
 namespace {
 
 template <class T>
 class ReductionTest : public ::testing::Test {};
-TYPED_TEST_SUITE(ReductionTest, SimpleTypes);
+TYPED_TEST_SUITE(ReductionTest, ElementTypes);
 
 TYPED_TEST(ReductionTest, SumIsAsAccurateAsALoop) {
   for (auto& sample : Samples<TypeParam>()) {

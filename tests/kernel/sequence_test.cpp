@@ -5,14 +5,12 @@
 #include <optional>
 #include <vector>
 
-#include "element_samples.h"
 #include "kernel/convert.h"
 #include "kernel/pattern.h"
+#include "tests/kernel/samples.h"
 
 namespace vela::kernel {
 namespace {
-
-using namespace element_samples;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();

@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "kernel/reorder.h"
-#include "tests/kernel/sample_data.h"
+#include "tests/kernel/samples.h"
 
 namespace vela::kernel {
 namespace {
@@ -33,7 +33,7 @@ Indices Reversed(std::size_t n) {
 
 template <class T>
 class SortTest : public ::testing::Test {};
-TYPED_TEST_SUITE(SortTest, SimpleTypes);
+TYPED_TEST_SUITE(SortTest, ElementTypes);
 
 TYPED_TEST(SortTest, MatchesAStableSort) {
   for (const auto& sample : Samples<TypeParam>()) {
