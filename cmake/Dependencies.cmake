@@ -30,7 +30,6 @@ function(vela_pkg_library name package)
 endfunction()
 
 vela_header_library(pegtl tao-pegtl-dev tao)
-vela_header_library(cli11 libcli11-dev CLI)
 vela_header_library(utf8cpp libutfcpp-dev utf8.h utf8)
 vela_header_library(fast_float libfast-float-dev fast_float)
 # Its headers alone: the compiled part of Highway exists for Linux only, and the kernels do without.

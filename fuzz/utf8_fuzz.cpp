@@ -9,9 +9,8 @@
 
 #include "frame/interface/string_utf8.h"
 #include "fuzz/require.h"
-#include "text/c_name.h"
-#include "text/shorten.h"
 #include "text/text_encoding.h"
+#include "text/text_forms.h"
 #include "text/utf8_character.h"
 #include "text/wildcard.h"
 

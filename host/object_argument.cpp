@@ -1,3 +1,4 @@
+// Which object, and what of it.
 #include "frame/interface/object_argument.h"
 
 #include <utility>
@@ -27,6 +28,18 @@ tagMSOOBJVECT tagMSOOBJVECT::Plain(const OneTCcomplex& value, std::uint32_t type
   return operand;
 }
 
+tagMSOOBJVECT tagMSOOBJVECT::Plain(std::int64_t value) {
+  tagMSOOBJVECT operand = Plain(static_cast<double>(value), kTypeInt64);
+  operand.plain_bits = static_cast<std::uint64_t>(value);
+  return operand;
+}
+
+tagMSOOBJVECT tagMSOOBJVECT::Plain(std::uint64_t value) {
+  tagMSOOBJVECT operand = Plain(static_cast<double>(value), kTypeUnsignedInt64);
+  operand.plain_bits = value;
+  return operand;
+}
+
 void tagMSOOBJVECT::Copy(const tagMSOOBJVECT& other) {
   *this = other;
   lent_buffer = nullptr;
@@ -45,3 +58,27 @@ void MSReleaseBuffer(tagMSOOBJVECT& argument) {
   void* const buffer = std::exchange(argument.lent_buffer, nullptr);
   if (argument.object && buffer) argument.object->ReleaseBufferMSO(&argument.indices, buffer);
 }
+
+int Append_Indices(MSOINDICES& indices, std::int32_t index) {
+  if (indices.ObjectKind() > MSOINDICES::kOneObject) return 1;
+  if (indices.ObjectKind() == MSOINDICES::kWhole) {
+    indices.kind |= MSOINDICES::kOneObject;
+    indices.index = index;
+    return 0;
+  }
+  switch (indices.ElementCount()) {
+    case 0:
+      indices = indices.WithElement(index);
+      return 0;
+    case 1:
+      indices = indices.WithCell(indices.element, index);
+      return 0;
+    default:
+      return 1;
+  }
+}
+
+CMSOINDICESVectorIterator::CMSOINDICESVectorIterator(const MSOINDICES* indices)
+    : current_(indices ? *indices : MSOINDICES{}) {}
+
+void CMSOINDICESVectorIterator::SetIndex(std::int32_t i) { current_ = current_.WithElement(i); }

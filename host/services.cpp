@@ -1,7 +1,9 @@
 // Switches and small services of the host that keep no more than a flag.
 #include <atomic>
+#include <cmath>
 #include <cstring>
 
+#include "frame/interface/host_services.h"
 #include "frame/interface/script_object.h"
 #include "frame/interface/type_base.h"
 #include "host/number_text.h"
@@ -55,3 +57,10 @@ int VELAObj::IsCharIndexMode() { return char_index_mode.load(std::memory_order_r
 void VELAObj::SetCharIndexMode(int on) { char_index_mode = on != 0; }
 int VELAObj::IsParallelEnabled() { return parallel_enabled.load(std::memory_order_relaxed); }
 void VELAObj::SetParallelEnabled(int on) { parallel_enabled = on != 0; }
+
+int CheckedPower(double x, double y, double& result) {
+  const double value = std::pow(x, y);
+  if (!std::isfinite(value)) return 0;
+  result = value;
+  return 1;
+}

@@ -11,14 +11,18 @@ struct Expectation {
   const char* message;
   // Point at what stands there, or behind the last word before it: a missing ';' is better shown
   // where it belongs than at the next word, lines below.
-  enum Place { kHere, kBehindPrevious } place = kHere;
+  // Behind an expression, a word may also mean that a type is unknown. kUnfinished: more text could
+  // mend it.
+  enum Place { kHere, kBehindPrevious, kAfterExpression, kUnfinished } place = kHere;
+  bool closes_brace = false;  // the '{' that is still open may help
 };
 
 template <typename Rule>
 inline constexpr Expectation kExpectation = {nullptr};
 
 template <>
-inline constexpr Expectation kExpectation<whole<block_comment>> = {"unterminated comment"};
+inline constexpr Expectation kExpectation<whole<block_comment>> = {"unterminated comment",
+                                                                   Expectation::kUnfinished};
 template <>
 inline constexpr Expectation kExpectation<whole_string> = {"unterminated string literal"};
 template <>
@@ -63,14 +67,14 @@ inline constexpr Expectation kExpectation<single_size> = {
     "an array has one dimension; use a matrix for two"};
 template <>
 inline constexpr Expectation kExpectation<list_end> = {"expected ',' or '}' in the list",
-                                                       Expectation::kBehindPrevious};
+                                                       Expectation::kBehindPrevious, true};
 
 template <>
 inline constexpr Expectation kExpectation<declaration_end> = {"expected ';' after the declaration",
                                                               Expectation::kBehindPrevious};
 template <>
 inline constexpr Expectation kExpectation<expression_end> = {"expected ';' after the expression",
-                                                             Expectation::kBehindPrevious};
+                                                             Expectation::kAfterExpression};
 template <>
 inline constexpr Expectation kExpectation<for_separator> = {"expected ';' in the head of the 'for'",
                                                             Expectation::kBehindPrevious};
@@ -89,7 +93,8 @@ inline constexpr Expectation kExpectation<label_colon> = {"expected ':' after th
 template <>
 inline constexpr Expectation kExpectation<switch_begin> = {"expected '{' after the 'switch'"};
 template <>
-inline constexpr Expectation kExpectation<switch_end> = {"expected 'case', 'default' or '}'"};
+inline constexpr Expectation kExpectation<switch_end> = {"expected 'case', 'default' or '}'",
+                                                         Expectation::kHere, true};
 template <>
 inline constexpr Expectation kExpectation<try_body> = {"expected '{' after 'try'"};
 template <>
@@ -101,7 +106,7 @@ inline constexpr Expectation kExpectation<whole<handler_status>> = {
 template <>
 inline constexpr Expectation kExpectation<handler_body> = {"expected '{' after the 'catch'"};
 template <>
-inline constexpr Expectation kExpectation<block_end> = {"expected '}'"};
+inline constexpr Expectation kExpectation<block_end> = {"expected '}'", Expectation::kHere, true};
 template <>
 inline constexpr Expectation kExpectation<no_stray_else> = {"'else' without an 'if' before it"};
 template <>

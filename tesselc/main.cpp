@@ -19,8 +19,8 @@ int ShowMembers(const std::string& filter) {
   return kScriptFailed;
 }
 
-int Work(const std::vector<std::string>& words) {
-  CommandLine line = ParseCommandLine(words);
+int Work(std::vector<std::string> words) {
+  CommandLine line = ParseCommandLine(std::move(words));
   if (line.exit_code) return *line.exit_code;
   if (line.members) return ShowMembers(*line.members);
   if (!line.code && !line.script) {
@@ -32,9 +32,9 @@ int Work(const std::vector<std::string>& words) {
   return line.code ? runner.RunText("-e", std::move(*line.code)) : runner.RunFile(*line.script);
 }
 
-int Main(const std::vector<std::string>& words) {
+int Main(std::vector<std::string> words) {
   try {
-    return Work(words);
+    return Work(std::move(words));
   } catch (const std::exception& error) {
     std::cerr << "tesselc: error: " << error.what() << "\n";
     return kMistake;

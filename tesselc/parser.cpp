@@ -63,39 +63,57 @@ std::string OpenBraceNote(const SourceFile& file, const TreeBuilder& builder, Of
   return " to close the '{' in line " + std::to_string(line);
 }
 
-template <typename Rule>
-[[noreturn]] void Expected(const TreeBuilder& builder, const SourceFile& file, Offset here) {
-  constexpr grammar::Expectation kExpected = grammar::kExpectation<Rule>;
-  static_assert(kExpected.message != nullptr, "a rule in a must<> needs its message");
+[[noreturn]] void Expected(const grammar::Expectation& expected, const TreeBuilder& builder,
+                           Offset here) {
+  const SourceFile& file = builder.source();
   const std::string_view behind = file.text().substr(here);
   if (const auto foreign = ForeignCharacter(behind)) {
     throw ScriptMistake(builder.At(here, here + 1), *foreign);
   }
-  std::string message = kExpected.message;
-  if constexpr (std::is_same_v<Rule, grammar::expression_end>) {
+  std::string message = expected.message;
+  if (expected.place == grammar::Expectation::kAfterExpression) {
     if (const auto unknown = UnknownType(builder, behind)) throw *unknown;
   }
-  if constexpr (std::is_same_v<Rule, grammar::block_end> ||
-                std::is_same_v<Rule, grammar::switch_end> ||
-                std::is_same_v<Rule, grammar::list_end>) {
-    message += OpenBraceNote(file, builder, here);
-  }
-  constexpr bool kIsComment = std::is_same_v<Rule, grammar::whole<grammar::block_comment>>;
+  if (expected.closes_brace) message += OpenBraceNote(file, builder, here);
   const Offset previous = builder.previous_end();
-  if (kIsComment || behind.empty()) {
-    const Offset place = kIsComment ? here : previous;
+  const bool is_comment = expected.place == grammar::Expectation::kUnfinished;
+  if (is_comment || behind.empty()) {
+    const Offset place = is_comment ? here : previous;
     throw UnfinishedText(builder.At(place, place), message);
   }
-  const bool points_behind = kExpected.place == grammar::Expectation::kBehindPrevious;
-  const Offset place = points_behind ? previous : here;
+  const bool points_here = expected.place == grammar::Expectation::kHere;
+  const Offset place = points_here ? here : previous;
   throw ScriptMistake(builder.At(place, place), message);
 }
 
 template <typename Rule>
+struct Action;
+
+// Most rules have no action. They go straight to their own match(): the layers of the library's
+// default would be most of what is compiled here.
+template <typename Rule>
 struct Control : tao::pegtl::normal<Rule> {
+  static constexpr bool kHasAction = !std::is_base_of_v<tao::pegtl::nothing<Rule>, Action<Rule>>;
+
   template <typename Input>
   [[noreturn]] static void raise(const Input& in, TreeBuilder& builder) {
-    Expected<Rule>(builder, builder.source(), static_cast<Offset>(in.current() - in.begin()));
+    static_assert(grammar::kExpectation<Rule>.message, "a rule in a must<> needs its message");
+    Expected(grammar::kExpectation<Rule>, builder, static_cast<Offset>(in.current() - in.begin()));
+  }
+
+  template <tao::pegtl::apply_mode A, tao::pegtl::rewind_mode M,
+            template <typename...> class ActionOf, template <typename...> class ControlOf,
+            typename Input>
+  static bool match(Input& in, TreeBuilder& builder) {
+    if constexpr (kHasAction && A == tao::pegtl::apply_mode::action) {
+      return tao::pegtl::match<Rule, A, M, ActionOf, ControlOf>(in, builder);
+    } else if constexpr (requires {
+                           Rule::template match<A, M, ActionOf, ControlOf>(in, builder);
+                         }) {
+      return Rule::template match<A, M, ActionOf, ControlOf>(in, builder);
+    } else {
+      return Rule::match(in);
+    }
   }
 };
 

@@ -93,6 +93,9 @@ std::vector<T> TakeFrom(std::vector<T>& stack, std::vector<std::size_t>& starts)
 
 }  // namespace
 
+TreeBuilder::TreeBuilder(SourceSet& sources, TextKind kind) : sources_(sources), kind_(kind) {}
+TreeBuilder::~TreeBuilder() = default;
+
 TreeBuilder::Nesting::Nesting(int& depth, int limit, const SourceRange& place) : depth_(depth) {
   if (depth >= limit) throw ScriptMistake(place, kTooDeep);
   ++depth_;

@@ -25,7 +25,10 @@ class TreeBuilder {
  public:
   using Offset = std::uint32_t;
 
-  TreeBuilder(SourceSet& sources, TextKind kind) : sources_(sources), kind_(kind) {}
+  TreeBuilder(SourceSet& sources, TextKind kind);
+  ~TreeBuilder();
+  TreeBuilder(const TreeBuilder&) = delete;
+  TreeBuilder& operator=(const TreeBuilder&) = delete;
 
   TextKind kind() const { return kind_; }
   SourceSet& sources() { return sources_; }

@@ -11,7 +11,7 @@
 namespace vela::host {
 namespace {
 
-constexpr char32_t kSigma = 0x3A3;
+constexpr char32_t kCapitalSigma = 0x3A3;
 constexpr char32_t kFinalSigma = 0x3C2;
 
 struct Tables {
@@ -85,7 +85,7 @@ void AppendMappedCase(std::string_view valid, LetterCase letter_case, std::strin
       continue;
     }
     Folded mapped = Map(character, tables);
-    if (lower && character == kSigma && EndsWord(valid.data(), start, at, end)) {
+    if (lower && character == kCapitalSigma && EndsWord(valid.data(), start, at, end)) {
       mapped.characters[0] = kFinalSigma;
     }
     for (int i = 0; i < mapped.count; ++i) {

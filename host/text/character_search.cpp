@@ -1,12 +1,15 @@
 #include "host/text/character_search.h"
 
 #include <algorithm>
+#include <iterator>
 #include <span>
+#include <string>
+#include <utf8.h>
 #include <vector>
 
+#include "host/text/byte_scan.h"
 #include "host/text/case_mapping.h"
 #include "host/text/characters.h"
-#include "host/text/match_start.h"
 
 namespace vela::host {
 namespace {
@@ -44,6 +47,90 @@ class Pattern {
   std::vector<char32_t> units_;
   std::vector<std::uint32_t> border_;  // longest proper border of each prefix
 };
+
+bool IsPrefix(const Folded& folded, std::span<const char32_t> units) {
+  const auto count = static_cast<std::size_t>(folded.count);
+  return count <= units.size() &&
+         std::equal(units.begin(), units.begin() + folded.count, folded.characters.begin());
+}
+
+// Calls use(character) for each one with which a match of the units can begin, one at least.
+template <class Use>
+void ForEachFirst(std::span<const char32_t> units, CaseMatters case_matters, Use&& use) {
+  use(units.front());
+  if (case_matters == CaseMatters::kYes) return;
+  for (const auto& [first, character] : CharactersFoldedTo(units.front())) {
+    if (IsPrefix(FoldCharacter(character), units)) use(character);
+  }
+}
+
+// The first two bytes that a match of a pattern can have, found sixteen places at a time.
+class MatchStart {
+ public:
+  // units: the pattern, folded unless case matters; at least one.
+  MatchStart(std::span<const char32_t> units, CaseMatters case_matters);
+
+  // From a place between characters, the next one in [at, end) where a match may begin; near the
+  // end any.
+  const char* Next(const char* at, const char* end) const {
+    for (; static_cast<std::size_t>(end - at) > Bytes16::kSize; at += Bytes16::kSize) {
+      const unsigned places =
+          (first_.Match(Bytes16::Load(at)) & second_.Match(Bytes16::Load(at + 1))).HighBits();
+      if (places != 0) return at + std::countr_zero(places);
+    }
+    return at;
+  }
+
+ private:
+  class ByteSet {
+   public:
+    void Add(char byte);
+    void AddBeyondAscii() { beyond_ascii_ = Bytes16::Fill('\x80'); }
+    void AddAll() { all_ = Bytes16::Fill('\x80'); }
+    // The high bit of each byte that is in the set.
+    Bytes16 Match(Bytes16 bytes) const {
+      Bytes16 match = all_ | (bytes & beyond_ascii_);
+      for (const Bytes16 byte : bytes_) match = match | bytes.Equal(byte);
+      return match;
+    }
+
+   private:
+    std::vector<Bytes16> bytes_;
+    Bytes16 beyond_ascii_ = Bytes16::Fill(0);
+    Bytes16 all_ = Bytes16::Fill(0);
+  };
+
+  ByteSet first_, second_;
+};
+
+void MatchStart::ByteSet::Add(char byte) {
+  const Bytes16 fill = Bytes16::Fill(byte);
+  const auto same = [&](Bytes16 other) { return other.Equal(fill).HighBits() != 0; };
+  if (std::none_of(bytes_.begin(), bytes_.end(), same)) bytes_.push_back(fill);
+}
+
+MatchStart::MatchStart(std::span<const char32_t> units, CaseMatters case_matters) {
+  const auto rest = units.subspan(1);
+  ForEachFirst(units, case_matters, [&](char32_t character) {
+    if (character >= kInvalidByte) {
+      // The byte may also be inside a character, from where on a text is not to be read.
+      first_.AddBeyondAscii();
+      second_.AddAll();
+      return;
+    }
+    std::string bytes;
+    utf8::unchecked::append(character, std::back_inserter(bytes));
+    first_.Add(bytes[0]);
+    if (bytes.size() > 1) return second_.Add(bytes[1]);
+    if (rest.empty()) return second_.AddAll();
+    ForEachFirst(rest, case_matters, [&](char32_t next) {
+      if (next >= kInvalidByte) return second_.AddBeyondAscii();
+      bytes.clear();
+      utf8::unchecked::append(next, std::back_inserter(bytes));
+      second_.Add(bytes[0]);
+    });
+  });
+}
 
 // Leading ASCII characters of both texts that differ at most in case.
 std::size_t CommonAsciiPrefix(std::string_view a, std::string_view b) {

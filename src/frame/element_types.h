@@ -9,6 +9,7 @@
 #include "frame/interface/complex.h"
 #include "frame/interface/point.h"
 #include "frame/interface/type_words.h"
+#include "kernel/missing.h"
 
 namespace vela {
 
@@ -51,6 +52,14 @@ concept ComplexElement = std::is_same_v<T, OneTCcomplex>;
 template <class T>
 concept PointElement =
     std::is_same_v<T, PointInt> || std::is_same_v<T, PointDouble> || std::is_same_v<T, Point3D>;
+// A complex value or a point is missing when one of its parts is.
+template <>
+inline constexpr std::tuple kernel::kElementParts<OneTCcomplex>{&OneTCcomplex::m_re,
+                                                                &OneTCcomplex::m_im};
+template <class T, int N>
+inline constexpr std::tuple kernel::kElementParts<CTKPointBase<T, N>>{
+    &CTKPointBase<T, N>::m_coordinates};
+
 // What a Dataset, Curve or matrix can hold: no points, no 64-bit integers.
 template <class T>
 concept DatasetElement = ComplexElement<T> ||
@@ -66,22 +75,26 @@ void ForEachElementType(F&& f) {
       kElementTable);
 }
 
-// Calls f.operator()<T>() for the element type with this id and returns its result; a
-// default-constructed result when no element type has the id.
+// Calls f.operator()<T>() for the element type with this id; whether there is one.
+template <class F>
+bool VisitElementType(unsigned type_id, F&& f) {
+  return std::apply(
+      [&](const auto&... row) {
+        return (
+            (row.type_id == type_id &&
+             (f.template operator()<typename std::remove_cvref_t<decltype(row)>::Value>(), true)) ||
+            ...);
+      },
+      kElementTable);
+}
+
+// As VisitElementType, for the result of f; a default-constructed result when no element type has
+// the id.
 template <class F>
 auto WithElementType(unsigned type_id, F&& f) {
-  using Result = decltype(f.template operator()<double>());
-  if constexpr (std::is_void_v<Result>) {
-    ForEachElementType([&]<class T>() {
-      if (kElement<T>.type_id == type_id) f.template operator()<T>();
-    });
-  } else {
-    Result result{};
-    ForEachElementType([&]<class T>() {
-      if (kElement<T>.type_id == type_id) result = f.template operator()<T>();
-    });
-    return result;
-  }
+  decltype(f.template operator()<double>()) result{};
+  VisitElementType(type_id, [&]<class T>() { result = f.template operator()<T>(); });
+  return result;
 }
 
 }  // namespace vela

@@ -1,7 +1,11 @@
 // Conversion of one element value to another element type, and its text.
 #pragma once
 
+#include <algorithm>
+#include <charconv>
 #include <concepts>
+#include <string_view>
+#include <system_error>
 
 #include "frame/element_types.h"
 #include "frame/interface/string_utf8.h"
@@ -41,6 +45,21 @@ To ConvertValue(const From& from) {
     }
     return to;
   }
+}
+
+// The number that a text stands for, as ParleyStr2double reads it; 64-bit integers exactly.
+template <SimpleElement T>
+T ValueOfText(const char* text) {
+  if constexpr (std::integral<T> && sizeof(T) == 8) {
+    T value = 0;
+    std::string_view digits = text == nullptr ? "" : text;
+    constexpr const char* kSpace = " \t\n\r\v\f";
+    digits.remove_prefix(std::min(digits.find_first_not_of(kSpace), digits.size()));
+    digits = digits.substr(0, digits.find_last_not_of(kSpace) + 1);
+    const auto [rest, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    if (error == std::errc() && rest == digits.data() + digits.size()) return value;
+  }
+  return ConvertValue<T>(VELAObj::ParleyStr2double(text));
 }
 
 // Text of one value by the number-to-text rule; 64-bit integers exactly; complex by its own text

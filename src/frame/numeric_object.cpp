@@ -37,7 +37,10 @@ TCNumericBase<T>::TCNumericBase(unsigned count, unsigned type_word, void** args)
           source.object != nullptr) {
         vela::member::Check(source.object->GetNumericValue(&source.indices, *m_storage));
       } else {
-        *m_storage = vela::ConvertValue<T>(arguments.Double(0));
+        const unsigned type_id = arguments.TypeId(0);
+        const bool is_wide = type_id == kTypeInt64 || type_id == kTypeUnsignedInt64;
+        *m_storage = is_wide ? vela::ValueOfText<T>(arguments.Text(0).c_str())
+                             : vela::ConvertValue<T>(arguments.Double(0));
       }
     }
   });
@@ -90,7 +93,11 @@ int TCNumericBase<T>::SetString(const char* text) {
 
 template <class T>
 int TCNumericBase<T>::SetString(const MSOINDICES* at, const char* text) {
-  return Write(at, VELAObj::ParleyStr2double(text));
+  if constexpr (vela::SimpleElement<T>) {
+    return Write(at, vela::ValueOfText<T>(text));
+  } else {
+    return Write(at, VELAObj::ParleyStr2double(text));
+  }
 }
 
 template <class T>
@@ -216,33 +223,33 @@ int TCBitField<T>::Changed() {
   return status::kOk;
 }
 
-template class TCNumericBase<char>;
-template class TCNumericBase<unsigned char>;
-template class TCNumericBase<short>;
-template class TCNumericBase<unsigned short>;
-template class TCNumericBase<int>;
-template class TCNumericBase<unsigned>;
-template class TCNumericBase<float>;
-template class TCNumericBase<double>;
-template class TCNumericBase<std::int64_t>;
-template class TCNumericBase<std::uint64_t>;
-template class TCIntegral<char>;
-template class TCIntegral<unsigned char>;
-template class TCIntegral<short>;
-template class TCIntegral<unsigned short>;
-template class TCIntegral<int>;
-template class TCIntegral<unsigned>;
-template class TCIntegral<std::int64_t>;
-template class TCIntegral<std::uint64_t>;
-template class TCFloating<float>;
-template class TCFloating<double>;
-template class TCBitField<char>;
-template class TCBitField<unsigned char>;
-template class TCBitField<short>;
-template class TCBitField<unsigned short>;
-template class TCBitField<int>;
-template class TCBitField<unsigned>;
+// The scalars with members of their own derive from these.
+template class vela::ValueAccess<TCNumericBase<OneTCcomplex>, CScriptVelaObject>;
+template class vela::ValueAccess<TCNumericBase<PointInt>, CScriptVelaObject>;
+template class vela::ValueAccess<TCNumericBase<PointDouble>, CScriptVelaObject>;
+template class vela::ValueAccess<TCNumericBase<Point3D>, CScriptVelaObject>;
 template class TCNumericBase<OneTCcomplex>;
 template class TCNumericBase<PointInt>;
 template class TCNumericBase<PointDouble>;
 template class TCNumericBase<Point3D>;
+
+namespace vela {
+
+CScriptVelaObject* NewNumber(unsigned element_type, unsigned count, void** args) {
+  return WithElementType(element_type, [&]<class T>() -> CScriptVelaObject* {
+    if constexpr (FloatingElement<T>) return new TCFloating<T>(count, element_type, args);
+    if constexpr (IntegerElement<T>) return new TCIntegral<T>(count, element_type, args);
+    return nullptr;
+  });
+}
+
+CScriptVelaObject* NewBitField(unsigned element_type, unsigned bit_count, void** args) {
+  return WithElementType(element_type, [&]<class T>() -> CScriptVelaObject* {
+    if constexpr (IntegerElement<T> && DatasetElement<T>) {
+      return new TCBitField<T>(bit_count, element_type, args);
+    }
+    return nullptr;
+  });
+}
+
+}  // namespace vela

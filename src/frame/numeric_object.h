@@ -163,3 +163,17 @@ class TCBitField : public TCIntegral<T> {
   std::uint32_t* m_word = nullptr;
   std::uint32_t own_word_ = 0;  // the word of a copy
 };
+
+extern template class vela::ValueAccess<TCNumericBase<OneTCcomplex>, CScriptVelaObject>;
+extern template class vela::ValueAccess<TCNumericBase<PointInt>, CScriptVelaObject>;
+extern template class vela::ValueAccess<TCNumericBase<PointDouble>, CScriptVelaObject>;
+extern template class vela::ValueAccess<TCNumericBase<Point3D>, CScriptVelaObject>;
+
+namespace vela {
+
+// A new number, or array of them, of a real element type; a new bit field of an integer type of at
+// most 32 bits. Owned by the caller; null for another type. Throw std::bad_alloc.
+CScriptVelaObject* NewNumber(unsigned element_type, unsigned count, void** args);
+CScriptVelaObject* NewBitField(unsigned element_type, unsigned bit_count, void** args);
+
+}  // namespace vela

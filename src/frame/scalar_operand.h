@@ -12,13 +12,29 @@
 
 namespace vela {
 
-// A scalar operand as the element type. A missing operand of a float stays recognisable as NaN.
+// A scalar operand as the element type. A missing operand of a float stays recognisable as NaN; a
+// complex one is missing as a number when either part is.
 template <class T, class U>
 T OperandAs(const U& value) {
-  if constexpr (std::is_same_v<T, float> && std::is_arithmetic_v<U>) {
+  if constexpr (FloatingElement<T> && ComplexElement<U>) {
+    return OperandAs<T>(kernel::IsMissing(value.m_im) ? value.m_im : value.m_re);
+  } else if constexpr (std::is_same_v<T, float> && std::is_arithmetic_v<U>) {
     return kernel::ConvertOperand<float>(value);
   } else {
     return ConvertValue<T>(value);
+  }
+}
+
+// Calls f with the value of a plain operand.
+template <class F>
+decltype(auto) WithPlainOperand(const tagMSOOBJVECT& operand, F&& f) {
+  switch (operand.type_word & kTypeIdMask) {
+    case kTypeInt64:
+      return f(static_cast<std::int64_t>(operand.plain_bits));
+    case kTypeUnsignedInt64:
+      return f(operand.plain_bits);
+    default:
+      return f(operand.plain);
   }
 }
 
@@ -26,11 +42,7 @@ T OperandAs(const U& value) {
 template <class T>
 int ReadScalarOperand(const tagMSOOBJVECT& operand, T& value) {
   if (operand.object == nullptr) {
-    if constexpr (ComplexElement<T> || PointElement<T>) {
-      value = ConvertValue<T>(operand.plain);
-    } else {
-      value = OperandAs<T>(operand.plain.m_re);
-    }
+    value = WithPlainOperand(operand, [](const auto& plain) { return OperandAs<T>(plain); });
     return status::kOk;
   }
   if constexpr (PointElement<T>) {

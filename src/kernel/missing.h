@@ -26,6 +26,11 @@ constexpr bool IsMissing([[maybe_unused]] const T& value) {
     return value == kMissing;
   } else if constexpr (std::is_arithmetic_v<T>) {
     return false;
+  } else if constexpr (std::is_array_v<T>) {
+    for (const auto& part : value) {
+      if (IsMissing(part)) return true;
+    }
+    return false;
   } else {
     return std::apply([&](auto... part) { return (IsMissing(value.*part) || ...); },
                       kElementParts<T>);

@@ -1,9 +1,7 @@
 #include "matrix/matrix_base.h"
 
-#include "frame/element_types.h"
 #include "frame/member/table.h"
 
-using vela::member::TypeTable;
 using vela::member::Unbuilt;
 
 namespace {
@@ -100,8 +98,7 @@ int TCAllMatrixNonTemplBase::GetString(CStringUTF8& text) {
   return 1;
 }
 
-template <class T>
-std::initializer_list<CClassMember> TCOMatrixBase<T>::MemberRows() {
+std::initializer_list<CClassMember> vela::MatrixObjectRows() {
   static const std::initializer_list<CClassMember> rows = {
       Unbuilt("Attach"),
       Unbuilt("Detach"),
@@ -128,13 +125,3 @@ std::initializer_list<CClassMember> TCOMatrixBase<T>::MemberRows() {
   };
   return rows;
 }
-
-template class TCOMatrixBase<char>;
-template class TCOMatrixBase<unsigned char>;
-template class TCOMatrixBase<short>;
-template class TCOMatrixBase<unsigned short>;
-template class TCOMatrixBase<int>;
-template class TCOMatrixBase<unsigned>;
-template class TCOMatrixBase<float>;
-template class TCOMatrixBase<double>;
-template class TCOMatrixBase<OneTCcomplex>;

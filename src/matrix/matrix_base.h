@@ -3,8 +3,8 @@
 
 #include <initializer_list>
 
+#include "frame/container/tensors_base.h"
 #include "frame/member/table.h"
-#include "vector/tensors_base.h"
 
 class TCAllMatrixNonTemplBase
     : public vela::member::WithMembers<TCAllMatrixNonTemplBase, TCAllTensorsBase> {
@@ -17,6 +17,13 @@ class TCAllMatrixNonTemplBase
   int GetString(CStringUTF8& text) override;
 };
 
+namespace vela {
+
+// The rows of the table of every bound matrix.
+std::initializer_list<CClassMember> MatrixObjectRows();
+
+}  // namespace vela
+
 // A matrix bound to a host MatrixObject. A new one is not attached and has no layer.
 template <class T>
 class TCOMatrixBase : public vela::member::WithMembers<TCOMatrixBase<T>, TCAllMatrixNonTemplBase> {
@@ -28,5 +35,5 @@ class TCOMatrixBase : public vela::member::WithMembers<TCOMatrixBase<T>, TCAllMa
   static const CClassMember* MemberTable() {
     return vela::member::TypeTable<TCOMatrixBase>::Rows();
   }
-  static std::initializer_list<CClassMember> MemberRows();
+  static std::initializer_list<CClassMember> MemberRows() { return vela::MatrixObjectRows(); }
 };

@@ -50,8 +50,19 @@ class FileHandle {
   static constexpr std::intptr_t kClosed = -1;
 
   FileHandle() = default;
-  FileHandle(FileHandle&& other) noexcept;
-  FileHandle& operator=(FileHandle&& other) noexcept;
+  FileHandle(FileHandle&& other) noexcept
+      : handle_(std::exchange(other.handle_, kClosed)),
+        access_(other.access_),
+        is_seekable_(other.is_seekable_) {}
+  FileHandle& operator=(FileHandle&& other) noexcept {
+    if (this != &other) {
+      static_cast<void>(Close());
+      handle_ = std::exchange(other.handle_, kClosed);
+      access_ = other.access_;
+      is_seekable_ = other.is_seekable_;
+    }
+    return *this;
+  }
   ~FileHandle() { static_cast<void>(Close()); }
 
   // Closes what was open first.

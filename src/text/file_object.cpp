@@ -6,7 +6,6 @@
 #include <span>
 
 #include "frame/member/table.h"
-#include "text/byte_order.h"
 #include "text/open_mode.h"
 
 using vela::member::Arguments;
@@ -51,25 +50,8 @@ const CClassMember kFileMembers[] = {
 constexpr std::size_t kDetectedBytes = 51200;
 // What is read at once into a string when the size of the file says nothing, as with a device.
 constexpr std::int64_t kUnknownRoom = std::int64_t{1} << 20;
-// Small enough to stay in the cache between the file and the reversal.
-constexpr std::size_t kItemBlock = std::size_t{1} << 17;
-
-// The memory of a buffer argument, of which the member touches bytes.
-std::byte* BufferOf(Arguments& args, unsigned arg, std::size_t bytes) {
-  if (bytes > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
-    Fail(status::kBadArguments);
-  }
-  return static_cast<std::byte*>(args.Buffer(arg, static_cast<int>(bytes)));
-}
 
 }  // namespace
-
-struct CMSCFile::Items {
-  std::byte* data;
-  std::size_t bytes;
-  std::size_t item_bytes;
-  bool is_reversed;
-};
 
 CMSCFile::CMSCFile(unsigned type_id) { InitTypeIDs(type_id); }
 
@@ -125,6 +107,13 @@ FileCause CMSCFile::Encode(std::string_view text, std::string& encoded) const {
   if (write_encoding_ >= vela::text::kEncodings) return FileCause::kGeneric;
   encoded = vela::text::EncodeText(text, static_cast<TextEncoding>(write_encoding_));
   return FileCause::kNone;
+}
+
+std::byte* CMSCFile::BufferOf(Arguments& args, unsigned arg, std::size_t bytes) {
+  if (bytes > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+    Fail(status::kBadArguments);
+  }
+  return static_cast<std::byte*>(args.Buffer(arg, static_cast<int>(bytes)));
 }
 
 std::string_view CMSCFile::DataOf(Arguments& args, CStringUTF8& text) {
@@ -287,63 +276,6 @@ int CMSCFile::GetHandle(CTCall* call) {
     args.Return(handle_.IsOpen() ? static_cast<int>(handle_.Native()) : 0);
   });
 }
-
-std::size_t CMSCFile::ReadItems(const Items& items) {
-  std::size_t total = 0;
-  while (total < items.bytes) {
-    const std::size_t asked = std::min(items.bytes - total, kItemBlock);
-    std::size_t done = 0;
-    const bool succeeds = Succeeds(ReadBytes(items.data + total, asked, done));
-    if (items.is_reversed) {
-      vela::text::ReverseItems(std::span(items.data + total, done), items.item_bytes);
-    }
-    total += done;
-    if (!succeeds || done < asked) break;
-  }
-  return total;
-}
-
-std::size_t CMSCFile::WriteItems(const Items& items) {
-  std::size_t total = 0;
-  FileCause cause = FileCause::kNone;
-  if (!items.is_reversed) {
-    cause = WriteBytes(items.data, items.bytes, total);
-  } else {
-    std::string block(std::min(items.bytes, kItemBlock), '\0');
-    std::size_t asked = block.size(), done = asked;
-    for (; total < items.bytes && done == asked; total += done) {
-      asked = std::min(items.bytes - total, block.size());
-      std::copy_n(items.data + total, asked, reinterpret_cast<std::byte*>(block.data()));
-      vela::text::ReverseItems(std::as_writable_bytes(std::span(block.data(), asked)),
-                               items.item_bytes);
-      cause = WriteBytes(block.data(), asked, done);
-    }
-  }
-  if (total < items.bytes && cause == FileCause::kNone) cause = FileCause::kDiskFull;
-  Succeeds(cause);
-  return total;
-}
-
-// Both kinds of items go up to 8 bytes; each kind has sizes that the other one lacks.
-int CMSCFile::MoveItems(CTCall* call, bool is_float, std::size_t (CMSCFile::*move)(const Items&)) {
-  return Run(call, Exactly(4), [&](Arguments& args) {
-    if (!handle_.IsOpen()) Fail(status::kNotOpen);
-    const int size = args.Int(1);
-    const int count = args.Int(2);
-    const bool is_reversed = args.Int(3) == 0;
-    const bool is_size = is_float ? size == 4 || size == 8 : size == 1 || size == 2 || size == 4;
-    if (!is_size || count <= 0) return args.Return(0);
-    const std::size_t item_bytes = static_cast<std::size_t>(size);
-    const std::size_t bytes = item_bytes * static_cast<std::size_t>(count);
-    const Items items{BufferOf(args, 0, bytes), bytes, item_bytes, is_reversed};
-    args.Return(static_cast<int>((this->*move)(items) / item_bytes));
-  });
-}
-
-int CMSCFile::ReadInt(CTCall* call) { return MoveItems(call, false, &CMSCFile::ReadItems); }
-int CMSCFile::WriteInt(CTCall* call) { return MoveItems(call, false, &CMSCFile::WriteItems); }
-int CMSCFile::ReadFloat(CTCall* call) { return MoveItems(call, true, &CMSCFile::ReadItems); }
-int CMSCFile::WriteFloat(CTCall* call) { return MoveItems(call, true, &CMSCFile::WriteItems); }
 
 int CMSCFile::IsOpen(CTCall* call) {
   return Run(call, NoArguments(), [&](Arguments& args) { args.Return(handle_.IsOpen() ? 1 : 0); });

@@ -92,6 +92,8 @@ class CMSCFile : public vela::member::WithMembers<CMSCFile, TesselCObject> {
   }
   // The text in the write encoding. The converter refuses encodings that it does not know.
   FileCause Encode(std::string_view text, std::string& encoded) const;
+  // The memory of a buffer argument, of which the member touches bytes.
+  static std::byte* BufferOf(vela::member::Arguments& args, unsigned arg, std::size_t bytes);
   // The bytes that a call of "Write" is given; text keeps them alive.
   static std::string_view DataOf(vela::member::Arguments& args, CStringUTF8& text);
 

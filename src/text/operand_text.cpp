@@ -3,6 +3,7 @@
 #include "frame/element_value.h"
 #include "frame/interface/host_services.h"
 #include "frame/interface/script_object.h"
+#include "frame/scalar_operand.h"
 #include "text/string_array.h"
 
 namespace vela::text {
@@ -16,18 +17,12 @@ CStringUTF8 PlainText(const tagMSOOBJVECT& operand) {
       return ValueText(ConvertValue<float>(operand.plain));
     case kTypeComplex:
       return ValueText(operand.plain);
+    case kTypeInt64:
+    case kTypeUnsignedInt64:
+      return WithPlainOperand(operand, [](const auto& plain) { return ValueText(plain); });
     default:
       return ValueText(operand.plain.m_re);
   }
-}
-
-std::vector<CStringUTF8> RunTexts(const ElementRun& run) {
-  std::vector<CStringUTF8> texts;
-  texts.reserve(run.size);
-  WithElementType(run.type_id, [&]<class T>() {
-    for (const T& value : run.As<T>()) texts.push_back(ValueText(value));
-  });
-  return texts;
 }
 
 }  // namespace
@@ -45,17 +40,16 @@ int OperandText(const tagMSOOBJVECT& operand, CStringUTF8& text) {
   return error;
 }
 
-std::vector<CStringUTF8> ElementTexts(const VectorArgument& source) {
-  if (const auto* strings = dynamic_cast<const TCVectorString*>(source.vector)) {
-    return strings->RowTexts(source.row);
+std::vector<CStringUTF8> ElementTexts(const Layer& source) {
+  if (const auto* strings = dynamic_cast<const TCVectorString*>(source.container)) {
+    return strings->RowTexts(source.number);
   }
-  const ElementRun run = source.vector->ContiguousRun(source.row);
-  if (run.type_id != kTypeNone) return RunTexts(run);
-  std::vector<CStringUTF8> texts(source.Size());
-  for (std::size_t i = 0; i < texts.size(); ++i) {
-    const MSOINDICES at = MSOINDICES::Object(source.row).WithElement(static_cast<int>(i));
-    member::Check(source.vector->GetString(&at, texts[i]));
-  }
+  const LayerElements elements(source);
+  std::vector<CStringUTF8> texts;
+  texts.reserve(elements.Span().size);
+  WithElements(elements.Span(), [&]<class T>(std::span<T> values) {
+    for (const T& value : values) texts.push_back(ValueText(value));
+  });
   return texts;
 }
 

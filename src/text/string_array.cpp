@@ -5,14 +5,14 @@
 #include <stdexcept>
 #include <utility>
 
+#include "frame/container/container_arguments.h"
 #include "frame/element_value.h"
 #include "frame/interface/host_services.h"
 #include "frame/library_state.h"
-#include "frame/member/table.h"
 #include "frame/numeric_object.h"
 #include "text/operand_text.h"
 
-using vela::VectorArgument;
+using vela::Layer;
 using vela::member::Arguments;
 
 namespace {
@@ -28,13 +28,6 @@ const CClassMember kStringArrayMembers[] = {
     Method("FindDuplicates", &Array::FindDuplicates),
     {},
 };
-
-// The vector that an operand names as a whole; null for a value or an element.
-VectorArgument OperandVector(const tagMSOOBJVECT& operand) {
-  if (operand.indices.ElementCount() != 0) return {};
-  auto* vector = dynamic_cast<TCAllVectorNonTemplBase*>(operand.object);
-  return {vector, vector == nullptr ? 0 : vector->GetVecArrayIndex(&operand.indices)};
-}
 
 void Apply(unsigned code, CStringUTF8& text, const CStringUTF8& operand) {
   if (code == operation::kAssign) {
@@ -74,14 +67,11 @@ int TCVectorString::IsSameTypeAndMemoryModel(const CScriptVelaObject* other) con
 }
 
 int TCVectorString::Locate(const MSOINDICES* at, CStringUTF8*& element) {
-  const int row = GetVecArrayIndex(at);
-  if (row < 0) return status::kUnresolved;
-  if (row >= RowCount()) return status::kOutOfRange;
-  const int index = at == nullptr || at->ElementCount() == 0 ? 0 : at->element;
-  if (index < 0) return status::kNegativeElement;
-  if (static_cast<std::size_t>(index) >= RowSize(row)) return status::kOutOfRange;
-  element = &rows_[row][static_cast<std::size_t>(index)];
-  return status::kOk;
+  int row;
+  std::size_t index;
+  const int error = Base::Locate(at, row, index);
+  if (error == status::kOk) element = &rows_[row][index];
+  return error;
 }
 
 template <class U>
@@ -103,38 +93,31 @@ int TCVectorString::Write(const MSOINDICES* at, const U& value) try {
   return vela::member::StatusOfException();
 }
 
-unsigned TCVectorString::GetTypeIDCheckIndex(const MSOINDICES* at) {
-  if (at != nullptr && at->ElementCount() != 0) {
-    return IsValidElement(at) ? unsigned{kTypeString} : unsigned{kTypeNone};
-  }
-  const int row = GetVecArrayIndex(at);
-  return row >= 0 && row < RowCount() ? GetTypeID() : unsigned{kTypeNone};
-}
-
 void* TCVectorString::GetArrayElement(const MSOINDICES* at, int index) {
   const MSOINDICES indices = (at == nullptr ? MSOINDICES{} : *at).WithElement(index);
   CStringUTF8* element;
   return Locate(&indices, element) == status::kOk ? element : nullptr;
 }
 
-int TCVectorString::GetUpperBound(const MSOINDICES* at, int& upper) {
-  const int row = GetVecArrayIndex(at);
-  if (row < 0) return status::kUnresolved;
-  if (row >= RowCount()) return status::kOutOfRange;
-  upper = static_cast<int>(RowSize(row)) - 1;
+int TCVectorString::ReadElements(int row, std::size_t offset, const vela::ElementSpan& to) {
+  for (std::size_t i = 0; i < to.size; ++i) {
+    const double number = vela::text::NumberOf(rows_[row][offset + i]);
+    vela::ConvertElements(vela::ConstElementSpan(std::span(&number, 1)), to.Part(i, 1));
+  }
   return status::kOk;
 }
 
-int TCVectorString::IsValidElement(const MSOINDICES* at) {
-  CStringUTF8* element;
-  return Locate(at, element) == status::kOk;
-}
-
-int TCVectorString::SetVectorDimension(const MSOINDICES* at, int size) {
-  const int row = GetVecArrayIndex(at);
-  if (row < 0) return status::kUnresolved;
-  if (row >= RowCount()) return status::kOutOfRange;
-  return RawResize(row, size);
+int TCVectorString::StoreElements(int row, std::size_t offset,
+                                  const vela::ConstElementSpan& from) try {
+  vela::WithElements(from, [&]<class T>(std::span<T> values) {
+    Texts texts;
+    texts.reserve(values.size());
+    for (const T& value : values) texts.push_back(vela::ValueText(value));
+    std::move(texts.begin(), texts.end(), rows_[row].begin() + static_cast<std::ptrdiff_t>(offset));
+  });
+  return status::kOk;
+} catch (...) {
+  return vela::member::StatusOfException();
 }
 
 int TCVectorString::RawResize(int row, std::int64_t size) try {
@@ -152,14 +135,14 @@ int TCVectorString::ResizeWithLowerBound(int row, std::int64_t size, int) {
 void TCVectorString::StoreRow(int row, Texts&& texts) {
   if (texts.size() > kMostElements) throw std::length_error("vector too long");
   rows_[row] = std::move(texts);
-  SetModify(1);
+  AnnounceChange(row);
 }
 
 void TCVectorString::AppendRow(int row, Texts&& texts) {
   Texts& to = rows_[row];
   if (texts.size() > kMostElements - to.size()) throw std::length_error("vector too long");
   to.insert(to.end(), std::make_move_iterator(texts.begin()), std::make_move_iterator(texts.end()));
-  SetModify(1);
+  AnnounceChange(row);
 }
 
 int TCVectorString::GetString(CStringUTF8& text) {
@@ -194,68 +177,32 @@ int TCVectorString::SetNumericValue(const MSOINDICES* at, char value) try {
   return vela::member::StatusOfException();
 }
 
-int TCVectorString::GetDisplaySize(int& rows, int& cols) {
-  return GetDisplaySizeEx(nullptr, rows, cols);
+bool TCVectorString::IsOperation(unsigned code) const {
+  return code == operation::kAssign || code == operation::kAdd;
 }
 
-int TCVectorString::GetDisplaySizeEx(const MSOINDICES* at, int& rows, int& cols) {
-  int upper = 0;
-  if (const int error = GetUpperBound(at, upper); error != status::kOk) return error;
-  rows = upper + 1;
-  cols = 1;
-  return status::kOk;
-}
-
-int TCVectorString::GetDisplayElement(CStringUTF8& text, int index) {
-  const MSOINDICES at = index < 0 ? MSOINDICES{} : MSOINDICES::Element(index);
-  return GetDisplayElementEx(text, &at);
-}
-
-int TCVectorString::GetDisplayElementEx(CStringUTF8& text, const MSOINDICES* at) {
-  if (GetString(at, text) != status::kOk) text = "Error: Value cannot be determined";
-  return status::kOk;
-}
-
-int TCVectorString::ResetValue() {
-  for (Texts& row : rows_) row.clear();
-  return status::kOk;
-}
-
-int TCVectorString::Operate2(const MSOINDICES* at, unsigned op, const tagMSOOBJVECT& operand,
-                             unsigned options) try {
-  const unsigned code = op & operation::kCodeMask;
-  if (code != operation::kAssign && code != operation::kAdd) return status::kFailed;
-  if (at == nullptr || at->ElementCount() == 0) {
-    const int row = GetVecArrayIndex(at);
-    if (row < 0) return status::kUnresolved;
-    if (row >= RowCount()) return status::kOutOfRange;
-    return OperateOnRow(row, code, operand, options);
-  }
+int TCVectorString::OperateOnElement(const MSOINDICES* at, unsigned code,
+                                     const tagMSOOBJVECT& operand) {
   CStringUTF8 text;
   if (const int error = vela::text::OperandText(operand, text); error != status::kOk) return error;
   CStringUTF8* element;
   if (const int error = Locate(at, element); error != status::kOk) return error;
   Apply(code, *element, text);
   return status::kOk;
-} catch (...) {
-  return vela::member::StatusOfException();
 }
 
-int TCVectorString::OperateOnRow(int row, unsigned code, const tagMSOOBJVECT& operand,
-                                 unsigned options) {
-  const VectorArgument source = OperandVector(operand);
+int TCVectorString::OperateWithValue(int row, unsigned code, const tagMSOOBJVECT& operand) {
+  CStringUTF8 text;
+  if (const int error = vela::text::OperandText(operand, text); error != status::kOk) return error;
   Texts& texts = rows_[row];
-  if (!source) {
-    CStringUTF8 text;
-    if (const int error = vela::text::OperandText(operand, text); error != status::kOk) {
-      return error;
-    }
-    if (texts.empty()) texts.resize(1);
-    for (CStringUTF8& element : texts) Apply(code, element, text);
-    SetModify(1);
-    return status::kOk;
-  }
-  if (source.row < 0 || source.row >= source.vector->RowCount()) return status::kOutOfRange;
+  if (texts.empty()) texts.resize(1);
+  for (CStringUTF8& element : texts) Apply(code, element, text);
+  AnnounceChange(row);
+  return status::kOk;
+}
+
+int TCVectorString::OperateWithLayer(int row, unsigned code, const Layer& source,
+                                     unsigned options) {
   Texts operands = vela::text::ElementTexts(source);
   if (code == operation::kAssign) {
     if ((options & operation::kAppend) != 0) {
@@ -265,11 +212,12 @@ int TCVectorString::OperateOnRow(int row, unsigned code, const tagMSOOBJVECT& op
     }
     return status::kOk;
   }
+  Texts& texts = rows_[row];
   const bool broadcast = (options & operation::kBroadcast) != 0 && operands.size() == 1;
   if (!broadcast && operands.size() != texts.size()) return status::kFailed;
   for (std::size_t i = 0; i < texts.size(); ++i) {
     Apply(code, texts[i], operands[broadcast ? 0 : i]);
   }
-  SetModify(1);
+  AnnounceChange(row);
   return status::kOk;
 }

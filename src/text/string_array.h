@@ -8,16 +8,10 @@
 #include "frame/value_access.h"
 #include "vector/vector_base.h"
 
-namespace vela {
-struct ArrayLayout;
-}
-
-// A vector of texts. An operation addresses element at->element of row at->ObjectIndex(), with the
-// statuses of numeric vectors: 2 for a row that cannot be resolved, 28 outside the rows or
-// elements, 290 for a negative element. An element reads and writes as a string variable does.
+// A vector of texts. An element reads and writes as a string variable does.
 //
-// Of the general vector members, those about size, order and content work on texts by bytes; an
-// empty text is the missing one (what the Trim members remove, and what Sort puts at one end). The
+// The members about size, order and content are those of every vector, on texts by bytes; an empty
+// text is the missing one (what the Trim members remove, and what Sort puts at one end). The
 // numeric members refuse with status 12291.
 class TCVectorString
     : public vela::member::WithMembers<TCVectorString,
@@ -34,7 +28,6 @@ class TCVectorString
 
   using Base::GetNumericValue;
   using Base::GetString;
-  using Base::GetUpperBound;
   using Base::SetNumericValue;
   using Base::SetString;
 
@@ -44,13 +37,8 @@ class TCVectorString
   unsigned GetInternalDataTypeID() const override { return kTypeString; }
   static const CClassMember* MemberTable();
   int IsSameTypeAndMemoryModel(const CScriptVelaObject* other) const override;
-  unsigned GetTypeIDCheckIndex(const MSOINDICES* at) override;
-  int GetArraySize() const override { return RowCount(); }
   // The element as a CStringUTF8*, or null outside the row.
   void* GetArrayElement(const MSOINDICES* at, int index) override;
-  int GetUpperBound(const MSOINDICES* at, int& upper) override;
-  int IsValidElement(const MSOINDICES* at) override;
-  int SetVectorDimension(const MSOINDICES* at, int size) override;
   CScriptVelaObject* CreateCopy() override;
 
   // "string(10)" for the whole array, else the text of the element.
@@ -61,22 +49,21 @@ class TCVectorString
   int SetStringValue(const MSOINDICES* at, const CStringUTF8& text) override;
   // A char becomes one character, not its number.
   int SetNumericValue(const MSOINDICES* at, char value) override;
-  int GetDisplaySize(int& rows, int& cols) override;
-  int GetDisplaySizeEx(const MSOINDICES* at, int& rows, int& cols) override;
-  int GetDisplayElement(CStringUTF8& text, int index) override;
-  int GetDisplayElementEx(CStringUTF8& text, const MSOINDICES* at) override;
-  // Every row becomes empty.
-  int ResetValue() override;
-  // Assign and add (which appends the operand's text to each element), on an element or a row; a
-  // row takes a vector of any type, element by element, or one value for all. Adding a row of
-  // another size is status 1.
-  int Operate2(const MSOINDICES* at, unsigned op, const tagMSOOBJVECT& operand,
-               unsigned options) override;
 
-  int RowCount() const override { return static_cast<int>(rows_.size()); }
-  std::size_t RowSize(int row) const override { return rows_[row].size(); }
+  int LayerCount() const override { return static_cast<int>(rows_.size()); }
+  vela::LayerShape ShapeOf(int row) const override {
+    return vela::LayerShape::OneRow(static_cast<std::int64_t>(rows_[row].size()));
+  }
+  // Texts as the numbers that they read as, and numbers as their texts.
+  int ReadElements(int row, std::size_t offset, const vela::ElementSpan& to) override;
+  int StoreElements(int row, std::size_t offset, const vela::ConstElementSpan& from) override;
   int RawResize(int row, std::int64_t size) override;
   int ResizeWithLowerBound(int row, std::int64_t size, int lower) override;
+  // Assign and add, which appends the operand's text to each element; a row takes a vector of any
+  // type, element by element, or one value for all. Adding a row of another size is status 1.
+  int OperateWithLayer(int row, unsigned code, const vela::Layer& source,
+                       unsigned options) override;
+
   // The elements of a row, at most kMostElements.
   Texts& RowTexts(int row) { return rows_[row]; }
   const Texts& RowTexts(int row) const { return rows_[row]; }
@@ -85,15 +72,6 @@ class TCVectorString
   void StoreRow(int row, Texts&& texts);
   void AppendRow(int row, Texts&& texts);
 
-  // --- Members of its own ---
-
-  int Add(CTCall* call);
-  int SetAtGrow(CTCall* call);
-  int InsertAt(CTCall* call);
-  // (int index, int count), or (vector<int> indices): the elements at the indices, from the largest
-  // index to the smallest, so that an index that repeats removes what moved up to it. 1; 0 at the
-  // first index outside the array, the larger ones being gone; -1 for a vector of another type.
-  int RemoveAt(CTCall* call);
   // (vector<int>& map, vector<uint>& firsts, int case sensitive, vector<uint>& counts or NULL,
   // DWORD control): groups equal texts, and reports the groups in the order of their first
   // elements, those that repeat only with control bit 0x10000, from the last to the first with
@@ -102,55 +80,49 @@ class TCVectorString
   // reported groups, or -1 for a vector of another type; status 3 when one vector is to receive two
   // of these.
   int FindDuplicates(CTCall* call);
-
-  // --- General vector members ---
-
-  int Append(CTCall* call) override;
-  int Sort(CTCall* call) override;
-  int Reorder(CTCall* call) override;
-  int Wrap(CTCall* call) override;
-  int GetSubVector(CTCall* call) override;
-  int SetSubVector(CTCall* call) override;
   // (vector<uint>& found, string text, int bCaseSensitive = 1, int start = 0, int end = -1,
   // DWORD firstOnly = 0): positions of the elements equal to text; how many, or -1 for a range that
   // holds no element or a found that is no vector<uint>. The seven arguments of numeric vectors do
   // as well, their upper value and precision unread.
   int Find(CTCall* call) override;
-  int GetUpperBound(CTCall* call) override;
-  int GetLowerBound(CTCall* call) override;
-  int TrimLeft(CTCall* call) override;
-  int TrimRight(CTCall* call) override;
-  int Trim(CTCall* call) override;
-  // (vector source): this row becomes a copy of the source's; 0.
-  int CopyData(CTCall* call) override;
   // (string old, string new, int bCaseSensitive = 1): whole elements; how many.
   int Replace(CTCall* call) override;
-  // (string text, int index, int count = 1): 1, or 0 for an index outside 0 .. size.
-  int InsertValue(CTCall* call) override;
-  // (int lower bound = 0): an automation array of the texts, in UTF-16.
-  int GetAs1DArray(CTCall* call) override;
-  int GetDataAsOneDimensionalArray(CTCall* call) override;
-  // (int columns, BOOL variants): the same with two dimensions, filled row by row; status 8 for a
-  // column count below 1.
-  int GetAs2DArray(CTCall* call) override;
-  // (vector other): appends the elements of other that are not there yet; how many.
-  int Merge(CTCall* call) override;
 
   template <class U>
   int Read(const MSOINDICES* at, U& value);
   template <class U>
   int Write(const MSOINDICES* at, const U& value);
 
+ protected:
+  bool IsOperation(unsigned code) const override;
+  int OperateOnElement(const MSOINDICES* at, unsigned code, const tagMSOOBJVECT& operand) override;
+  int OperateWithValue(int row, unsigned code, const tagMSOOBJVECT& operand) override;
+
+  void SetElement(int row, std::size_t index, vela::member::Arguments& args, unsigned arg) override;
+  void InsertElements(int row, std::size_t index, std::size_t count, vela::member::Arguments& args,
+                      unsigned arg) override;
+  void RemoveElements(int row, std::span<const vela::kernel::IndexRun> runs) override;
+  void CopyElements(int row, std::size_t offset, std::size_t count,
+                    const vela::Layer& target) override;
+  void AssignCopy(int row, const vela::Layer& source) override;
+  void OverwriteElements(int row, std::size_t offset, const vela::Layer& source,
+                         std::size_t count) override;
+  bool ReorderElements(int row, std::span<const unsigned> order) override;
+  void RotateElements(int row, std::int64_t shift) override;
+  void SortElements(int row, bool ascending, bool missing_first,
+                    std::span<unsigned> positions) override;
+  std::size_t CountLeadingMissing(int row, std::size_t first) override;
+  std::size_t CountTrailingMissing(int row, std::size_t first) override;
+  void RemoveMissing(int row, std::size_t first) override;
+  std::size_t AppendAbsent(int row, const vela::Layer& source) override;
+  // As texts in UTF-16.
+  void ReturnArray(int row, vela::member::Arguments& args,
+                   const vela::ArrayLayout& layout) override;
+
  private:
   // Status and address of the addressed element.
   int Locate(const MSOINDICES* at, CStringUTF8*& element);
   Texts& Acted(vela::member::Arguments& args) { return rows_[Row(args)]; }
-  // The argument as text; NULL is the empty one.
-  static CStringUTF8 OptionalText(vela::member::Arguments& args, unsigned arg) {
-    return args.IsNull(arg) ? CStringUTF8() : args.Text(arg);
-  }
-  void ReturnArray(vela::member::Arguments& args, const vela::ArrayLayout& layout);
-  int OperateOnRow(int row, unsigned code, const tagMSOOBJVECT& operand, unsigned options);
 
   std::vector<Texts> rows_;
 };

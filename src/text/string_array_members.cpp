@@ -1,13 +1,14 @@
 // The members of "StringArray" that other vectors do not have.
 #include <algorithm>
-#include <iterator>
-#include <stdexcept>
+#include <utility>
+#include <vector>
 
+#include "frame/container/container_arguments.h"
 #include "text/string_array.h"
 #include "text/text_groups.h"
-#include "text/vector_result.h"
+#include "vector/position_range.h"
 
-using vela::VectorArgument;
+using vela::Layer;
 using vela::member::Arguments;
 using vela::member::Between;
 using vela::member::Exactly;
@@ -19,33 +20,9 @@ namespace {
 
 using Texts = TCVectorString::Texts;
 
-void RequireRoom(std::size_t size) {
-  if (size > TCVectorString::kMostElements) throw std::length_error("vector too long");
-}
-
-// Removes the elements at the indices, largest first; false at the first that is outside.
-bool RemoveAtIndices(Texts& texts, std::vector<int> indices) {
-  std::sort(indices.begin(), indices.end(), std::greater<>());
-  // What lies behind the index that is dealt with, last element first: removing there is popping.
-  // With its memory at hand nothing below can fail half way.
-  Texts behind;
-  behind.reserve(texts.size());
-  bool all_inside = true;
-  for (auto index = indices.begin(); index != indices.end(); ++index) {
-    if (*index >= 0) {
-      const auto at = static_cast<std::size_t>(*index);
-      while (texts.size() > at) {
-        behind.push_back(std::move(texts.back()));
-        texts.pop_back();
-      }
-    }
-    all_inside = *index >= 0 && !behind.empty() && static_cast<std::size_t>(*index) == texts.size();
-    if (!all_inside) break;
-    behind.pop_back();
-  }
-  texts.insert(texts.end(), std::make_move_iterator(behind.rbegin()),
-               std::make_move_iterator(behind.rend()));
-  return all_inside;
+template <class T>
+void StoreNumbers(const Layer& target, const std::vector<T>& numbers) {
+  vela::StoreResult(target, vela::ConstElementSpan(std::span(numbers)));
 }
 
 Texts InUpperCase(Texts texts) {
@@ -88,9 +65,8 @@ std::vector<unsigned> ReportedGroups(const Grouping& grouping, DWORD control) {
   return reported;
 }
 
-void ReportGroups(const Grouping& grouping, const std::vector<unsigned>& reported,
-                  const VectorArgument& map, const VectorArgument& firsts,
-                  const VectorArgument& counts) {
+void ReportGroups(const Grouping& grouping, const std::vector<unsigned>& reported, const Layer& map,
+                  const Layer& firsts, const Layer& counts) {
   std::vector<int> place(grouping.firsts.size(), -1);
   std::vector<unsigned> reported_firsts, reported_counts;
   for (const unsigned group : reported) {
@@ -101,99 +77,86 @@ void ReportGroups(const Grouping& grouping, const std::vector<unsigned>& reporte
   std::vector<int> places;
   places.reserve(grouping.group_of.size());
   for (const int group : grouping.group_of) places.push_back(place[static_cast<unsigned>(group)]);
-  vela::text::StoreElements<int>(map, places);
-  vela::text::StoreElements<unsigned>(firsts, reported_firsts);
-  if (counts) vela::text::StoreElements<unsigned>(counts, reported_counts);
+  StoreNumbers<int>(map, places);
+  StoreNumbers<unsigned>(firsts, reported_firsts);
+  if (counts) StoreNumbers<unsigned>(counts, reported_counts);
 }
 
-bool IsSameRow(const VectorArgument& a, const VectorArgument& b) {
-  return a && a.vector == b.vector && a.row == b.row;
+// Compares whole elements with one text, without regard to case unless told otherwise.
+class Equals {
+ public:
+  Equals(CStringUTF8 text, bool case_sensitive)
+      : text_(std::move(text)), case_sensitive_(case_sensitive) {}
+  bool operator()(const CStringUTF8& other) const {
+    return case_sensitive_ ? other == text_ : other.CompareNoCase(text_) == 0;
+  }
+
+ private:
+  CStringUTF8 text_;
+  bool case_sensitive_;
+};
+
+// A real number is the tolerance of the form for numeric vectors, without meaning for texts.
+bool IsCaseSensitive(Arguments& args, unsigned arg) {
+  return args.Count() <= arg || args.TypeId(arg) == kTypeDouble || args.Int(arg) != 0;
 }
 
 }  // namespace
 
-int TCVectorString::Add(CTCall* call) {
-  return Run(call, Exactly(1), [&](Arguments& args) {
-    Texts& texts = Acted(args);
-    RequireRoom(texts.size() + 1);
-    texts.push_back(OptionalText(args, 0));
-    SetModify(1);
-    args.Return(static_cast<int>(texts.size()) - 1);
-  });
-}
-
-int TCVectorString::SetAtGrow(CTCall* call) {
-  return Run(call, Exactly(2), [&](Arguments& args) {
-    Texts& texts = Acted(args);
-    const int index = args.Int(0);
-    if (index < 0) Fail(status::kBadIndex);
-    const auto at = static_cast<std::size_t>(index);
-    const CStringUTF8 text = OptionalText(args, 1);
-    RequireRoom(at + 1);
-    if (at >= texts.size()) texts.resize(at + 1);
-    texts[at] = text;
-    SetModify(1);
-    args.Return(1);
-  });
-}
-
-int TCVectorString::InsertAt(CTCall* call) {
-  return Run(call, Exactly(3), [&](Arguments& args) {
-    Texts& texts = Acted(args);
-    const int index = args.Int(0);
-    const CStringUTF8 text = OptionalText(args, 1);
-    const int count = args.Int(2);
-    if (index < 0 || count < 1) Fail(status::kOutOfRange);
-    const auto at = static_cast<std::size_t>(index);
-    const std::size_t size = std::max(at, texts.size()) + static_cast<std::size_t>(count);
-    RequireRoom(size);
-    // All the memory at once, so that nothing is half done when there is none; with a margin, so
-    // that adding at the end again and again does not copy everything each time.
-    if (size > texts.capacity()) texts.reserve(std::max(size, texts.size() + texts.size() / 2));
-    if (at > texts.size()) texts.resize(at);
-    texts.insert(texts.begin() + index, static_cast<std::size_t>(count), text);
-    SetModify(1);
-    args.Return(1);
-  });
-}
-
-int TCVectorString::RemoveAt(CTCall* call) {
-  return Run(call, Between(1, 2), [&](Arguments& args) {
-    Texts& texts = Acted(args);
-    const bool by_indices = (args.TypeId(0) & kFlagAnyVector) != 0;
-    if (by_indices) {
-      const VectorArgument indices = vela::RequiredVector(args, 0);
-      if (!vela::text::IsVectorOf<int>(indices)) return args.Return(-1);
-      const vela::RowElements elements(indices);
-      const std::span<const int> values = elements.Run().As<int>();
-      const bool done = RemoveAtIndices(texts, {values.begin(), values.end()});
-      SetModify(1);
-      return args.Return(done ? 1 : 0);
+int TCVectorString::Find(CTCall* call) {
+  return Run(call, Between(2, 7), [&](Arguments& args) {
+    const Texts& texts = Acted(args);
+    const Layer found = vela::OptionalVector(args, 0);
+    // The form of numeric vectors has an upper value and a precision where texts have one argument.
+    const bool is_numeric_form = args.Count() == 7;
+    const Equals equals(args.Text(1), is_numeric_form || IsCaseSensitive(args, 2));
+    const unsigned rest = is_numeric_form ? 4 : 3;
+    const int start = args.Count() > rest ? args.Int(rest) : 0;
+    const int end = args.Count() > rest + 1 ? args.Int(rest + 1) : -1;
+    const bool first_only = args.Count() > rest + 2 && (args.Dword(rest + 2) & 1) != 0;
+    if (found && found.TypeId() != kTypeUnsignedInt) return args.Return(-1);
+    const auto range = vela::PositionsBetween(start, end, texts.size());
+    if (range.IsEmpty()) return args.Return(-1);
+    std::vector<unsigned> places;
+    for (std::size_t i = range.begin; i < range.end; ++i) {
+      if (!equals(texts[i])) continue;
+      places.push_back(static_cast<unsigned>(i));
+      if (first_only) break;
     }
-    if (args.Count() != 2) Fail(status::kBadArguments);
-    const int index = args.Int(0);
-    const int count = args.Int(1);
-    const auto size = static_cast<std::int64_t>(texts.size());
-    if (index < 0 || index >= size || count < 1 || count > size - index) Fail(status::kOutOfRange);
-    texts.erase(texts.begin() + index, texts.begin() + index + count);
-    SetModify(1);
-    args.Return(1);
+    if (found) StoreNumbers<unsigned>(found, places);
+    args.Return(static_cast<int>(places.size()));
+  });
+}
+
+int TCVectorString::Replace(CTCall* call) {
+  return Run(call, Between(2, 3), [&](Arguments& args) {
+    const int row = Row(args);
+    const Equals equals(args.Text(0), IsCaseSensitive(args, 2));
+    const CStringUTF8 by = args.Text(1);
+    int count = 0;
+    for (CStringUTF8& text : rows_[row]) {
+      if (!equals(text)) continue;
+      text = by;
+      ++count;
+    }
+    AnnounceChange(row);
+    args.Return(count);
   });
 }
 
 int TCVectorString::FindDuplicates(CTCall* call) {
   return Run(call, Exactly(5), [&](Arguments& args) {
     const Texts& texts = Acted(args);
-    const VectorArgument map = vela::OptionalVector(args, 0);
-    const VectorArgument firsts = vela::OptionalVector(args, 1);
+    const Layer map = vela::OptionalVector(args, 0);
+    const Layer firsts = vela::OptionalVector(args, 1);
     const bool case_sensitive = args.Int(2) != 0;
-    const VectorArgument counts = vela::OptionalVector(args, 3);
+    const Layer counts = vela::OptionalVector(args, 3);
     const DWORD control = args.Dword(4);
-    const bool usable = vela::text::IsVectorOf<int>(map) &&
-                        vela::text::IsVectorOf<unsigned>(firsts) &&
-                        (!counts || vela::text::IsVectorOf<unsigned>(counts));
+    const bool usable = map && map.TypeId() == kTypeInt &&  //
+                        firsts && firsts.TypeId() == kTypeUnsignedInt &&
+                        (!counts || counts.TypeId() == kTypeUnsignedInt);
     if (!usable) return args.Return(-1);
-    if (IsSameRow(firsts, counts)) Fail(status::kBadArguments);
+    vela::RefuseSameLayer(counts, firsts);
     const Grouping grouping = case_sensitive ? GroupTexts(texts) : GroupTexts(InUpperCase(texts));
     const std::vector<unsigned> reported = ReportedGroups(grouping, control);
     ReportGroups(grouping, reported, map, firsts, counts);

@@ -5,13 +5,12 @@
 #include <exception>
 #include <stdexcept>
 
-#include "text/c_name.h"
+#include "frame/container/container_arguments.h"
 #include "text/format.h"
-#include "text/shorten.h"
 #include "text/string_member.h"
 #include "text/string_object.h"
+#include "text/text_forms.h"
 #include "text/utf8_character.h"
-#include "text/vector_result.h"
 
 using vela::member::Arguments;
 using vela::member::AtLeast;
@@ -250,11 +249,10 @@ int CScriptVelaString::Remove(CTCall* call) {
 int CScriptVelaString::SetBytes(CTCall* call) {
   return RunMember(call, Exactly(1), [&](Arguments& args) {
     CStringUTF8& text = Acted(args);
-    const vela::VectorArgument source = vela::OptionalVector(args, 0);
+    const vela::Layer source = vela::OptionalVector(args, 0);
     if (source) {
-      if (!vela::text::IsVectorOf<unsigned char>(source)) Fail(status::kFailed);
-      const vela::RowElements elements(source);
-      const vela::ElementsAs<unsigned char> bytes(elements.Run());
+      if (source.TypeId() != kTypeUnsignedChar) Fail(status::kFailed);
+      const vela::LayerValues<unsigned char> bytes(source);
       text =
           std::string_view(reinterpret_cast<const char*>(bytes.Span().data()), bytes.Span().size());
     }

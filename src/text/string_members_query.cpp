@@ -1,9 +1,9 @@
 // Members of "string" that ask about the text or give a part of it.
+#include "frame/container/container_arguments.h"
 #include "frame/element_value.h"
 #include "text/path_test.h"
 #include "text/string_member.h"
 #include "text/string_object.h"
-#include "text/vector_result.h"
 #include "text/wildcard.h"
 
 using vela::member::Arguments;
@@ -186,11 +186,10 @@ int CScriptVelaString::IsFile(CTCall* call) {
 int CScriptVelaString::GetBytes(CTCall* call) {
   return RunMember(call, Exactly(1), [&](Arguments& args) {
     const CStringUTF8& text = Acted(args);
-    const vela::VectorArgument target = vela::OptionalVector(args, 0);
+    const vela::Layer target = vela::OptionalVector(args, 0);
     if (target) {
-      if (!vela::text::IsVectorOf<unsigned char>(target)) Fail(status::kFailed);
-      const auto* bytes = reinterpret_cast<const unsigned char*>(text.c_str());
-      vela::text::StoreElements<unsigned char>(target, {bytes, text.View().size()});
+      if (target.TypeId() != kTypeUnsignedChar) Fail(status::kFailed);
+      vela::StoreResult(target, {kTypeUnsignedChar, text.c_str(), text.View().size()});
     }
     args.Return(target ? 1 : 0);
   });

@@ -3,12 +3,12 @@
 #include <cstring>
 #include <vector>
 
+#include "frame/container/container_arguments.h"
 #include "text/operand_text.h"
 #include "text/string_array.h"
 #include "text/string_member.h"
 #include "text/string_object.h"
 #include "text/tokens.h"
-#include "text/vector_result.h"
 
 using vela::member::Arguments;
 using vela::member::Between;
@@ -23,7 +23,7 @@ char Separator(Arguments& args, unsigned arg, char when_absent = 0) {
 }
 
 // A vector of any kind; anything else is an argument of the wrong type.
-vela::VectorArgument RequiredVector(Arguments& args, unsigned arg) {
+vela::Layer RequiredVector(Arguments& args, unsigned arg) {
   if ((args.TypeId(arg) & kFlagAnyVector) == 0) Fail(status::kFailed);
   return vela::RequiredVector(args, arg);
 }
@@ -47,7 +47,7 @@ int StoreTokens(Tokenizer tokens, TCVectorString& target, int row) {
   return count;
 }
 
-int StoreNumbers(Tokenizer tokens, const vela::VectorArgument& target) {
+int StoreNumbers(Tokenizer tokens, const vela::Layer& target) {
   std::vector<double> numbers;
   numbers.reserve(tokens.EstimateCount());
   std::array<double, 512> decimals;
@@ -59,7 +59,7 @@ int StoreNumbers(Tokenizer tokens, const vela::VectorArgument& target) {
     if (!tokens.Next(token)) break;
     numbers.push_back(NumberOf(token));
   }
-  vela::text::StoreNumbers(target, numbers);
+  vela::StoreResult(target, vela::ConstElementSpan(std::span<const double>(numbers)));
   return static_cast<int>(numbers.size());
 }
 
@@ -92,10 +92,10 @@ int CScriptVelaString::GetTokens(CTCall* call) {
   return RunMember(call, Between(1, 2), [&](Arguments& args) {
     // A copy: the target may hold this very string.
     const CStringUTF8 text = Acted(args);
-    const vela::VectorArgument target = RequiredVector(args, 0);
+    const vela::Layer target = RequiredVector(args, 0);
     const Tokenizer tokens(text.View(), Separator(args, 1));
-    auto* strings = dynamic_cast<TCVectorString*>(target.vector);
-    args.Return(strings != nullptr ? StoreTokens(tokens, *strings, target.row)
+    auto* strings = dynamic_cast<TCVectorString*>(target.container);
+    args.Return(strings != nullptr ? StoreTokens(tokens, *strings, target.number)
                                    : StoreNumbers(tokens, target));
   });
 }
@@ -103,7 +103,7 @@ int CScriptVelaString::GetTokens(CTCall* call) {
 int CScriptVelaString::SetTokens(CTCall* call) {
   return RunMember(call, Between(1, 2), [&](Arguments& args) {
     CStringUTF8& text = Acted(args);
-    const vela::VectorArgument source = RequiredVector(args, 0);
+    const vela::Layer source = RequiredVector(args, 0);
     const char separator = Separator(args, 1, '\t');
     if (separator == 0) return args.Return(-1);
     CStringUTF8 joined;

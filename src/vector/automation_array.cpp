@@ -67,7 +67,7 @@ void ForEachCell(std::size_t count, const Shape& shape, Store store) {
 
 // Elements of one width are copied alike, whatever they mean.
 template <class Word>
-void FillNumbers(void* cells, const ElementRun& elements, const Shape& shape) {
+void FillNumbers(void* cells, const ConstElementSpan& elements, const Shape& shape) {
   const auto* from = static_cast<const Word*>(elements.data);
   auto* to = static_cast<Word*>(cells);
   if (shape.columns == 1) {
@@ -77,7 +77,8 @@ void FillNumbers(void* cells, const ElementRun& elements, const Shape& shape) {
   }
 }
 
-void FillNumbers(void* cells, const ElementRun& elements, std::size_t width, const Shape& shape) {
+void FillNumbers(void* cells, const ConstElementSpan& elements, std::size_t width,
+                 const Shape& shape) {
   switch (width) {
     case 1:
       return FillNumbers<std::uint8_t>(cells, elements, shape);
@@ -90,7 +91,7 @@ void FillNumbers(void* cells, const ElementRun& elements, std::size_t width, con
   }
 }
 
-void FillVariants(void* cells, const ElementRun& elements, VARTYPE type, std::size_t width,
+void FillVariants(void* cells, const ConstElementSpan& elements, VARTYPE type, std::size_t width,
                   const Shape& shape) {
   const auto* from = static_cast<const unsigned char*>(elements.data);
   auto* to = static_cast<VARIANT*>(cells);
@@ -139,7 +140,8 @@ void ReturnFilled(member::Arguments& args, VARTYPE type, std::size_t width, std:
 
 }  // namespace
 
-void ReturnAsArray(member::Arguments& args, const ElementRun& elements, const ArrayLayout& layout) {
+void ReturnAsArray(member::Arguments& args, const ConstElementSpan& elements,
+                   const ArrayLayout& layout) {
   const VARTYPE type = GetVariantTypeFromSimpleType(elements.type_id);
   if (type == VT_EMPTY) member::Fail(status::kUnsupported);
   const std::size_t width = PLTTypeToSizeOf(elements.type_id);

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
+#include "frame/container/element_span.h"
 #include "frame/member/arguments.h"
-#include "vector/element_run.h"
 
 namespace vela {
 
@@ -19,6 +19,7 @@ struct ArrayLayout {
 // do not fill of the last row stays zero (empty variants). No elements give an empty variant. Ends
 // the handler with 8 for a column count below 1, 12291 for elements that have no automation type, 1
 // without a variant for the result, 282 when the array cannot be made: it holds at most 4 GiB - 1.
-void ReturnAsArray(member::Arguments& args, const ElementRun& elements, const ArrayLayout& layout);
+void ReturnAsArray(member::Arguments& args, const ConstElementSpan& elements,
+                   const ArrayLayout& layout);
 
 }  // namespace vela

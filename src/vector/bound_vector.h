@@ -4,6 +4,15 @@
 
 #include "vector/typed_vector.h"
 
+namespace vela {
+
+// The rows of the tables, which are the same for every element type.
+std::initializer_list<CClassMember> DatasetRows();
+std::initializer_list<CClassMember> CurveRows();
+std::initializer_list<CClassMember> CategoricalRows();
+
+}  // namespace vela
+
 template <class T>
 class TCOVectorBase : public vela::member::WithMembers<TCOVectorBase<T>, TCAllVectorsBase<T>> {
   using Base = vela::member::WithMembers<TCOVectorBase, TCAllVectorsBase<T>>;
@@ -15,18 +24,15 @@ class TCOVectorBase : public vela::member::WithMembers<TCOVectorBase<T>, TCAllVe
   static const CClassMember* MemberTable() {
     return vela::member::TypeTable<TCOVectorBase>::Rows();
   }
-  static std::initializer_list<CClassMember> MemberRows();
+  static std::initializer_list<CClassMember> MemberRows() { return vela::DatasetRows(); }
 
-  int RowCount() const override { return 1; }
+  int LayerCount() const override { return 1; }
   int RawResize(int, std::int64_t) override { return status::kFailed; }
-
- protected:
-  std::span<T> Elements(int) override { return {}; }
-  bool IsContiguous(int) const override { return false; }
-  bool IsSizeFixed(int) const override { return true; }
-  void SetSizeFixed(int) override {}
-  T ReadElement(int, std::size_t) override { return {}; }
-  int WriteElement(int, std::size_t, const T&) override { return status::kFailed; }
+  // Without elements there is nothing to read or store.
+  int ReadElements(int, std::size_t, const vela::ElementSpan&) override { return status::kOk; }
+  int StoreElements(int, std::size_t, const vela::ConstElementSpan&) override {
+    return status::kOk;
+  }
 };
 
 template <class T>
@@ -44,7 +50,7 @@ class TCCurve : public vela::member::WithMembers<TCCurve<T>, TCOVectorBase<T>> {
   explicit TCCurve(unsigned type_id) : Base(type_id, kFlagCurve) {}
 
   static const CClassMember* MemberTable() { return vela::member::TypeTable<TCCurve>::Rows(); }
-  static std::initializer_list<CClassMember> MemberRows();
+  static std::initializer_list<CClassMember> MemberRows() { return vela::CurveRows(); }
 };
 
 template <class T>
@@ -71,5 +77,5 @@ class tcCategoricalData : public vela::member::WithMembers<tcCategoricalData<T>,
   static const CClassMember* MemberTable() {
     return vela::member::TypeTable<tcCategoricalData>::Rows();
   }
-  static std::initializer_list<CClassMember> MemberRows();
+  static std::initializer_list<CClassMember> MemberRows() { return vela::CategoricalRows(); }
 };

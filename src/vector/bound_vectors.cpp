@@ -1,10 +1,10 @@
 #include "vector/bound_vector.h"
 
-using vela::member::TypeTable;
 using vela::member::Unbuilt;
 
-template <class T>
-std::initializer_list<CClassMember> TCOVectorBase<T>::MemberRows() {
+namespace vela {
+
+std::initializer_list<CClassMember> DatasetRows() {
   static const std::initializer_list<CClassMember> rows = {
       Unbuilt("Attach"),  Unbuilt("Detach"),         Unbuilt("SetText"),
       Unbuilt("GetText"), Unbuilt("GetStringArray"), Unbuilt("PutStringArray"),
@@ -16,14 +16,21 @@ std::initializer_list<CClassMember> TCOVectorBase<T>::MemberRows() {
   return rows;
 }
 
-template <class T>
-std::initializer_list<CClassMember> TCCurve<T>::MemberRows() {
+std::initializer_list<CClassMember> CurveRows() {
   static const std::initializer_list<CClassMember> rows = {
       Unbuilt("HasX"),          Unbuilt("AttachX"),    Unbuilt("Attach"),        Unbuilt("Sort"),
       Unbuilt("GetRectPoints"), Unbuilt("SetXBounds"), Unbuilt("ConstructInit"),
   };
   return rows;
 }
+
+std::initializer_list<CClassMember> CategoricalRows() {
+  static const std::initializer_list<CClassMember> rows = {Unbuilt("Attach"), Unbuilt("Map"),
+                                                           Unbuilt("Group")};
+  return rows;
+}
+
+}  // namespace vela
 
 namespace {
 
@@ -32,29 +39,3 @@ const CClassMember kComplexDatasetMembers[] = {Unbuilt("Attach"), Unbuilt("Creat
 }  // namespace
 
 const CClassMember* TCOlccomplexVector::MemberTable() { return kComplexDatasetMembers; }
-
-template <class T>
-std::initializer_list<CClassMember> tcCategoricalData<T>::MemberRows() {
-  static const std::initializer_list<CClassMember> rows = {Unbuilt("Attach"), Unbuilt("Map"),
-                                                           Unbuilt("Group")};
-  return rows;
-}
-
-template class TCOVectorBase<char>;
-template class TCOVectorBase<unsigned char>;
-template class TCOVectorBase<short>;
-template class TCOVectorBase<unsigned short>;
-template class TCOVectorBase<int>;
-template class TCOVectorBase<unsigned>;
-template class TCOVectorBase<float>;
-template class TCOVectorBase<double>;
-template class TCOVectorBase<OneTCcomplex>;
-template class TCCurve<char>;
-template class TCCurve<unsigned char>;
-template class TCCurve<short>;
-template class TCCurve<unsigned short>;
-template class TCCurve<int>;
-template class TCCurve<unsigned>;
-template class TCCurve<float>;
-template class TCCurve<double>;
-template class tcCategoricalData<int>;

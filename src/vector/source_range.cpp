@@ -7,6 +7,6 @@ bool VectorSourceDataRangeHolder::IsValid() const {
     return false;
   }
   const auto* vector = dynamic_cast<const TCAllVectorNonTemplBase*>(source);
-  return vector != nullptr && row >= 0 && row < vector->RowCount() && lower >= 0 &&
+  return vector != nullptr && row >= 0 && row < vector->LayerCount() && lower >= 0 &&
          lower <= upper && static_cast<std::size_t>(upper) < vector->RowSize(row);
 }

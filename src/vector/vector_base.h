@@ -1,64 +1,94 @@
-// The element-type-free base of every vector: the general member table, and what one vector needs
-// to know of another.
+// The element-type-free base of every vector: the general member table, every member's handler, and
+// the host-facing operations.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <span>
+#include <vector>
 
+#include "frame/container/layer.h"
+#include "frame/container/tensors_base.h"
 #include "frame/member/arguments.h"
 #include "frame/member/table.h"
-#include "vector/element_run.h"
-#include "vector/tensors_base.h"
+#include "frame/value_access.h"
+#include "kernel/removal.h"
 
-// A vector is one or more rows of elements; a call addresses row 0 unless its indices name another.
-// As an object of its own ("vectorbase") it has no elements and supports nothing.
+namespace vela {
+struct ArrayLayout;
+}
+
+// A vector is one or more layers of one row each ("rows" to scripts); a call addresses row 0 unless
+// its indices name another. As an object of its own ("vectorbase") it has no rows and supports
+// nothing.
+//
+// The handlers here serve every vector. They differ in their elements only: a handler passes these
+// to the kernel for their type, or ends with status 12291 where no kernel serves it. What numbers
+// and texts have in common as lists is written over the list operations, which a class of other
+// elements than numbers replaces.
+//
+// An operation of the host addresses element at->element of row at->ObjectIndex(): status 2 for a
+// row that cannot be resolved, 28 outside the rows or elements, 290 for a negative element.
 class TCAllVectorNonTemplBase
-    : public vela::member::WithMembers<TCAllVectorNonTemplBase, TCAllTensorsBase> {
+    : public vela::member::WithMembers<
+          TCAllVectorNonTemplBase, vela::ValueAccess<TCAllVectorNonTemplBase, TCAllTensorsBase>> {
+  using Base = WithMembers;
+
  public:
   explicit TCAllVectorNonTemplBase(unsigned type_word);
 
-  using TCAllTensorsBase::GetString;
-  using TCAllTensorsBase::GetUpperBound;
-  using TCAllTensorsBase::IsValid;
-  using TCAllTensorsBase::Update;
+  using Base::GetString;
+  using Base::GetUpperBound;
+  using Base::IsValid;
+  using Base::SetString;
+  using Base::Update;
 
   const char* GetTCTypeName() const override { return "vectorbase"; }
   static const CClassMember* MemberTable();
-  int GetString(CStringUTF8& text) override;
-  int GetVecArrayIndex(const MSOINDICES* at) const override;
-  unsigned GetTypeIDCheckIndex(const MSOINDICES* at) override;
 
-  // The general members, in table order. The defaults refuse with status 12291.
-  virtual int SetSize(CTCall* call);
-  virtual int GetSize(CTCall* call);
+  // --- Members, in table order where they are no slots below ---
+
+  int SetSize(CTCall* call);
+  int GetSize(CTCall* call);
+  int GetParleyVectorValue(CTCall* call);
+  int SetParleyVectorValue(CTCall* call);
+  int GetInternalDataType(CTCall* call);
+  int Data(CTCall* call);
+  int RemoveAll(CTCall* call);
+
+  // The members that are slots, in slot order, with the operations that stand among them.
+  virtual int GetName(CTCall* call);
+  // Sets the row's size to exactly size, keeping what fits: 0, or 278 with nothing changed.
+  virtual int RawResize(int row, std::int64_t size);
   virtual int Append(CTCall* call);
-  virtual int Sort(CTCall* call);
-  virtual int Reorder(CTCall* call);
+  virtual int Replace(CTCall* call);
+  virtual int InsertValue(CTCall* call);
+  // As RawResize; the elements below lower become the missing value. 28 for a lower bound below 0.
+  virtual int ResizeWithLowerBound(int row, std::int64_t size, int lower);
+  // row = row <code> source element by element, or assigned from it, as Operate2 says.
+  virtual int OperateWithLayer(int row, unsigned code, const vela::Layer& source, unsigned options);
   virtual int Sum(CTCall* call);
   virtual int GetMinMax(CTCall* call);
   virtual int Difference(CTCall* call);
   virtual int FrequencyCount(CTCall* call);
   virtual int GetBytes(CTCall* call);
   virtual int SetBytes(CTCall* call);
-  virtual int GetParleyVectorValue(CTCall* call);
-  virtual int SetParleyVectorValue(CTCall* call);
-  virtual int GetInternalDataType(CTCall* call);
-  virtual int Data(CTCall* call);
+  virtual int Pattern(CTCall* call);
+  virtual int Sort(CTCall* call);
+  virtual int Reorder(CTCall* call);
+  virtual int Abs(CTCall* call);
   virtual int Uniform(CTCall* call);
   virtual int Normal(CTCall* call);
   virtual int Wrap(CTCall* call);
+  virtual int CopyData(CTCall* call);
+  virtual int TrimLeft(CTCall* call);
+  virtual int TrimRight(CTCall* call);
   virtual int IsValid(CTCall* call);
-  virtual int GetSubVector(CTCall* call);
-  virtual int SetSubVector(CTCall* call);
   virtual int SetUpperBound(CTCall* call);
   virtual int SetLowerBound(CTCall* call);
   virtual int GetDataAsOneDimensionalArray(CTCall* call);
   virtual int GetAs1DArray(CTCall* call);
-  virtual int Find(CTCall* call);
   virtual int GetAs2DArray(CTCall* call);
-  virtual int Average(CTCall* call);
   virtual int GetReal(CTCall* call);
   virtual int GetImaginary(CTCall* call);
   virtual int GetAmplitude(CTCall* call);
@@ -67,88 +97,147 @@ class TCAllVectorNonTemplBase
   virtual int MakeComplex(CTCall* call);
   virtual int GetUpperBound(CTCall* call);
   virtual int GetLowerBound(CTCall* call);
-  virtual int RemoveAll(CTCall* call);
-  virtual int GetName(CTCall* call);
-  virtual int TrimLeft(CTCall* call);
-  virtual int TrimRight(CTCall* call);
-  virtual int Trim(CTCall* call);
-  virtual int CopyData(CTCall* call);
-  virtual int Replace(CTCall* call);
-  virtual int InsertValue(CTCall* call);
-  virtual int GetOutputComment(CTCall* call);
   virtual int SetOutputComment(CTCall* call);
-  virtual int Abs(CTCall* call);
-  virtual int Pattern(CTCall* call);
+  virtual int GetOutputComment(CTCall* call);
+  virtual int GetSubVector(CTCall* call);
+  virtual int SetSubVector(CTCall* call);
+  virtual int Average(CTCall* call);
+  virtual int Find(CTCall* call);
+  virtual int Trim(CTCall* call);
   virtual int Merge(CTCall* call);
   virtual int Product(CTCall* call);
 
-  // --- What other vectors see of this one ---
+  // The members that every typed vector and StringArray has in a table of its own.
+  int GetDataAsOneDimensionalArrayOfVariants(CTCall* call);
+  int Add(CTCall* call);
+  int SetAtGrow(CTCall* call);
+  int InsertAt(CTCall* call);
+  int RemoveAt(CTCall* call);
 
-  virtual int RowCount() const { return 0; }
-  // Elements of a row, with its bounds; row is 0 .. RowCount() - 1.
-  virtual std::size_t RowSize(int) const { return 0; }
-  virtual int RowLowerBound(int) const { return 0; }
-  // Where the row's data begins: at its lower bound, which may be its end. The elements below are
-  // no part of it.
-  std::size_t FirstOfData(int row) const {
-    return std::min(static_cast<std::size_t>(std::max(RowLowerBound(row), 0)), RowSize(row));
-  }
-  // A row's elements when they are one contiguous buffer; else an empty run. Valid until the
-  // vector's next change.
-  virtual vela::ElementRun ContiguousRun(int) { return {}; }
-  // Sets the row's size to exactly size, keeping what fits: 0, or 278 with nothing changed.
-  virtual int RawResize(int row, std::int64_t size);
-  // As RawResize; the elements below lower become the missing value. 28 for a lower bound below 0.
-  virtual int ResizeWithLowerBound(int row, std::int64_t size, int lower);
+  // --- Rows ---
+
+  std::size_t RowSize(int row) const { return SizeOf(row); }
+  int ResizeLayer(int row, const vela::LayerShape& shape, vela::Contents contents) override;
   // As RawResize, but may keep memory for more, so that growing by one at a time is linear overall.
   virtual int RawGrow(int row, std::int64_t size) { return RawResize(row, size); }
   // Makes room for size elements, so that growing up to it cannot fail for want of memory.
   virtual int RawReserve(int /*row*/, std::int64_t /*size*/) { return status::kOk; }
-  // Overwrites the elements from offset on, converted; the row has them all. The run may lie in the
-  // row itself. A status.
-  virtual int StoreRun(int row, std::size_t offset, const vela::ElementRun& run);
+
+  // --- For the host ---
+
+  // "double(10)" for the whole vector (points: "{Vector <point>}"), else the text of the element.
+  int GetString(CStringUTF8& text) override;
+  int GetString(const MSOINDICES* at, CStringUTF8& text) override;
+  int SetString(const MSOINDICES* at, const char* text) override;
+  int IsSameTypeAndMemoryModel(const CScriptVelaObject* other) const override;
+  unsigned GetTypeIDCheckIndex(const MSOINDICES* at) override;
+  int GetArraySize() const override { return LayerCount(); }
+  void* GetArrayElement(const MSOINDICES* at, int index) override;
+  int GetUpperBound(const MSOINDICES* at, int& upper) override;
+  int IsValidElement(const MSOINDICES* at) override;
+  int SetVectorDimension(const MSOINDICES* at, int size) override;
+  int GetDisplayElement(CStringUTF8& text, int index) override;
+  int GetDisplayElementEx(CStringUTF8& text, const MSOINDICES* at) override;
+  int GetDisplaySize(int& rows, int& cols) override;
+  int GetDisplaySizeEx(const MSOINDICES* at, int& rows, int& cols) override;
+  // Row 0 becomes the count elements in memory.
+  int InitalizeFromMemory(const void* memory, int count) override;
+  int GetValueToBuffer(void* buffer, unsigned size, const MSOINDICES* at) override;
+  // Address of row 0's elements; status 13702 when they are not one buffer.
+  int GetExternalData(void** address) override;
+  // Every row becomes empty.
+  int ResetValue() override;
+  // Bytes of the addressed row.
+  unsigned GetBufferSize(const MSOINDICES* at) override;
+  int SetBufferSize(const MSOINDICES* at, unsigned bytes) override;
+  // Lends the addressed row. In debug mode the buffer is a copy with two guard bytes behind it;
+  // ReleaseBufferMSO reports a write beyond the size and copies the elements back.
+  int GetBufferMSO(const MSOINDICES* at, void** buffer) override;
+  int ReleaseBufferMSO(const MSOINDICES* at, void* buffer) override;
+  int Operate2(const MSOINDICES* at, unsigned op, const tagMSOOBJVECT& operand,
+               unsigned options) override;
+
+  template <class U>
+  int Read(const MSOINDICES* at, U& value);
+  template <class U>
+  int Write(const MSOINDICES* at, const U& value);
 
  protected:
-  // The row that a call addresses. Fails with 2 for a malformed index record, 28 for a row that
-  // does not exist.
+  // Status and place of what the indices address.
+  int LocateRow(const MSOINDICES* at, int& row) const;
+  int Locate(const MSOINDICES* at, int& row, std::size_t& index) const;
+  // Whether the row took part in a whole-vector operation, which keeps its size from then on.
+  virtual bool IsSizeFixed(int /*row*/) const { return true; }
+  virtual void SetSizeFixed(int /*row*/) {}
+
+  // --- Operators, each a part of Operate2 ---
+
+  virtual bool IsOperation(unsigned code) const;
+  virtual int OperateOnElement(const MSOINDICES* at, unsigned code, const tagMSOOBJVECT& operand);
+  // With one value for every element of the row.
+  virtual int OperateWithValue(int row, unsigned code, const tagMSOOBJVECT& operand);
+
+  // --- List operations: what members do to the elements of a row ---
+  // Indices lie inside the row. What fails ends the handler and leaves the row as it was.
+
+  // Sets an element to the argument; a row that ends before it first grows up to it.
+  virtual void SetElement(int row, std::size_t index, vela::member::Arguments& args, unsigned arg);
+  // Inserts count copies of the argument before index; beyond the end the row first grows up to it.
+  virtual void InsertElements(int row, std::size_t index, std::size_t count,
+                              vela::member::Arguments& args, unsigned arg);
+  // Removes the runs, which are ascending and apart.
+  virtual void RemoveElements(int row, std::span<const vela::kernel::IndexRun> runs);
+  // Makes target, which is another row, elements offset .. offset + count - 1.
+  virtual void CopyElements(int row, std::size_t offset, std::size_t count,
+                            const vela::Layer& target);
+  // Makes the row a copy of the source's elements, converted; the source is another row.
+  virtual void AssignCopy(int row, const vela::Layer& source);
+  // Overwrites elements from offset on with the source's first count.
+  virtual void OverwriteElements(int row, std::size_t offset, const vela::Layer& source,
+                                 std::size_t count);
+  // Element k becomes the former element order[k]; false, after writing, for no permutation.
+  virtual bool ReorderElements(int row, std::span<const unsigned> order);
+  // Element i becomes the former element (i + shift) mod size.
+  virtual void RotateElements(int row, std::int64_t shift);
+  // Sorts; positions, when there are any, are as many as the elements and follow them.
+  virtual void SortElements(int row, bool ascending, bool missing_first,
+                            std::span<unsigned> positions);
+  // How many elements from first on are missing before the first that is not; from the last down.
+  virtual std::size_t CountLeadingMissing(int row, std::size_t first);
+  virtual std::size_t CountTrailingMissing(int row, std::size_t first);
+  // Removes the missing elements from first on.
+  virtual void RemoveMissing(int row, std::size_t first);
+  // Appends each element of source that the row does not have yet, once; how many.
+  virtual std::size_t AppendAbsent(int row, const vela::Layer& source);
+  // Hands the elements to the result object of the call.
+  virtual void ReturnArray(int row, vela::member::Arguments& args, const vela::ArrayLayout& layout);
+
+  // The row that a call addresses: 2 for a malformed index record, 28 for a row that does not
+  // exist, 12291 for a vector without rows.
   int Row(vela::member::Arguments& args) const;
-  // Whether the indices pick one of several rows; members that change size or layout refuse then.
-  bool IsOneRowOfMany(const MSOINDICES& at) const;
+  vela::Layer Addressed(vela::member::Arguments& args) { return {this, Row(args)}; }
+  // As Addressed, for members that only numbers have: 12291 for other elements.
+  vela::Layer AddressedNumbers(vela::member::Arguments& args);
+  vela::Layer AddressedComplex(vela::member::Arguments& args);
+  // Members that change size or layout refuse when the indices pick one of several rows.
   void RefuseOneRowOfMany(vela::member::Arguments& args, int code) const;
-};
-
-namespace vela {
-
-// A vector argument with the row that it addresses.
-struct VectorArgument {
-  TCAllVectorNonTemplBase* vector = nullptr;
-  int row = 0;
-
-  explicit operator bool() const { return vector != nullptr; }
-  bool IsRow(const TCAllVectorNonTemplBase* other, int other_row) const {
-    return vector == other && row == other_row;
-  }
-  // Whether the elements are real numbers.
-  bool IsReal() const;
-  std::size_t Size() const { return vector->RowSize(row); }
-};
-
-// A row's elements of any storage: the row itself when it is one buffer, else a copy. A row that is
-// not numeric (texts) is read as doubles, each by its own conversion. Throws std::bad_alloc.
-class RowElements {
- public:
-  explicit RowElements(const VectorArgument& source);
-  const ElementRun& Run() const { return run_; }
+  void RemoveRange(int row, std::size_t begin, std::size_t end);
 
  private:
-  ElementRun run_;
-  std::vector<double> copy_;
+  struct LentBuffer {
+    std::unique_ptr<unsigned char[]> bytes;
+    int row;
+    std::size_t size;
+  };
+
+  int AssignLayer(int row, const vela::Layer& source, unsigned options);
+  template <class Fill>
+  int FillSeeded(CTCall* call, Fill&& fill);
+  template <class Part>
+  int FillParts(CTCall* call, Part&& part);
+
+  std::vector<LentBuffer> lent_;
+  CStringUTF8 output_comment_;
 };
 
-// The argument as a vector: fails with 3 when it is something else, 28 for a bad row. NULL gives an
-// empty VectorArgument.
-VectorArgument OptionalVector(member::Arguments& args, unsigned arg);
-// The same, and NULL is status 3.
-VectorArgument RequiredVector(member::Arguments& args, unsigned arg);
-
-}  // namespace vela
+extern template class vela::ValueAccess<TCAllVectorNonTemplBase, TCAllTensorsBase>;

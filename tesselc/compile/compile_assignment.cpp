@@ -8,32 +8,34 @@ namespace tesselc {
 Value Compiler::AssignTo(Place target, std::optional<BinaryOperator> op, Value value,
                          const SourceRange& range) {
   if (target.is_const) Fail(range, "a constant cannot be changed");
-  switch (target.kind) {
-    case Place::Kind::kVariable:
-      return AssignVariable(std::move(target), op, std::move(value), range);
-    case Place::Kind::kElement:
-      return AssignElement(std::move(target), op, std::move(value), range);
-    case Place::Kind::kObject:
-      return AssignObject(std::move(target), op, std::move(value), range);
-    case Place::Kind::kProperty:
-      return AssignProperty(std::move(target), std::move(value), range);
-    case Place::Kind::kMatrixRow:
-      Fail(range, "an element of a matrix needs two indices");
-    default:
-      Fail(range, "what is left of the assignment cannot be assigned to");
+  if (target.Is<Place::Variable>()) {
+    return AssignVariable(std::move(target), op, std::move(value), range);
   }
+  if (target.Is<Place::Element>()) {
+    return AssignElement(std::move(target), op, std::move(value), range);
+  }
+  if (target.Is<Place::Object>()) {
+    return AssignObject(std::move(target), op, std::move(value), range);
+  }
+  if (target.Is<Place::Property>()) {
+    return AssignProperty(std::move(target), std::move(value), range);
+  }
+  Fail(range, target.Is<Place::MatrixRow>()
+                  ? "an element of a matrix needs two indices"
+                  : "what is left of the assignment cannot be assigned to");
 }
 
 Value Compiler::AssignVariable(Place target, std::optional<BinaryOperator> op, Value value,
                                const SourceRange& range) {
   const TypeName type = target.type.name;
+  const VariablePlace& variable = std::get<Place::Variable>(target.what).at;
   if (op) {
     // The short way, where the arithmetic is done in the variable's own type.
     const bool own = target.type.IsNumber() && value.type.IsNumber() && Promoted(type) == type &&
                      CommonNumber(type, value.type.name) == type;
     if (own) {
       NodePtr number = MakeConversion(value.type.name, type, std::move(value.node));
-      if (NodePtr node = MakeUpdate(type, target.variable, *op, number)) {
+      if (NodePtr node = MakeUpdate(type, variable, *op, number)) {
         return MakeValue(type, std::move(node));
       }
       value = MakeValue(type, std::move(number));
@@ -41,13 +43,14 @@ Value Compiler::AssignVariable(Place target, std::optional<BinaryOperator> op, V
     return UpdateVariable(std::move(target), *op, std::move(value), range);
   }
   value = Convert(std::move(value), target.type, range);
-  return MakeValue(type, MakeStore(type, target.variable, std::move(value.node)));
+  return MakeValue(type, MakeStore(type, variable, std::move(value.node)));
 }
 
 // As for an element, the operand is computed before the variable is read: it may change it.
 Value Compiler::UpdateVariable(Place target, BinaryOperator op, Value value,
                                const SourceRange& range) {
   const TypeName type = target.type.name;
+  const VariablePlace& variable = std::get<Place::Variable>(target.what).at;
   NodePtr first;
   if (value.type.IsScalar() && !IsPlain(value.type.name, *value.node)) {
     const StaticType operand_type = value.type;
@@ -55,9 +58,9 @@ Value Compiler::UpdateVariable(Place target, BinaryOperator op, Value value,
     first = MakeStore(operand_type.name, VariablePlace::Local(operand), std::move(value.node));
     value = Scratch(operand_type, operand);
   }
-  value = Combine(op, MakeValue(type, MakeLoad(type, target.variable)), std::move(value), range);
+  value = Combine(op, MakeValue(type, MakeLoad(type, variable)), std::move(value), range);
   value = Convert(std::move(value), target.type, range);
-  NodePtr store = MakeStore(type, target.variable, std::move(value.node));
+  NodePtr store = MakeStore(type, variable, std::move(value.node));
   if (first != nullptr) store = MakeComma(type, std::move(first), std::move(store));
   return MakeValue(type, std::move(store));
 }
@@ -70,7 +73,7 @@ Value Compiler::AssignElement(Place target, std::optional<BinaryOperator> op, Va
                               const SourceRange& range) {
   if (op) return UpdateElement(std::move(target), *op, std::move(value), false, range);
   const StaticType type = target.type;
-  const Carrier carrier = target.carrier;
+  auto& [carrier, element] = std::get<Place::Element>(target.what);
   NodePtr stored;
   if (carrier == kTextCarrier) {
     value = Convert(std::move(value), type, range);
@@ -78,7 +81,7 @@ Value Compiler::AssignElement(Place target, std::optional<BinaryOperator> op, Va
   } else {
     stored = Convert(std::move(value), type, range).node;
   }
-  return {type, carrier, MakeStoreElement(carrier, std::move(target.node), std::move(stored))};
+  return {type, carrier, MakeStoreElement(carrier, std::move(element), std::move(stored))};
 }
 
 // The operand is computed first, then the element is found once, read, combined and written.
@@ -96,13 +99,15 @@ Value Compiler::UpdateElement(Place target, BinaryOperator op, Value value, bool
   Value combined =
       Combine(op, Scratch(target.type, element), Scratch(operand_type, operand), range);
   combined = Convert(std::move(combined), target.type, range);
-  return MakeValue(type, MakeUpdateElement(type, std::move(target.node), element, std::move(first),
+  NodePtr& node = std::get<Place::Element>(target.what).node;
+  return MakeValue(type, MakeUpdateElement(type, std::move(node), element, std::move(first),
                                            std::move(combined.node), give_old));
 }
 
 Value Compiler::AssignObject(Place target, std::optional<BinaryOperator> op, Value value,
                              const SourceRange& range) {
   const StaticType type = target.type;
+  NodePtr& object = std::get<Place::Object>(target.what).node;
   if (value.type.is_null) Fail(range, "NULL cannot be assigned to " + Spelling(type));
   if (value.type.IsVoid()) Fail(range, "what is right of the assignment has no value");
   if (type.is_array || value.type.is_array) {
@@ -115,8 +120,8 @@ Value Compiler::AssignObject(Place target, std::optional<BinaryOperator> op, Val
     }
     NodePtr text = ToText(std::move(value), range);
     return {type, kObjectCarrier,
-            op ? MakeAppendText(std::move(target.node), std::move(text), range)
-               : MakeSetText(std::move(target.node), std::move(text), range)};
+            op ? MakeAppendText(std::move(object), std::move(text), range)
+               : MakeSetText(std::move(object), std::move(text), range)};
   }
   const unsigned code = op ? OperationCode(*op) : operation::kAssign;
   if (code == 0 || (op && !type.IsContainer() && !type.IsVariant())) {
@@ -124,7 +129,7 @@ Value Compiler::AssignObject(Place target, std::optional<BinaryOperator> op, Val
   }
   if (value.type.IsString() && type.IsVariant() && !op) {
     NodePtr text = ToText(std::move(value), range);
-    return {type, kObjectCarrier, MakeSetText(std::move(target.node), std::move(text), range)};
+    return {type, kObjectCarrier, MakeSetText(std::move(object), std::move(text), range)};
   }
   const bool scalar = value.type.IsNumber() || value.type.IsComplex();
   const bool fits = scalar ? type.IsContainer() || type.IsVariant()
@@ -138,17 +143,17 @@ Value Compiler::AssignObject(Place target, std::optional<BinaryOperator> op, Val
     Fail(range, "cannot convert " + Spelling(value.type) + " to " + Spelling(type));
   }
   return {type, kObjectCarrier,
-          MakeOperate(code, std::move(target.node), value.carrier, std::move(value.node), range)};
+          MakeOperate(code, std::move(object), value.carrier, std::move(value.node), range)};
 }
 
 Value Compiler::AssignProperty(Place target, Value value, const SourceRange& range) {
   const StaticType type = target.type;
-  const Carrier carrier = type.IsScalar()   ? type.name
-                          : type.IsString() ? kTextCarrier
-                                            : kObjectCarrier;
+  const Carrier carrier = CarrierOf(type);
   value = Convert(std::move(value), type, range);
   NodePtr node = carrier == kTextCarrier ? ToText(std::move(value), range) : std::move(value.node);
-  return {type, carrier, MakePropertySet(std::move(*target.property), carrier, std::move(node))};
+  return {type, carrier,
+          MakePropertySet(std::move(std::get<Place::Property>(target.what).use), carrier,
+                          std::move(node))};
 }
 
 }  // namespace tesselc

@@ -46,9 +46,8 @@ ParameterPtr Compiler::PassToParameter(Place place, const Signature::Parameter& 
     Fail(range, "NULL cannot be passed to " + Spelling(parameter.type));
   }
   if (parameter.by_reference) {
-    const bool fits = CanReferTo(parameter.type, place.type) && place.kind != Place::Kind::kValue &&
-                      place.kind != Place::Kind::kProperty;
-    if (fits) return PassByReference(std::move(place), parameter, range);
+    if (CanReferTo(parameter.type, place.type) && place.IsStored())
+      return PassByReference(std::move(place), parameter, range);
     if (!parameter.is_const) {
       Fail(range, "a reference to " + Spelling(parameter.type) + " needs a variable of that type");
     }
@@ -74,19 +73,17 @@ ParameterPtr Compiler::PassByReference(Place place, const Signature::Parameter& 
   if (place.is_const && !parameter.is_const) {
     Fail(range, "a constant cannot be passed by reference");
   }
-  switch (place.kind) {
-    case Place::Kind::kVariable:
-      return MakeVariableParameter(parameter.offset, place.variable);
-    case Place::Kind::kElement:
-      if (place.carrier != kTextCarrier) {
-        return MakeElementParameter(place.type.name, parameter.offset, std::move(place.node));
-      }
-      [[fallthrough]];
-    case Place::Kind::kMatrixRow:
-      return MakeReferenceParameter(parameter.offset, BindObject(std::move(place), range));
-    default:
-      return MakeBorrowedParameter(parameter.offset, std::move(place.node));
+  if (const auto* variable = std::get_if<Place::Variable>(&place.what)) {
+    return MakeVariableParameter(parameter.offset, variable->at);
   }
+  if (auto* object = std::get_if<Place::Object>(&place.what)) {
+    return MakeBorrowedParameter(parameter.offset, std::move(object->node));
+  }
+  auto* element = std::get_if<Place::Element>(&place.what);
+  if (element && element->carrier != kTextCarrier) {
+    return MakeElementParameter(place.type.name, parameter.offset, std::move(element->node));
+  }
+  return MakeReferenceParameter(parameter.offset, BindObject(std::move(place), range));
 }
 
 std::vector<PrintArgument> Compiler::CompilePrinted(const std::vector<ExpressionPtr>& arguments,

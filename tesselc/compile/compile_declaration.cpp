@@ -54,8 +54,9 @@ void Compiler::DeclareReference(const Variable& variable, const StaticType& type
     Fail(range, "a reference needs a variable to refer to");
   }
   Place target = Reach(*variable.initializer);
-  const bool object = target.kind == Place::Kind::kObject;
-  if ((!object && target.kind != Place::Kind::kVariable) || !CanReferTo(type, target.type)) {
+  auto* object = std::get_if<Place::Object>(&target.what);
+  const auto* scalar = std::get_if<Place::Variable>(&target.what);
+  if ((!object && !scalar) || !CanReferTo(type, target.type)) {
     Fail(variable.initializer->range,
          "a reference to " + Spelling(type) + " needs a variable of that type");
   }
@@ -64,9 +65,9 @@ void Compiler::DeclareReference(const Variable& variable, const StaticType& type
   }
   Symbol& symbol = DeclareVariable(variable.name, type, variable.type.is_const, true);
   if (object) {
-    out.push_back({MakeBindReference(symbol.object.offset, std::move(target.node)), range});
+    out.push_back({MakeBindReference(symbol.object.offset, std::move(object->node)), range});
   } else {
-    symbol.variable = target.variable;  // another name for the same place
+    symbol.variable = scalar->at;  // another name for the same place
   }
 }
 
@@ -140,10 +141,8 @@ void Compiler::InitializeObject(const Variable& variable, const Symbol& symbol,
     if (variable.arguments.size() > 1) Fail(range, "too many values for " + Spelling(symbol.type));
     value = variable.arguments.front().get();
   }
-  Place target;
-  target.kind = Place::Kind::kObject;
-  target.type = symbol.type;
-  target.node = LoadSymbol(symbol, variable.name.text, range);
+  Place target{symbol.type, false,
+               Place::Object{LoadSymbol(symbol, variable.name.text, range), &symbol}};
   Value source = CompileValue(*value);
   // A container starts as a value of its own type; a number would fill an existing one.
   if (symbol.type.IsContainer() && !source.type.IsContainer() && !source.type.IsVariant()) {
@@ -174,27 +173,15 @@ NodePtr Compiler::SetSize(const Symbol& symbol, std::vector<NodePtr> sizes,
 Place Compiler::ElementAt(const Symbol& symbol, const std::vector<std::size_t>& indices,
                           const SourceRange& range) {
   const auto index = [](std::size_t i) { return MakeConstant(static_cast<std::int64_t>(i)); };
-  Place base;
-  base.type = symbol.type;
-  base.kind = Place::Kind::kObject;
-  base.node = LoadSymbol(symbol, {}, range);
-  if (symbol.type.is_array) return IndexArray(std::move(base), index(indices[0]), range);
-  Place element;
-  element.kind = Place::Kind::kElement;
-  if (symbol.type.name == TypeName::kStringArray) {
-    element.type = StaticType::Of(TypeName::kString);
-    element.carrier = kTextCarrier;
-    element.node = MakeTextElement(std::move(base.node), index(indices[0]), range);
-    return element;
+  NodePtr object = LoadSymbol(symbol, {}, range);
+  if (symbol.type.is_array) {
+    Place array{symbol.type, false, Place::Object{std::move(object), &symbol}};
+    return IndexArray(std::move(array), index(indices[0]), range);
   }
-  element.type = StaticType::Of(symbol.type.element);
-  element.carrier = symbol.type.element;
-  element.node =
-      symbol.type.IsMatrix()
-          ? MakeMatrixCell(symbol.type.element, std::move(base.node), index(indices[0]),
-                           index(indices[1]), range)
-          : MakeVectorElement(symbol.type.element, std::move(base.node), index(indices[0]), range);
-  return element;
+  if (symbol.type.IsMatrix()) {
+    return CellOf(symbol.type, std::move(object), index(indices[0]), index(indices[1]), range);
+  }
+  return ElementOf(symbol.type, std::move(object), index(indices[0]), range);
 }
 
 void Compiler::InitializeByList(const InitializerList& list, const Symbol& symbol,

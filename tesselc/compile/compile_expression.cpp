@@ -6,14 +6,6 @@
 
 namespace tesselc {
 
-Place Compiler::AsPlace(Value value) {
-  Place place;
-  place.type = value.type;
-  place.carrier = value.carrier;
-  place.node = std::move(value.node);
-  return place;
-}
-
 Value Compiler::CompileValue(const Expression& expression) {
   return Load(Reach(expression), expression.range);
 }
@@ -24,24 +16,31 @@ Place Compiler::Reach(const Expression& expression) {
 }
 
 Value Compiler::Load(Place place, const SourceRange& range) {
-  switch (place.kind) {
-    case Place::Kind::kValue:
-    case Place::Kind::kElement:
-      return {place.type, place.carrier, std::move(place.node)};
-    case Place::Kind::kVariable:
-      return {place.type, place.type.name, MakeLoad(place.type.name, place.variable)};
-    case Place::Kind::kObject:
-      return {place.type, kObjectCarrier, std::move(place.node)};
-    case Place::Kind::kMatrixRow:
-      Fail(range, "an element of a matrix needs two indices");
-    default:
-      break;
-  }
   const StaticType type = place.type;
-  const Carrier carrier = type.IsScalar()   ? type.name
-                          : type.IsString() ? kTextCarrier
-                                            : kObjectCarrier;
-  return {type, carrier, MakePropertyGet(std::move(*place.property), carrier, ObjectTypeOf(type))};
+  return std::visit(
+      Overloaded{
+          [&](Place::Computed& value) -> Value {
+            return {type, value.carrier, std::move(value.node)};
+          },
+          [&](Place::Variable& variable) -> Value {
+            return {type, type.name, MakeLoad(type.name, variable.at)};
+          },
+          [&](Place::Element& element) -> Value {
+            return {type, element.carrier, std::move(element.node)};
+          },
+          [&](Place::Object& object) -> Value {
+            return {type, kObjectCarrier, std::move(object.node)};
+          },
+          [&](Place::MatrixRow&) -> Value {
+            Fail(range, "an element of a matrix needs two indices");
+          },
+          [&](Place::Property& property) -> Value {
+            const Carrier carrier = CarrierOf(type);
+            return {type, carrier,
+                    MakePropertyGet(std::move(property.use), carrier, ObjectTypeOf(type))};
+          },
+      },
+      place.what);
 }
 
 Place Compiler::Visit(const IntLiteral& literal, const SourceRange&) {
@@ -91,16 +90,11 @@ Place Compiler::Visit(const Name& name, const SourceRange& range) {
                     ? "'" + name.text + "' is a function; call it with ()"
                     : "there is no variable '" + name.text + "'");
   }
-  Place place;
-  place.type = symbol->type;
-  place.is_const = symbol->is_const;
-  place.symbol = symbol;
+  Place place{symbol->type, symbol->is_const, {}};
   if (symbol->type.IsScalar()) {
-    place.kind = Place::Kind::kVariable;
-    place.variable = symbol->variable;
+    place.what = Place::Variable{symbol->variable};
   } else {
-    place.kind = Place::Kind::kObject;
-    place.node = MakeLoadObject(symbol->object, name.text, range);
+    place.what = Place::Object{MakeLoadObject(symbol->object, name.text, range), symbol};
   }
   return place;
 }
@@ -202,8 +196,9 @@ Value Compiler::CompileLink(const SourceRange& first, Value left, const Binary::
 Place Compiler::Visit(const Assign& assign, const SourceRange&) {
   Value value = CompileValue(*assign.value);
   Place target = Reach(*assign.target);
-  const bool text = target.kind == Place::Kind::kElement && target.carrier == kTextCarrier;
-  if (assign.op && !target.is_const && (text || target.kind == Place::Kind::kProperty)) {
+  const auto* element = std::get_if<Place::Element>(&target.what);
+  const bool text = element && element->carrier == kTextCarrier;
+  if (assign.op && !target.is_const && (text || target.Is<Place::Property>())) {
     value = Combine(*assign.op, Load(std::move(target), assign.target->range), std::move(value),
                     assign.op_range);
     return AsPlace(
@@ -277,61 +272,60 @@ Value Compiler::ConstructScalar(const StaticType& type, const std::vector<Expres
 Place Compiler::Visit(const Index& index, const SourceRange& range) {
   Place base = Reach(*index.object);
   NodePtr number = ToIndex(*index.index);
-  Place element;
-  element.is_const = base.is_const;
-  if (base.kind == Place::Kind::kMatrixRow) {
-    element.kind = Place::Kind::kElement;
-    element.type = StaticType::Of(base.type.element == TypeName::kVoid ? TypeName::kDouble
-                                                                       : base.type.element);
-    element.carrier = element.type.name;
-    element.node = MakeMatrixCell(base.type.element, std::move(base.node), std::move(base.row),
-                                  std::move(number), range);
-    return element;
-  }
   const StaticType type = base.type;
-  if (type.is_array) return IndexArray(std::move(base), std::move(number), range);
-  if (!type.IsContainer() && !type.IsString() && type.name != TypeName::kStringArray) {
-    Fail(range, Spelling(type) + " cannot be indexed");
-  }
-  NodePtr object = ToObject(Load(std::move(base), index.object->range), index.object->range);
-  if (type.IsMatrix()) {
-    element.kind = Place::Kind::kMatrixRow;
-    element.type = type;
-    element.node = std::move(object);
-    element.row = std::move(number);
-    return element;
-  }
-  element.kind = Place::Kind::kElement;
-  if (type.IsVector()) {
-    element.type =
-        StaticType::Of(type.element == TypeName::kVoid ? TypeName::kDouble : type.element);
-    element.carrier = element.type.name;
-    element.node = MakeVectorElement(type.element, std::move(object), std::move(number), range);
-  } else if (type.IsString()) {
-    element.type = StaticType::Of(TypeName::kChar);
-    element.carrier = TypeName::kChar;
-    element.node = MakeTextChar(std::move(object), std::move(number), range);
+  const bool is_const = base.is_const;
+  Place element;
+  if (auto* row = std::get_if<Place::MatrixRow>(&base.what)) {
+    element = CellOf(type, std::move(row->matrix), std::move(row->row), std::move(number), range);
+  } else if (type.is_array) {
+    element = IndexArray(std::move(base), std::move(number), range);
   } else {
-    element.type = StaticType::Of(TypeName::kString);
-    element.carrier = kTextCarrier;
-    element.node = MakeTextElement(std::move(object), std::move(number), range);
+    if (!type.IsContainer() && !type.IsString() && type.name != TypeName::kStringArray) {
+      Fail(range, Spelling(type) + " cannot be indexed");
+    }
+    NodePtr object = ToObject(Load(std::move(base), index.object->range), index.object->range);
+    if (type.IsMatrix()) {
+      element = {type, false, Place::MatrixRow{std::move(object), std::move(number)}};
+    } else {
+      element = ElementOf(type, std::move(object), std::move(number), range);
+    }
   }
+  element.is_const = is_const;
   return element;
 }
 
 Place Compiler::IndexArray(Place base, NodePtr index, const SourceRange& range) {
-  Place item;
-  item.is_const = base.is_const;
-  item.type = base.type.Item();
-  if (item.type.IsScalar()) {
-    item.kind = Place::Kind::kElement;
-    item.carrier = item.type.name;
-    item.node = MakeArrayElement(item.type.name, std::move(base.node), std::move(index), range);
-  } else {
-    item.kind = Place::Kind::kObject;
-    item.node = MakeArrayItem(std::move(base.node), std::move(index), range);
+  const StaticType type = base.type.Item();
+  NodePtr array = Load(std::move(base), range).node;
+  if (!type.IsScalar()) {
+    return {type, false,
+            Place::Object{MakeArrayItem(std::move(array), std::move(index), range), nullptr}};
   }
-  return item;
+  return {type, false,
+          Place::Element{type.name,
+                         MakeArrayElement(type.name, std::move(array), std::move(index), range)}};
+}
+
+Place Compiler::ElementOf(const StaticType& container, NodePtr object, NodePtr index,
+                          const SourceRange& range) {
+  const StaticType type = ElementType(container);
+  NodePtr node;
+  if (container.IsVector()) {
+    node = MakeVectorElement(container.element, std::move(object), std::move(index), range);
+  } else if (container.IsString()) {
+    node = MakeTextChar(std::move(object), std::move(index), range);
+  } else {
+    node = MakeTextElement(std::move(object), std::move(index), range);
+  }
+  return {type, false, Place::Element{CarrierOf(type), std::move(node)}};
+}
+
+Place Compiler::CellOf(const StaticType& matrix, NodePtr object, NodePtr row, NodePtr column,
+                       const SourceRange& range) {
+  const StaticType type = ElementType(matrix);
+  return {type, false,
+          Place::Element{type.name, MakeMatrixCell(matrix.element, std::move(object),
+                                                   std::move(row), std::move(column), range)}};
 }
 
 Place Compiler::Visit(const InitializerList&, const SourceRange& range) {

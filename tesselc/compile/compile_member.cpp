@@ -38,7 +38,7 @@ int Fit(const CatalogueMember& member, const std::vector<Place>& arguments) {
   }
   for (std::size_t i = 0; i < std::min(given, member.parameters.size()); ++i) {
     if (member.parameters[i].variadic) break;
-    const bool is_place = arguments[i].kind != Place::Kind::kValue;
+    const bool is_place = !arguments[i].Is<Place::Computed>();
     const int fit = Fit(member.parameters[i], arguments[i].type, is_place);
     total += fit < 0 ? -50 : fit;
   }
@@ -50,8 +50,7 @@ int Fit(const CatalogueMember& member, const std::vector<Place>& arguments) {
 MemberUse Compiler::UseMember(const Expression& object, const Identifier& member, StaticType& type,
                               std::vector<const CatalogueMember*>& found) {
   Place place = Reach(object);
-  if (place.kind == Place::Kind::kValue && place.type.is_null)
-    Fail(object.range, "NULL is no object");
+  if (place.type.is_null) Fail(object.range, "NULL is no object");
   type = place.type;
   type.is_array = false;
   const Catalogue& catalogue = Catalogue::Get();
@@ -70,25 +69,31 @@ MemberUse Compiler::UseMember(const Expression& object, const Identifier& member
 }
 
 BindingPtr Compiler::BindObject(Place place, const SourceRange& range) {
-  switch (place.kind) {
-    case Place::Kind::kVariable:
-      return MakeVariableBinding(place.type.name, place.variable, range);
-    case Place::Kind::kElement:
-      return MakeElementBinding(place.carrier, std::move(place.node), range);
-    case Place::Kind::kMatrixRow:
-      return MakeObjectBinding(MakeArrayItem(std::move(place.node), std::move(place.row), range));
-    case Place::Kind::kProperty: {
-      Value value = Load(std::move(place), range);
-      return BindObject(AsPlace(std::move(value)), range);
-    }
-    default:
-      break;
-  }
-  if (place.kind == Place::Kind::kObject || place.carrier == kObjectCarrier) {
-    return MakeObjectBinding(std::move(place.node));
-  }
-  if (place.carrier == TypeName::kVoid) Fail(range, "this has no value");
-  return MakeValueBinding(place.carrier, std::move(place.node), range);
+  const auto bind_value = [&](Carrier carrier, NodePtr node) {
+    if (carrier == kObjectCarrier) return MakeObjectBinding(std::move(node));
+    if (carrier == TypeName::kVoid) Fail(range, "this has no value");
+    return MakeValueBinding(carrier, std::move(node), range);
+  };
+  return std::visit(
+      Overloaded{
+          [&](Place::Computed& value) { return bind_value(value.carrier, std::move(value.node)); },
+          [&](Place::Variable& variable) {
+            return MakeVariableBinding(place.type.name, variable.at, range);
+          },
+          [&](Place::Element& element) {
+            return MakeElementBinding(element.carrier, std::move(element.node), range);
+          },
+          [&](Place::Object& object) { return MakeObjectBinding(std::move(object.node)); },
+          [&](Place::MatrixRow& matrix) {
+            return MakeObjectBinding(
+                MakeArrayItem(std::move(matrix.matrix), std::move(matrix.row), range));
+          },
+          [&](Place::Property&) {
+            Value value = Load(std::move(place), range);
+            return bind_value(value.carrier, std::move(value.node));
+          },
+      },
+      place.what);
 }
 
 ArgumentPtr Compiler::PassArgument(Place place, const Parameter* parameter,
@@ -98,11 +103,11 @@ ArgumentPtr Compiler::PassArgument(Place place, const Parameter* parameter,
   const bool by_reference =
       parameter && (parameter->type.is_reference || parameter->type.name == TypeName::kBuffer ||
                     parameter->variadic);
-  const bool object = place.kind == Place::Kind::kObject || place.kind == Place::Kind::kMatrixRow ||
-                      (place.kind == Place::Kind::kValue && place.carrier == kObjectCarrier);
+  const auto* value_place = std::get_if<Place::Computed>(&place.what);
+  const bool object = place.Is<Place::Object>() || place.Is<Place::MatrixRow>() ||
+                      (value_place && value_place->carrier == kObjectCarrier);
   if (object) return MakeObjectArgument(BindObject(std::move(place), range), by_reference);
-  const bool writable = place.kind != Place::Kind::kValue && place.kind != Place::Kind::kProperty &&
-                        by_reference && !parameter->variadic;
+  const bool writable = place.IsStored() && by_reference && !parameter->variadic;
   if (writable && place.is_const && !parameter->type.is_const) {
     Fail(range, "a constant cannot be passed by reference");
   }
@@ -164,12 +169,7 @@ Place Compiler::Visit(const Member& access, const SourceRange& range) {
   if (member.is_method) {
     Fail(access.member.range, "'" + access.member.text + "' is a function; call it with ()");
   }
-  Place place;
-  place.kind = Place::Kind::kProperty;
-  place.type = Resolve(member.type);
-  place.is_const = member.IsReadOnly();
-  place.property = std::move(use);
-  return place;
+  return {Resolve(member.type), member.IsReadOnly(), Place::Property{std::move(use)}};
 }
 
 Place Compiler::Visit(const MemberCall& call, const SourceRange& range) {
@@ -183,10 +183,7 @@ Place Compiler::Visit(const MemberCall& call, const SourceRange& range) {
   PassArguments(use, call.arguments, found);
   // Overloads differ in their parameters, not in their results.
   const StaticType type = ResultType(*found.front());
-  const Carrier carrier = type.IsVoid()     ? TypeName::kVoid
-                          : type.IsScalar() ? type.name
-                          : type.IsString() ? kTextCarrier
-                                            : kObjectCarrier;
+  const Carrier carrier = CarrierOf(type);
   return AsPlace({type, carrier, MakeMethodCall(std::move(use), carrier, ObjectTypeOf(type))});
 }
 

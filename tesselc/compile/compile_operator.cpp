@@ -239,15 +239,15 @@ Value Compiler::Step(UnaryOperator op, const Expression& operand, const SourceRa
   if (!place.type.IsNumber()) {
     Fail(range, std::string(up ? "++" : "--") + " cannot be applied to " + Spelling(place.type));
   }
-  if (place.kind == Place::Kind::kVariable) {
-    return MakeValue(place.type.name, MakeStep(place.type.name, place.variable, up, old));
+  if (const auto* variable = std::get_if<Place::Variable>(&place.what)) {
+    return MakeValue(place.type.name, MakeStep(place.type.name, variable->at, up, old));
   }
   Value one = MakeValue(TypeName::kInt, MakeConstant(1));
   const BinaryOperator add = up ? BinaryOperator::kAdd : BinaryOperator::kSubtract;
-  if (place.kind == Place::Kind::kElement) {
+  if (place.Is<Place::Element>()) {
     return UpdateElement(std::move(place), add, std::move(one), old, range);
   }
-  if (place.kind == Place::Kind::kProperty) {
+  if (place.Is<Place::Property>()) {
     Value next = Combine(add, Load(std::move(place), range), std::move(one), range);
     Value stored = AssignTo(Reach(operand), std::nullopt, std::move(next), range);
     if (!old) return stored;

@@ -76,11 +76,7 @@ Signature MakeSignature(const Function& function) {
     signature.parameters.push_back(parameter);
   }
   signature.compiled.name = function.name.text;
-  const StaticType& result = signature.result;
-  signature.compiled.result = result.IsVoid()     ? TypeName::kVoid
-                              : result.IsScalar() ? result.name
-                              : result.IsString() ? kTextCarrier
-                                                  : kObjectCarrier;
+  signature.compiled.result = CarrierOf(signature.result);
   return signature;
 }
 

@@ -137,18 +137,9 @@ NodePtr Compiler::Visit(const RangeFor& statement, const SourceRange&) {
   loop.position = context_.layout->Allocate(sizeof(std::int64_t));
   loop.where = where;
   const auto element = [&] {
-    Place place;
-    place.kind = Place::Kind::kElement;
-    place.type = StaticType::Of(texts                               ? TypeName::kString
-                                : walked.element == TypeName::kVoid ? TypeName::kDouble
-                                                                    : walked.element);
-    place.carrier = texts ? kTextCarrier : place.type.name;
     NodePtr object = MakeLoadObject(ObjectPlace::Reference(loop.object), {}, where);
     NodePtr index = MakeLoad(TypeName::kInt64, VariablePlace::Local(loop.position));
-    place.node =
-        texts ? MakeTextElement(std::move(object), std::move(index), where)
-              : MakeVectorElement(walked.element, std::move(object), std::move(index), where);
-    return place;
+    return ElementOf(walked, std::move(object), std::move(index), where);
   };
 
   const StaticType type = Resolve(statement.type);
@@ -250,9 +241,10 @@ Value Compiler::CompileReturned(const Expression& expression, const StaticType& 
   const SourceRange& range = expression.range;
   Place place = Reach(expression);
   // An object of the function's own goes to the caller as it is.
-  const bool own = place.kind == Place::Kind::kObject && place.symbol && place.type == type &&
-                   place.symbol->object.mode == ObjectPlace::Mode::kLocal;
-  if (own && !type.IsString()) return {type, kObjectCarrier, MakeKeep(std::move(place.node))};
+  auto* object = std::get_if<Place::Object>(&place.what);
+  const bool own = object && object->variable && place.type == type &&
+                   object->variable->object.mode == ObjectPlace::Mode::kLocal;
+  if (own && !type.IsString()) return {type, kObjectCarrier, MakeKeep(std::move(object->node))};
   Value value = Load(std::move(place), range);
   if (type.IsScalar()) return Convert(std::move(value), type, range);
   if (type.IsString()) {

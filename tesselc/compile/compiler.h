@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "tesselc/catalogue.h"
@@ -29,23 +30,45 @@ struct Value {
 
 // What an expression reaches: something that can be assigned to or referred to, or just a value.
 struct Place {
-  enum class Kind {
-    kValue,
-    kVariable,   // a scalar variable
-    kElement,    // a scalar or a text inside an object; node is an ElementNode
-    kObject,     // an object in a variable, or an item of an array of objects
-    kMatrixRow,  // a matrix with one index: a cell with another one, a layer before a member
-    kProperty,
+  struct Computed {  // just a value
+    Carrier carrier;
+    NodePtr node;
   };
-  Kind kind = Kind::kValue;
+  struct Variable {  // of a scalar type
+    VariablePlace at;
+  };
+  struct Element {  // a scalar or a text inside an object
+    Carrier carrier;
+    NodePtr node;  // an ElementNode
+  };
+  struct Object {  // an object in a variable, or an item of an array of objects
+    NodePtr node;
+    const Symbol* variable;  // when the expression is just its name, else null
+  };
+  struct MatrixRow {  // a matrix with one index: a cell with another one, a layer before a member
+    NodePtr matrix;
+    NodePtr row;
+  };
+  struct Property {
+    MemberUse use;
+  };
+
   StaticType type;
   bool is_const = false;
-  Carrier carrier = TypeName::kVoid;  // of kValue and kElement
-  NodePtr node;                       // all but kVariable and kProperty
-  VariablePlace variable;
-  const Symbol* symbol = nullptr;  // the variable, when the expression is just its name
-  NodePtr row;                     // of kMatrixRow: the index
-  std::optional<MemberUse> property;
+  std::variant<Computed, Variable, Element, Object, MatrixRow, Property> what;
+
+  template <class Kind>
+  bool Is() const {
+    return std::holds_alternative<Kind>(what);
+  }
+  // Something of the script's own, rather than a value that is computed.
+  bool IsStored() const { return !Is<Computed>() && !Is<Property>(); }
+};
+
+// One function object of several, to visit a variant with.
+template <class... F>
+struct Overloaded : F... {
+  using F::operator()...;
 };
 
 // A function's declaration, known before any body is compiled.
@@ -169,6 +192,11 @@ class Compiler {
   Value ConstructScalar(const StaticType& type, const std::vector<ExpressionPtr>& arguments,
                         const SourceRange& range);
   Place IndexArray(Place base, NodePtr index, const SourceRange& range);
+  // An element of a vector, a text or a text array.
+  static Place ElementOf(const StaticType& container, NodePtr object, NodePtr index,
+                         const SourceRange& range);
+  static Place CellOf(const StaticType& matrix, NodePtr object, NodePtr row, NodePtr column,
+                      const SourceRange& range);
   const Symbol* FindSymbol(std::string_view name) const;
 
   // --- compile_conversion.cpp
@@ -258,7 +286,9 @@ class Compiler {
   [[noreturn]] static void Fail(const SourceRange& range, std::string message) {
     throw ScriptMistake(range, std::move(message));
   }
-  static Place AsPlace(Value value);
+  static Place AsPlace(Value value) {
+    return {value.type, false, Place::Computed{value.carrier, std::move(value.node)}};
+  }
   static Value MakeValue(TypeName scalar, NodePtr node) {
     return {StaticType::Of(scalar), scalar, std::move(node)};
   }

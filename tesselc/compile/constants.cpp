@@ -3,11 +3,11 @@
 namespace tesselc {
 namespace {
 
-struct Row {
+struct FileFlag {
   std::string_view name;
   int value;
 };
-constexpr Row kFileFlags[] = {
+constexpr FileFlag kFileFlags[] = {
     {"modeRead", 0},          {"modeWrite", 1},
     {"modeReadWrite", 2},     {"shareExclusive", 0x10},
     {"shareDenyWrite", 0x20}, {"shareDenyRead", 0x30},
@@ -20,7 +20,7 @@ constexpr Row kFileFlags[] = {
 
 std::optional<int> FindConstant(TypeName scope, std::string_view name) {
   if (scope != TypeName::kFile && scope != TypeName::kStdioFile) return std::nullopt;
-  for (const Row& row : kFileFlags) {
+  for (const FileFlag& row : kFileFlags) {
     if (row.name == name) return row.value;
   }
   return std::nullopt;

@@ -39,6 +39,18 @@ std::string Spelling(const StaticType& type) {
   return Spelling(written) + (type.is_array ? "[]" : "");
 }
 
+Carrier CarrierOf(const StaticType& type) {
+  if (type.IsVoid() || type.IsScalar()) return type.name;
+  return type.IsString() ? kTextCarrier : kObjectCarrier;
+}
+
+StaticType ElementType(const StaticType& container) {
+  if (container.IsString()) return StaticType::Of(TypeName::kChar);
+  if (container.name == TypeName::kStringArray) return StaticType::Of(TypeName::kString);
+  return StaticType::Of(container.element == TypeName::kVoid ? TypeName::kDouble
+                                                             : container.element);
+}
+
 namespace {
 
 unsigned TypeWord(const StaticType& type) {

@@ -42,6 +42,10 @@ struct StaticType {
 // what cannot be used yet.
 StaticType Resolve(const Type& type);
 std::string Spelling(const StaticType& type);
+// How a value of the type is handed over by what computes it: strings as texts.
+Carrier CarrierOf(const StaticType& type);
+// The type of one element of a container, a text or a text array.
+StaticType ElementType(const StaticType& container);
 ObjectType ObjectTypeOf(const StaticType& type);
 
 // Whether a reference to `parameter` can refer to an object of type `argument`.

@@ -14,9 +14,9 @@ namespace {
 
 // An operator on two operands of T whose value is a Result.
 template <class T, class Result, class Op, class Left, class Right>
-class Binary final : public ValueNode<Result> {
+class BinaryNode final : public ValueNode<Result> {
  public:
-  Binary(Left left, Right right) : left_(std::move(left)), right_(std::move(right)) {}
+  BinaryNode(Left left, Right right) : left_(std::move(left)), right_(std::move(right)) {}
   Result Eval(Frame& frame) override {
     const T left = left_.Get(frame);
     return Op::template Apply<T>(left, right_.Get(frame));
@@ -31,7 +31,7 @@ template <class T, class Result, class Op>
 NodePtr MakeBinary(NodePtr left, NodePtr right) {
   return WithLeftOperand<T>(std::move(left), [&](auto l) {
     return WithRightOperand<T>(std::move(right), [&](auto r) {
-      using Node = Binary<T, Result, Op, decltype(l), decltype(r)>;
+      using Node = BinaryNode<T, Result, Op, decltype(l), decltype(r)>;
       return NodePtr(new Node(std::move(l), std::move(r)));
     });
   });
@@ -41,7 +41,7 @@ NodePtr MakeBinary(NodePtr left, NodePtr right) {
 template <class T, class Op>
 NodePtr MakePlainBinary(NodePtr left, NodePtr right) {
   using Operand = AnyOperand<T>;
-  using Node = Binary<T, T, Op, Operand, Operand>;
+  using Node = BinaryNode<T, T, Op, Operand, Operand>;
   return NodePtr(new Node(Operand{As<T>(std::move(left))}, Operand{As<T>(std::move(right))}));
 }
 

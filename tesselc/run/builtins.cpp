@@ -15,10 +15,10 @@ double Max(double a, double b) { return a < b ? b : a; }
 bool IsNan(double x) { return std::isnan(x); }
 bool IsMissing(double x) { return x == kMissingValue; }
 
-constexpr MathFunction Unary(std::string_view name, double (*function)(double)) {
+constexpr MathFunction OfOne(std::string_view name, double (*function)(double)) {
   return {name, function, nullptr, nullptr};
 }
-constexpr MathFunction Binary(std::string_view name, double (*function)(double, double)) {
+constexpr MathFunction OfTwo(std::string_view name, double (*function)(double, double)) {
   return {name, nullptr, function, nullptr};
 }
 constexpr MathFunction Test(std::string_view name, bool (*function)(double)) {
@@ -26,14 +26,14 @@ constexpr MathFunction Test(std::string_view name, bool (*function)(double)) {
 }
 
 const MathFunction kMathFunctions[] = {
-    Unary("abs", std::fabs),   Unary("sqrt", std::sqrt),   Unary("exp", std::exp),
-    Unary("log", std::log),    Unary("log10", std::log10), Unary("sin", std::sin),
-    Unary("cos", std::cos),    Unary("tan", std::tan),     Unary("asin", std::asin),
-    Unary("acos", std::acos),  Unary("atan", std::atan),   Unary("sinh", std::sinh),
-    Unary("cosh", std::cosh),  Unary("tanh", std::tanh),   Unary("floor", std::floor),
-    Unary("ceil", std::ceil),  Unary("round", std::round), Binary("atan2", std::atan2),
-    Binary("fmod", std::fmod), Binary("pow", std::pow),    Binary("min", Min),
-    Binary("max", Max),        Test("isnan", IsNan),       Test("ismissing", IsMissing),
+    OfOne("abs", std::fabs),  OfOne("sqrt", std::sqrt),   OfOne("exp", std::exp),
+    OfOne("log", std::log),   OfOne("log10", std::log10), OfOne("sin", std::sin),
+    OfOne("cos", std::cos),   OfOne("tan", std::tan),     OfOne("asin", std::asin),
+    OfOne("acos", std::acos), OfOne("atan", std::atan),   OfOne("sinh", std::sinh),
+    OfOne("cosh", std::cosh), OfOne("tanh", std::tanh),   OfOne("floor", std::floor),
+    OfOne("ceil", std::ceil), OfOne("round", std::round), OfTwo("atan2", std::atan2),
+    OfTwo("fmod", std::fmod), OfTwo("pow", std::pow),     OfTwo("min", Min),
+    OfTwo("max", Max),        Test("isnan", IsNan),       Test("ismissing", IsMissing),
 };
 
 class UnaryCall final : public Expr<UnaryCall, double> {

@@ -14,214 +14,204 @@ using IndexPtr = ValuePtr<std::int64_t>;
 
 constexpr std::int64_t kMaxIndex = std::numeric_limits<std::int32_t>::max();
 
-// Throws unless the index is below the size of the addressed row, or of the whole object.
-std::int32_t CheckRowIndex(const ObjectValue& row, std::int64_t index, const SourceRange& where) {
-  int upper = -1;
-  CheckStatus(row.object->GetUpperBound(row.At(), upper), "get the size", where);
-  if (index < 0 || index > upper) ThrowIndexError(where, index, std::int64_t{upper} + 1);
-  return static_cast<std::int32_t>(index);
+bool IsIndex(std::int64_t index) { return index >= 0 && index <= kMaxIndex; }
+void CheckIndex(std::int64_t index, std::int64_t size, const SourceRange& where) {
+  if (index < 0 || index >= size) ThrowIndexError(where, index, size);
 }
 
-ElementSpot SpotIn(ObjectValue&& container, void* address, const MSOINDICES& at) {
-  return {address, container.object, at, std::move(container.keep)};
+CStringUTF8 ReadText(CScriptVelaObject& object, const MSOINDICES* at, const SourceRange& where) {
+  CStringUTF8 text;
+  CheckStatus(object.GetString(at, text), "get the text", where);
+  return text;
 }
 
-// What the kinds of element have in common; Self supplies Find.
-template <class Self, class T>
-class ElementBase : public ElementNode<T> {
+// --- How indices pick: the indices themselves, the record that addresses the element, whether it
+// exists, and its memory: null where there is none to see.
+
+// An element of the addressed row, or of the whole object.
+class RowIndex {
  public:
-  Flow Exec(Frame& frame) final {
-    self().Find(frame);
-    return Flow::kNext;
-  }
-  T Eval(Frame& frame) override { return self().Load(self().Find(frame)); }
+  using Index = std::int64_t;
 
- private:
-  Self& self() { return static_cast<Self&>(*this); }
-};
-
-// Elements that are scalars: in memory where it can be seen, else through the object.
-template <class Self, class T>
-class ScalarElement : public ElementBase<Self, T> {
- public:
-  T Load(const ElementSpot& spot) final {
-    if (spot.address) return *static_cast<T*>(spot.address);
-    T value{};
-    if constexpr (std::is_arithmetic_v<T> || std::is_same_v<T, OneTCcomplex>) {
-      CheckStatus(spot.object->GetNumericValue(&spot.at, value), "read the element", where_);
-    } else {
-      CheckStatus(spot.object->GetPointValue(&spot.at, value), "read the element", where_);
-    }
-    return value;
+  RowIndex(IndexPtr index, SourceRange where) : index_(std::move(index)), where_(where) {}
+  Index Evaluate(Frame& frame) { return index_->Eval(frame); }
+  MSOINDICES Record(const ObjectValue& row, Index index) const {
+    return row.at.WithElement(static_cast<std::int32_t>(index));
   }
-  void Store(const ElementSpot& spot, const T& value) final {
-    if (spot.address) {
-      *static_cast<T*>(spot.address) = value;
-      return;
-    }
-    CheckStatus(spot.object->SetNumericValue(&spot.at, value), "set the element", where_);
+  void Check(const ObjectValue& row, Index index) const {
+    int upper = -1;
+    CheckStatus(row.object->GetUpperBound(row.At(), upper), "get the size", where_);
+    CheckIndex(index, std::int64_t{upper} + 1, where_);
   }
-
- protected:
-  explicit ScalarElement(SourceRange where) : where_(where) {}
+  void* Address(const ObjectValue& row, Index index) const {
+    if (!IsIndex(index)) return nullptr;
+    return row.object->GetArrayElement(row.At(), static_cast<int>(index));
+  }
   const SourceRange& where() const { return where_; }
 
  private:
+  IndexPtr index_;
   SourceRange where_;
 };
 
-template <class T>
-class VectorElement final : public ScalarElement<VectorElement<T>, T> {
+// A scalar of an array of them.
+class ArrayIndex : public RowIndex {
  public:
-  VectorElement(ObjectPtr object, IndexPtr index, bool typed, SourceRange where)
-      : ScalarElement<VectorElement, T>(where),
-        object_(std::move(object)),
-        index_(std::move(index)),
-        typed_(typed) {}
-
-  T Eval(Frame& frame) override {
-    ObjectValue row = object_->Eval(frame);
-    const std::int64_t index = index_->Eval(frame);
-    if (void* address = Address(row, index)) return *static_cast<T*>(address);
-    return this->Load(FindSlowly(std::move(row), index));
+  using RowIndex::RowIndex;
+  MSOINDICES Record(const ObjectValue&, Index index) const {
+    return MSOINDICES::Object(static_cast<std::int32_t>(index));
   }
-  ElementSpot Find(Frame& frame) override {
-    ObjectValue row = object_->Eval(frame);
-    const std::int64_t index = index_->Eval(frame);
-    void* address = Address(row, index);
-    if (!address) return FindSlowly(std::move(row), index);
-    const MSOINDICES at = row.at.WithElement(static_cast<std::int32_t>(index));
-    return SpotIn(std::move(row), address, at);
+  void Check(const ObjectValue& array, Index index) const {
+    CheckIndex(index, array.object->GetArraySize(), where());
   }
-
- private:
-  void* Address(const ObjectValue& row, std::int64_t index) const {
-    if (!typed_ || index < 0 || index > kMaxIndex) return nullptr;
-    return row.object->GetArrayElement(row.At(), static_cast<int>(index));
-  }
-  // The index is outside, or the elements are not in memory.
-  ElementSpot FindSlowly(ObjectValue&& row, std::int64_t index) {
-    const MSOINDICES at = row.at.WithElement(CheckRowIndex(row, index, this->where()));
-    return SpotIn(std::move(row), nullptr, at);
-  }
-
-  ObjectPtr object_;
-  IndexPtr index_;
-  bool typed_;  // the elements in memory are of type T
 };
 
-template <class T>
-class MatrixCell final : public ScalarElement<MatrixCell<T>, T> {
+// A byte of a text.
+class CharIndex : public RowIndex {
  public:
-  MatrixCell(ObjectPtr object, IndexPtr row, IndexPtr column, SourceRange where)
-      : ScalarElement<MatrixCell, T>(where),
-        object_(std::move(object)),
-        row_(std::move(row)),
-        column_(std::move(column)) {}
+  using RowIndex::RowIndex;
+  void Check(const ObjectValue& text, Index index) const {
+    CheckIndex(index, ReadText(*text.object, text.At(), where()).GetLength(), where());
+  }
+};
 
-  ElementSpot Find(Frame& frame) override {
-    ObjectValue layer = object_->Eval(frame);
+// A cell of a matrix. Its row is addressed as an element of the layer, and the cell as one of the
+// row.
+class CellIndex {
+ public:
+  struct Index {
+    std::int64_t row, column;
+  };
+
+  CellIndex(IndexPtr row, IndexPtr column, SourceRange where)
+      : row_(std::move(row)), column_(std::move(column)), where_(where) {}
+  Index Evaluate(Frame& frame) {
     const std::int64_t row = row_->Eval(frame);
-    const std::int64_t column = column_->Eval(frame);
+    return {row, column_->Eval(frame)};
+  }
+  MSOINDICES Record(const ObjectValue& layer, const Index& cell) const {
+    return layer.at.WithCell(static_cast<std::int32_t>(cell.row),
+                             static_cast<std::int32_t>(cell.column));
+  }
+  void Check(const ObjectValue& layer, const Index& cell) const {
     int rows = 0, columns = 0;
     layer.object->GetMatrixDimensions(&rows, &columns, layer.At());
-    if (row < 0 || row >= rows) ThrowIndexError(this->where(), row, rows);
-    if (column < 0 || column >= columns) ThrowIndexError(this->where(), column, columns);
-    const MSOINDICES at =
-        layer.at.WithCell(static_cast<std::int32_t>(row), static_cast<std::int32_t>(column));
-    return SpotIn(std::move(layer), nullptr, at);
+    CheckIndex(cell.row, rows, where_);
+    CheckIndex(cell.column, columns, where_);
   }
+  void* Address(const ObjectValue& layer, const Index& cell) const {
+    if (!IsIndex(cell.row) || !IsIndex(cell.column)) return nullptr;
+    const MSOINDICES row = layer.at.WithElement(static_cast<std::int32_t>(cell.row));
+    return layer.object->GetArrayElement(&row, static_cast<int>(cell.column));
+  }
+  const SourceRange& where() const { return where_; }
 
  private:
-  ObjectPtr object_;
   IndexPtr row_, column_;
+  SourceRange where_;
 };
+
+// --- What an element holds, and how the object gives it away where its memory is not to be seen.
 
 template <class T>
-class ArrayElement final : public ScalarElement<ArrayElement<T>, T> {
- public:
-  ArrayElement(ObjectPtr object, IndexPtr index, SourceRange where)
-      : ScalarElement<ArrayElement, T>(where),
-        object_(std::move(object)),
-        index_(std::move(index)) {}
+struct Scalar {
+  using Value = T;
 
-  ElementSpot Find(Frame& frame) override {
-    ObjectValue array = object_->Eval(frame);
-    const std::int64_t index = index_->Eval(frame);
-    const int count = array.object->GetArraySize();
-    if (index < 0 || index >= count) ThrowIndexError(this->where(), index, count);
-    void* first = nullptr;
-    const bool seen = array.object->GetExternalData(&first) == status::kOk && first != nullptr;
-    return SpotIn(std::move(array), seen ? static_cast<T*>(first) + index : nullptr,
-                  MSOINDICES::Object(static_cast<std::int32_t>(index)));
+  static T Load(CScriptVelaObject& object, const MSOINDICES& at, const SourceRange& where) {
+    T value{};
+    if constexpr (std::is_arithmetic_v<T> || std::is_same_v<T, OneTCcomplex>) {
+      CheckStatus(object.GetNumericValue(&at, value), "read the element", where);
+    } else {
+      CheckStatus(object.GetPointValue(&at, value), "read the element", where);
+    }
+    return value;
   }
-
- private:
-  ObjectPtr object_;
-  IndexPtr index_;
+  static void Store(CScriptVelaObject& object, const MSOINDICES& at, const T& value,
+                    const SourceRange& where) {
+    CheckStatus(object.SetNumericValue(&at, value), "set the element", where);
+  }
 };
 
-class TextChar final : public ElementBase<TextChar, char> {
- public:
-  TextChar(ObjectPtr object, IndexPtr index, SourceRange where)
-      : object_(std::move(object)), index_(std::move(index)), where_(where) {}
+struct Text {
+  using Value = CStringUTF8;
 
-  ElementSpot Find(Frame& frame) override {
-    ObjectValue text = object_->Eval(frame);
-    const std::int64_t index = index_->Eval(frame);
-    const int length = Read(text.object, text.At()).GetLength();
-    if (index < 0 || index >= length) ThrowIndexError(where_, index, length);
-    const MSOINDICES at = text.at.WithElement(static_cast<std::int32_t>(index));
-    return SpotIn(std::move(text), nullptr, at);
+  static CStringUTF8 Load(CScriptVelaObject& object, const MSOINDICES& at,
+                          const SourceRange& where) {
+    return ReadText(object, &at, where);
   }
-  char Load(const ElementSpot& spot) override {
-    const MSOINDICES whole = Whole(spot.at);
-    return Read(spot.object, &whole).GetAt(spot.at.element);
+  static void Store(CScriptVelaObject& object, const MSOINDICES& at, const CStringUTF8& value,
+                    const SourceRange& where) {
+    CheckStatus(object.SetStringValue(&at, value), "set the element", where);
   }
-  void Store(const ElementSpot& spot, const char& value) override {
-    const MSOINDICES whole = Whole(spot.at);
-    CStringUTF8 text = Read(spot.object, &whole);
-    text.SetAt(spot.at.element, value);
-    CheckStatus(spot.object->SetStringValue(&whole, text), "set a character", where_);
+};
+
+struct CharOfText {
+  using Value = char;
+
+  static char Load(CScriptVelaObject& object, const MSOINDICES& at, const SourceRange& where) {
+    const MSOINDICES whole = Whole(at);
+    return ReadText(object, &whole, where).GetAt(at.element);
+  }
+  static void Store(CScriptVelaObject& object, const MSOINDICES& at, char value,
+                    const SourceRange& where) {
+    const MSOINDICES whole = Whole(at);
+    CStringUTF8 text = ReadText(object, &whole, where);
+    text.SetAt(at.element, value);
+    CheckStatus(object.SetStringValue(&whole, text), "set a character", where);
   }
 
  private:
   static MSOINDICES Whole(const MSOINDICES& at) { return {at.ObjectKind(), at.index, 0, 0}; }
-  CStringUTF8 Read(CScriptVelaObject* object, const MSOINDICES* at) {
-    CStringUTF8 text;
-    CheckStatus(object->GetString(at, text), "get the text", where_);
-    return text;
-  }
-
-  ObjectPtr object_;
-  IndexPtr index_;
-  SourceRange where_;
 };
 
-class TextElement final : public ElementBase<TextElement, CStringUTF8> {
- public:
-  TextElement(ObjectPtr object, IndexPtr index, SourceRange where)
-      : object_(std::move(object)), index_(std::move(index)), where_(where) {}
+// --- The elements
 
-  ElementSpot Find(Frame& frame) override {
-    ObjectValue row = object_->Eval(frame);
-    const std::int64_t index = index_->Eval(frame);
-    const MSOINDICES at = row.at.WithElement(CheckRowIndex(row, index, where_));
-    return SpotIn(std::move(row), nullptr, at);
+template <class Pick, class Content>
+class Element final : public ElementNode<typename Content::Value> {
+ public:
+  using T = typename Content::Value;
+
+  // in_memory: what the object shows of its memory are values of T.
+  Element(ObjectPtr object, Pick pick, bool in_memory)
+      : object_(std::move(object)), pick_(std::move(pick)), in_memory_(in_memory) {}
+
+  Flow Exec(Frame& frame) final {
+    Find(frame);
+    return Flow::kNext;
   }
-  CStringUTF8 Load(const ElementSpot& spot) override {
-    CStringUTF8 text;
-    CheckStatus(spot.object->GetString(&spot.at, text), "read the element", where_);
-    return text;
+  T Eval(Frame& frame) final {
+    const ObjectValue container = object_->Eval(frame);
+    const auto index = pick_.Evaluate(frame);
+    if (in_memory_) {
+      if (void* address = pick_.Address(container, index)) return *static_cast<T*>(address);
+    }
+    pick_.Check(container, index);
+    return Content::Load(*container.object, pick_.Record(container, index), pick_.where());
   }
-  void Store(const ElementSpot& spot, const CStringUTF8& value) override {
-    CheckStatus(spot.object->SetStringValue(&spot.at, value), "set the element", where_);
+  ElementSpot Find(Frame& frame) final {
+    ObjectValue container = object_->Eval(frame);
+    const auto index = pick_.Evaluate(frame);
+    void* address = in_memory_ ? pick_.Address(container, index) : nullptr;
+    if (address == nullptr) pick_.Check(container, index);
+    const MSOINDICES at = pick_.Record(container, index);
+    return {address, container.object, at, std::move(container.keep)};
+  }
+  T Load(const ElementSpot& spot) final {
+    return spot.address ? *static_cast<T*>(spot.address)
+                        : Content::Load(*spot.object, spot.at, pick_.where());
+  }
+  void Store(const ElementSpot& spot, const T& value) final {
+    if (spot.address) {
+      *static_cast<T*>(spot.address) = value;
+    } else {
+      Content::Store(*spot.object, spot.at, value, pick_.where());
+    }
   }
 
  private:
   ObjectPtr object_;
-  IndexPtr index_;
-  SourceRange where_;
+  Pick pick_;
+  bool in_memory_;
 };
 
 template <class T>
@@ -274,47 +264,51 @@ std::unique_ptr<ElementNode<T>> AsElement(NodePtr node) {
   return std::unique_ptr<ElementNode<T>>(static_cast<ElementNode<T>*>(node.release()));
 }
 
-template <class Element>
-NodePtr MakeIndexed(NodePtr object, NodePtr index, SourceRange where) {
-  return std::make_unique<Element>(As<ObjectValue>(std::move(object)),
-                                   As<std::int64_t>(std::move(index)), where);
+template <class Content, class Pick>
+NodePtr MakeElement(NodePtr object, Pick pick, bool in_memory) {
+  return std::make_unique<Element<Pick, Content>>(As<ObjectValue>(std::move(object)),
+                                                  std::move(pick), in_memory);
+}
+
+// Elements of a type that is known only at run time are read as double, through the object.
+template <class Pick>
+NodePtr MakeScalarElement(TypeName element, NodePtr object, Pick pick) {
+  const bool known = element != TypeName::kVoid;
+  return WithScalar(known ? element : TypeName::kDouble, [&](auto t) {
+    return MakeElement<Scalar<typename decltype(t)::type>>(std::move(object), std::move(pick),
+                                                           known);
+  });
+}
+
+template <class Pick>
+Pick Picking(NodePtr index, const SourceRange& where) {
+  return Pick(As<std::int64_t>(std::move(index)), where);
 }
 
 }  // namespace
 
 NodePtr MakeVectorElement(TypeName element, NodePtr object, NodePtr index, SourceRange where) {
-  const bool typed = element != TypeName::kVoid;
-  return WithScalar(typed ? element : TypeName::kDouble, [&](auto t) -> NodePtr {
-    using T = typename decltype(t)::type;
-    return std::make_unique<VectorElement<T>>(As<ObjectValue>(std::move(object)),
-                                              As<std::int64_t>(std::move(index)), typed, where);
-  });
+  return MakeScalarElement(element, std::move(object), Picking<RowIndex>(std::move(index), where));
 }
 
 NodePtr MakeMatrixCell(TypeName element, NodePtr object, NodePtr row, NodePtr column,
                        SourceRange where) {
-  return WithScalar(
-      element == TypeName::kVoid ? TypeName::kDouble : element, [&](auto t) -> NodePtr {
-        using T = typename decltype(t)::type;
-        return std::make_unique<MatrixCell<T>>(As<ObjectValue>(std::move(object)),
-                                               As<std::int64_t>(std::move(row)),
-                                               As<std::int64_t>(std::move(column)), where);
-      });
+  CellIndex pick(As<std::int64_t>(std::move(row)), As<std::int64_t>(std::move(column)), where);
+  return MakeScalarElement(element, std::move(object), std::move(pick));
 }
 
 NodePtr MakeArrayElement(TypeName element, NodePtr object, NodePtr index, SourceRange where) {
-  return WithScalar(element, [&](auto t) {
-    using T = typename decltype(t)::type;
-    return MakeIndexed<ArrayElement<T>>(std::move(object), std::move(index), where);
-  });
+  return MakeScalarElement(element, std::move(object),
+                           Picking<ArrayIndex>(std::move(index), where));
 }
 
 NodePtr MakeTextChar(NodePtr object, NodePtr index, SourceRange where) {
-  return MakeIndexed<TextChar>(std::move(object), std::move(index), where);
+  return MakeElement<CharOfText>(std::move(object), Picking<CharIndex>(std::move(index), where),
+                                 false);
 }
 
 NodePtr MakeTextElement(NodePtr object, NodePtr index, SourceRange where) {
-  return MakeIndexed<TextElement>(std::move(object), std::move(index), where);
+  return MakeElement<Text>(std::move(object), Picking<RowIndex>(std::move(index), where), false);
 }
 
 NodePtr MakeStoreElement(Carrier carrier, NodePtr element, NodePtr value) {

@@ -5,11 +5,11 @@
 namespace tesselc {
 namespace {
 
-struct Row {
+struct Meaning {
   int status;
   const char* text;
 };
-constexpr Row kRows[] = {
+constexpr Meaning kMeanings[] = {
     {status::kOk, "success"},
     {status::kFailed, "the call could not be carried out"},
     {status::kUnresolved, "there is no such object or element"},
@@ -38,7 +38,7 @@ constexpr Row kRows[] = {
 }  // namespace
 
 const char* StatusText(int status) {
-  for (const Row& row : kRows) {
+  for (const Meaning& row : kMeanings) {
     if (row.status == status) return row.text;
   }
   return "unknown status";

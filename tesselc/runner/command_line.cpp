@@ -1,12 +1,14 @@
 #include "tesselc/runner/command_line.h"
 
-#include <CLI/CLI.hpp>
+#include <charconv>
+#include <cstring>
+#include <getopt.h>
 #include <iostream>
-#include <limits>
 
 #include "tesselc/runner/script_runner.h"
 
 #if defined(_WIN32)
+#include <shellapi.h>
 #include <windows.h>
 #endif
 
@@ -40,39 +42,107 @@ std::vector<std::string> ProgramArguments(int argc, char** argv) {
 }
 #endif
 
-CommandLine ParseCommandLine(const std::vector<std::string>& words) {
-  CommandLine line;
-  std::string code, members;
-  CLI::App app("Runs a Tessel C script: tesselc [OPTIONS] script.tc [ARGUMENTS]", "tesselc");
-  app.prefix_command();
-  app.set_version_flag("--version", "tesselc " TESSELC_VERSION);
-  auto* code_option = app.add_option("-e", code, "Run this code")->type_name("CODE");
-  app.add_flag("--check", line.check_only, "Check the script, but do not run it");
-  app.add_option("--debug-mode", line.debug_mode, "The library's debug mode")
-      ->type_name("N")
-      ->check(CLI::Range(0, std::numeric_limits<int>::max()));
-  auto* members_option =
-      app.add_option("--members", members, "Show the members of a type, or of all, and end")
-          ->expected(0, 1)
-          ->type_name("[TYPE[.MEMBER]]");
-  try {
-    std::vector<std::string> reversed(words.rbegin(), words.rend());
-    app.parse(reversed);
-  } catch (const CLI::ParseError& error) {
-    line.exit_code = app.exit(error) == 0 ? kSuccess : kMistake;
-    return line;
+namespace {
+
+constexpr const char* kHelp =
+    "Runs a Tessel C script.\n"
+    "Usage: tesselc [OPTIONS] SCRIPT [ARGUMENTS]\n"
+    "       tesselc [OPTIONS] -e CODE [ARGUMENTS]\n"
+    "\n"
+    "Options:\n"
+    "  -h, --help                  Show this and end\n"
+    "  --version                   Show the version and end\n"
+    "  -e CODE                     Run this code\n"
+    "  --check                     Check the script, but do not run it\n"
+    "  --debug-mode N              The library's debug mode\n"
+    "  --members [TYPE[.MEMBER]]   Show the members of a type, or of all, and end\n";
+
+enum Option : int { kCheck = 256, kDebugMode, kMembers, kVersion };
+
+constexpr option kOptions[] = {
+    {"help", no_argument, nullptr, 'h'},
+    {"version", no_argument, nullptr, kVersion},
+    {"check", no_argument, nullptr, kCheck},
+    {"debug-mode", required_argument, nullptr, kDebugMode},
+    {"members", no_argument, nullptr, kMembers},
+    {nullptr, 0, nullptr, 0},
+};
+
+// The answer that ends the program: a complaint goes to standard error.
+int Answer(const std::string& text) {
+  std::cout << text << std::flush;
+  return std::cout ? kSuccess : kScriptFailed;
+}
+int Complain(const std::string& text) {
+  std::cerr << "tesselc: error: " << text << "\n";
+  return kMistake;
+}
+
+std::optional<int> ReadMode(const char* text) {
+  int mode = -1;
+  const char* end = text + std::strlen(text);
+  const auto [rest, error] = std::from_chars(text, end, mode);
+  if (error != std::errc() || rest != end || mode < 0) return std::nullopt;
+  return mode;
+}
+
+// Takes one option; an exit code when the program ends with it.
+std::optional<int> Take(int option, const char* word, CommandLine& line) {
+  switch (option) {
+    case 'h':
+      return Answer(kHelp);
+    case kVersion:
+      return Answer("tesselc " TESSELC_VERSION "\n");
+    case 'e':
+      line.code = optarg;
+      return std::nullopt;
+    case kCheck:
+      line.check_only = true;
+      return std::nullopt;
+    case kDebugMode:
+      if (const auto mode = ReadMode(optarg)) {
+        line.debug_mode = *mode;
+        return std::nullopt;
+      }
+      return Complain(std::string("'") + optarg + "' is no debug mode");
+    case kMembers:
+      line.members.emplace();
+      return std::nullopt;
+    case ':':
+      return Complain(std::string(word) + " needs a value");
+    default:
+      return Complain(std::string("there is no option ") + word);
   }
-  if (members_option->count() > 0) line.members = members;
-  if (code_option->count() > 0) line.code = code;
-  line.arguments = app.remaining();
-  if (line.members) return line;
-  if (!line.code && !line.arguments.empty()) {
-    line.script = line.arguments.front();
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(std::vector<std::string> words) {
+  CommandLine line;
+  std::string program = "tesselc";
+  std::vector<char*> pointers = {program.data()};
+  for (std::string& word : words) pointers.push_back(word.data());
+  const int count = static_cast<int>(pointers.size());
+  pointers.push_back(nullptr);
+  optind = 0;  // starts anew
+  opterr = 0;
+  for (;;) {
+    const int at = optind == 0 ? 1 : optind;
+    const int option = getopt_long(count, pointers.data(), "+:he:", kOptions, nullptr);
+    if (option == -1) break;
+    line.exit_code = Take(option, pointers[static_cast<std::size_t>(at)], line);
+    if (line.exit_code) return line;
+  }
+  line.arguments.assign(pointers.begin() + optind, pointers.begin() + count);
+  const auto take_first = [&line] {
+    std::string first = std::move(line.arguments.front());
     line.arguments.erase(line.arguments.begin());
-    if (line.script->size() > 1 && line.script->front() == '-') {
-      std::cerr << "tesselc: error: there is no option " << *line.script << "\n";
-      line.exit_code = kMistake;
-    }
+    return first;
+  };
+  if (line.members) {
+    if (!line.arguments.empty()) line.members = take_first();
+  } else if (!line.code && !line.arguments.empty()) {
+    line.script = take_first();
   }
   return line;
 }

@@ -22,6 +22,6 @@ struct CommandLine {
 std::vector<std::string> ProgramArguments(int argc, char** argv);
 // Options end at the first word that is none; what follows belongs to the script. Help and
 // complaints are written at once.
-CommandLine ParseCommandLine(const std::vector<std::string>& words);
+CommandLine ParseCommandLine(std::vector<std::string> words);
 
 }  // namespace tesselc

@@ -9,14 +9,13 @@
 #include <optional>
 
 #include "frame/interface/missing_value.h"
+#include "special_values.h"
 #include "test_objects.h"
 
 namespace {
 
 using vela::host::CallFrame;
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr int kIntMin = std::numeric_limits<int>::min();
 constexpr int kIntMax = std::numeric_limits<int>::max();
 constexpr unsigned kUintMax = std::numeric_limits<unsigned>::max();

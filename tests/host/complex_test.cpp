@@ -13,13 +13,12 @@
 #include "frame/interface/missing_value.h"
 #include "frame/interface/string_utf8.h"
 #include "platform/automation.h"
+#include "special_values.h"
 
 static void PrintTo(const OneTCcomplex& z, std::ostream* out) { *out << z.m_re << "," << z.m_im; }
 
 namespace {
 
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kMax = std::numeric_limits<double>::max();
 
 std::string ToText(const OneTCcomplex& z) {

@@ -11,11 +11,9 @@
 #include "frame/interface/host_services.h"
 #include "frame/interface/missing_value.h"
 #include "frame/interface/type_base.h"
+#include "special_values.h"
 
 namespace {
-
-constexpr double kInf = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 std::string ToText(double value, const char* unit = nullptr) {
   char buffer[VELAObj::kRealTextSize];

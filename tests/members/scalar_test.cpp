@@ -194,5 +194,29 @@ TEST(Scalar, OperatorsFollowTheElementRules) {
   }
 }
 
+// 2^53 + 1 is the first integer that a double cannot hold.
+TEST(Scalar, SixtyFourBitsPassExactly) {
+  constexpr std::int64_t kOdd = 9007199254740993;
+  constexpr std::uint64_t kHigh = 0xFFFFFFFFFFFFFFFE;
+  const ObjectRef x = ScalarOf(std::int64_t{1});
+  const auto operate = [&](unsigned code, const tagMSOOBJVECT& operand) {
+    EXPECT_EQ(x->Operate2(nullptr, code | operation::kPlainOperand, operand, 0), 0);
+    return ValueOf<std::int64_t>(x);
+  };
+  EXPECT_EQ(operate(operation::kAdd, tagMSOOBJVECT::Plain(kOdd)), kOdd + 1);
+  EXPECT_EQ(operate(operation::kAssign, tagMSOOBJVECT::Plain(kOdd)), kOdd);
+  EXPECT_EQ(operate(operation::kDivide, tagMSOOBJVECT::Plain(kOdd)), 1);
+  EXPECT_EQ(operate(operation::kAssign, tagMSOOBJVECT::Plain(kHigh)), INT64_MAX);
+  const ObjectRef y = ScalarOf(std::uint64_t{0});
+  EXPECT_EQ(y->Operate2(nullptr, operation::kAssign, tagMSOOBJVECT::Plain(kHigh), 0), 0);
+  EXPECT_EQ(ValueOf<std::uint64_t>(y), kHigh);
+  EXPECT_EQ(y->SetString(nullptr, " 18446744073709551615\n"), 0);
+  EXPECT_EQ(ValueOf<std::uint64_t>(y), UINT64_MAX);
+  EXPECT_EQ(x->SetString(nullptr, "-9007199254740993"), 0);
+  EXPECT_EQ(ValueOf<std::int64_t>(x), -kOdd);
+  EXPECT_EQ(x->SetString(nullptr, "1e300"), 0);
+  EXPECT_EQ(ValueOf<std::int64_t>(x), INT64_MAX);
+}
+
 }  // namespace
 }  // namespace vela::testing

@@ -57,6 +57,22 @@ class VELAHOST_API CTCExternalCallBuilder {
 // untouched. Text and objects that a getter hands out are borrowed until the call ends.
 class VELAHOST_API CTCall {
  public:
+  // What a frame keeps of an argument. kInt64 holds an unsigned 64-bit value when the type id says
+  // so.
+  enum class ArgumentKind : std::uint8_t { kNull, kInt, kInt64, kDouble, kComplex, kText, kObject };
+  struct Argument {
+    ArgumentKind kind = ArgumentKind::kNull;
+    bool by_reference = false;
+    unsigned type_id = 0;
+    unsigned lent_bytes = 0;
+    std::int64_t integer = 0;
+    OneTCcomplex number;
+    const char* text = nullptr;  // NUL-terminated UTF-8, owned by the caller
+    CScriptVelaObject* object = nullptr;
+    MSOINDICES indices;
+    void* lent = nullptr;  // by GetBuffer, until ReleaseBuffer
+  };
+
   // 0 when the frame cannot run a member; a member that gets 0 returns 1 at once.
   virtual int IsReady();
   // Called with 0 by string members after their result is set.
@@ -152,20 +168,6 @@ class VELAHOST_API CTCall {
   CTCall(const CTCall&) = delete;
   CTCall& operator=(const CTCall&) = delete;
 
-  // kInt64 holds an unsigned 64-bit value when the type id says so.
-  enum class ArgumentKind : std::uint8_t { kNull, kInt, kInt64, kDouble, kComplex, kText, kObject };
-  struct Argument {
-    ArgumentKind kind = ArgumentKind::kNull;
-    bool by_reference = false;
-    unsigned type_id = 0;
-    unsigned lent_bytes = 0;
-    std::int64_t integer = 0;
-    OneTCcomplex number;
-    const char* text = nullptr;  // NUL-terminated UTF-8, owned by the caller
-    CScriptVelaObject* object = nullptr;
-    MSOINDICES indices;
-    void* lent = nullptr;  // by GetBuffer, until ReleaseBuffer
-  };
   enum class ResultKind : std::uint8_t {
     kNone,
     kInt,

@@ -17,8 +17,9 @@ struct VELAHOST_API tagMSOOBJVECT {
   std::uint32_t type_word = 0;
   MSOINDICES indices;  // what of the object is meant
   std::uint32_t flags = 0;
-  OneTCcomplex plain;           // the value of a plain operand, when object is null
-  void* lent_buffer = nullptr;  // by MSGetBuffer, until MSReleaseBuffer
+  OneTCcomplex plain;            // the value of a plain operand, when object is null
+  std::uint64_t plain_bits = 0;  // of a plain 64-bit integer, which plain only rounds
+  void* lent_buffer = nullptr;   // by MSGetBuffer, until MSReleaseBuffer
 
   tagMSOOBJVECT() = default;
   // object_index, element and column are kNoIndex where they do not apply.
@@ -30,6 +31,9 @@ struct VELAHOST_API tagMSOOBJVECT {
       : object(the_object), type_word(the_type_word), indices(the_indices), flags(the_flags) {}
   // A plain value for Operate2 with the plain-operand bit; type_id is a scalar type id.
   static tagMSOOBJVECT Plain(const OneTCcomplex& value, std::uint32_t type_id);
+  // The same for the 64-bit integers, exactly.
+  static tagMSOOBJVECT Plain(std::int64_t value);
+  static tagMSOOBJVECT Plain(std::uint64_t value);
 
   void Copy(const tagMSOOBJVECT& other);
   // Forgets the object; releases nothing.

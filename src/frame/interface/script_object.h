@@ -220,7 +220,8 @@ class VELAHOST_API CScriptVelaObject : public CTypeBase {
   virtual int GetArraySize() const;
   // Name of the element type as in a declaration.
   virtual const char* GetDateTypeString() const;
-  // Address of element index of the addressed row, or null outside it.
+  // Address of element index of the addressed row, or null outside it or where elements are not in
+  // memory. The record of a matrix row names the layer, and the row as its one element.
   virtual void* GetArrayElement(const MSOINDICES* at, int index);
   virtual CScriptVelaObject* GetReferenceTarget(MSOINDICES* at);
   virtual int IsMixedTypeDataSet();

@@ -1,0 +1,113 @@
+// A layer of a container as a member addresses it or is given it, and its elements.
+#pragma once
+
+#include <algorithm>
+#include <optional>
+#include <span>
+
+#include "frame/container/element_span.h"
+#include "frame/container/tensors_base.h"
+#include "frame/member/arguments.h"
+
+namespace vela {
+
+// Refers to a layer without owning it; a default one refers to none. Equal layers are the same
+// elements. What fails ends the handler with its status.
+struct Layer {
+  TCAllTensorsBase* container = nullptr;
+  int number = 0;
+
+  explicit operator bool() const { return container != nullptr; }
+  bool operator==(const Layer&) const = default;
+
+  unsigned TypeId() const { return container->GetInternalDataTypeID(); }
+  std::size_t Size() const { return container->SizeOf(number); }
+  LayerShape Shape() const { return container->ShapeOf(number); }
+  int LowerBound() const { return container->LowerBoundOf(number); }
+  // Where the data begins: at the lower bound, which may be the end.
+  std::size_t FirstOfData() const {
+    return std::min(static_cast<std::size_t>(std::max(LowerBound(), 0)), Size());
+  }
+  ElementSpan Buffer() const { return container->BufferOf(number); }
+  MSOINDICES Indices() const { return MSOINDICES::Object(number); }
+
+  void Resize(const LayerShape& shape, Contents contents = Contents::kKeep) const {
+    member::Check(container->ResizeLayer(number, shape, contents));
+  }
+  void Resize(std::size_t size, Contents contents = Contents::kKeep) const {
+    Resize(LayerShape::OneRow(static_cast<std::int64_t>(size)), contents);
+  }
+  void AnnounceChange() const { container->AnnounceChange(number); }
+};
+
+// Whether the layer's elements are numbers of any type, or real ones.
+bool IsNumeric(const Layer& layer);
+bool IsReal(const Layer& layer);
+
+// A layer's elements in memory: its own buffer, or a copy that Commit writes back. Elements that
+// are no numbers (texts) are copied as doubles. Throws std::bad_alloc.
+class LayerElements {
+ public:
+  explicit LayerElements(const Layer& layer);
+
+  const ElementSpan& Span() const { return span_; }
+  template <class T>
+  std::span<T> As() const {
+    return span_.As<T>();
+  }
+  // The elements from the lower bound on.
+  ElementSpan Data() const { return span_.From(layer_.FirstOfData()); }
+
+  // Writes a copy back and announces the change.
+  void Commit() const;
+
+ private:
+  Layer layer_;
+  ElementSpan span_;
+  std::optional<ElementMemory> copy_;
+};
+
+// A layer's elements to read as type T: its own buffer when it is of that type, else a converted
+// copy. With own_copy always a copy, for a layer that changes meanwhile.
+template <class T>
+class LayerValues {
+ public:
+  explicit LayerValues(const Layer& layer, bool own_copy = false) {
+    const ElementSpan buffer = layer.Buffer();
+    if (buffer.type_id == kElement<T>.type_id && !own_copy) {
+      values_ = buffer.As<T>();
+      return;
+    }
+    copy_.emplace(kElement<T>.type_id, layer.Size());
+    member::Check(layer.container->ReadElements(layer.number, 0, copy_->Span()));
+    values_ = copy_->Span().template As<T>();
+  }
+  std::span<const T> Span() const { return values_; }
+
+ private:
+  std::span<const T> values_;
+  std::optional<ElementMemory> copy_;
+};
+
+// Makes target size elements that compute(std::span<T>) writes: in place where they are one buffer
+// of T that compute does not read, else through memory of its own, so that target stays as it is
+// until compute has returned.
+template <class T, class Compute>
+void FillLayer(const Layer& target, std::size_t size, bool is_read, Compute&& compute) {
+  if (target.TypeId() == kElement<T>.type_id && !is_read) {
+    target.Resize(size, Contents::kDrop);
+    const LayerElements elements(target);
+    compute(elements.As<T>());
+    return elements.Commit();
+  }
+  const ElementMemory results(kElement<T>.type_id, size);
+  compute(results.Span().template As<T>());
+  target.Resize(size, Contents::kDrop);
+  member::Check(target.container->StoreElements(target.number, 0, results.Span()));
+  target.AnnounceChange();
+}
+
+// Makes target these elements, converted.
+void StoreResult(const Layer& target, const ConstElementSpan& elements);
+
+}  // namespace vela
