@@ -181,7 +181,6 @@ HWY_INLINE void WrappingLoop(T* x, const T* y, std::size_t stride, std::size_t c
     const Wide operand = *y;
     for (std::size_t i = 0; i < count; ++i) x[i] = static_cast<T>(of(Wide{x[i]}, operand));
   } else {
-#pragma GCC ivdep
     for (std::size_t i = 0; i < count; ++i) x[i] = static_cast<T>(of(Wide{x[i]}, Wide{y[i]}));
   }
 }
