@@ -9,6 +9,7 @@
 
 #include "frame/element_types.h"
 #include "frame/element_value.h"
+#include "frame/runtime_class.h"
 #include "frame/value_access.h"
 
 namespace vela {
@@ -41,6 +42,12 @@ class TCNumericBase : public vela::ValueAccess<TCNumericBase<T>, CScriptVelaObje
   // std::bad_alloc.
   TCNumericBase(unsigned count, unsigned type_word, void** args);
 
+  const CRuntimeClass* GetRuntimeClass() const override {
+    static constexpr auto kName = vela::TemplateName<T>("TCNumericBase");
+    static const CRuntimeClass runtime_class{kName.data(), sizeof(TCNumericBase),
+                                             CScriptVelaObject::GetRuntimeClass()};
+    return &runtime_class;
+  }
   const char* GetDateTypeString() const override { return vela::kElement<T>.name; }
   const char* GetDataTypeName() const override { return vela::kElement<T>.name; }
   unsigned GetInternalDataTypeID() const override { return vela::kElement<T>.type_id; }

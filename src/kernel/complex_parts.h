@@ -16,6 +16,18 @@ concept Complex = requires(Z z) {
   { z.m_im } -> std::same_as<double&>;
 };
 
+/// The modulus; missing for a missing value.
+template <Complex Z>
+double Amplitude(const Z& z) {
+  return IsMissing(z) ? kMissing : z.GetAmplitude();
+}
+
+/// The phase in (-pi, pi]: an imaginary part of -0 counts as 0. Missing for a missing value.
+template <Complex Z>
+double Phase(const Z& z) {
+  return IsMissing(z) ? kMissing : std::atan2(z.m_im + 0.0, z.m_re);
+}
+
 // One result for each element; the spans have one size and do not overlap. No allocation.
 
 /// The parts as they stand, missing ones included.
@@ -28,20 +40,13 @@ void ImaginaryParts(std::span<const Z> z, std::span<double> out) {
   for (std::size_t i = 0; i < z.size(); ++i) out[i] = z[i].m_im;
 }
 
-/// The modulus; missing for a missing element.
 template <Complex Z>
 void Amplitudes(std::span<const Z> z, std::span<double> out) {
-  for (std::size_t i = 0; i < z.size(); ++i) {
-    out[i] = IsMissing(z[i]) ? kMissing : z[i].GetAmplitude();
-  }
+  for (std::size_t i = 0; i < z.size(); ++i) out[i] = Amplitude(z[i]);
 }
-
-/// The phase in (-pi, pi]: an imaginary part of -0 counts as 0. Missing for a missing element.
 template <Complex Z>
 void Phases(std::span<const Z> z, std::span<double> out) {
-  for (std::size_t i = 0; i < z.size(); ++i) {
-    out[i] = IsMissing(z[i]) ? kMissing : std::atan2(z[i].m_im + 0.0, z[i].m_re);
-  }
+  for (std::size_t i = 0; i < z.size(); ++i) out[i] = Phase(z[i]);
 }
 
 /// Negates the imaginary parts; a missing one stays missing.

@@ -183,7 +183,12 @@ double RandomSource::Normal() {
 template <Element T>
 void RandomSource::FillUniform(std::span<T> x) {
   Stream stream(state_);
-  Fill(x, [&] { return stream.Uniform(); });
+  if constexpr (std::same_as<T, float>) {
+    // A number that a float would round to 1 becomes the one below.
+    Fill(x, [&] { return std::min(stream.Uniform(), 0x1.fffffep-1); });
+  } else {
+    Fill(x, [&] { return stream.Uniform(); });
+  }
 }
 
 template <Element T>

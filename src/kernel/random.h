@@ -26,7 +26,8 @@ class RandomSource {
   /// Of the normal distribution with mean 0 and standard deviation 1, by a ziggurat of 256 layers.
   double Normal();
 
-  /// Fills x with Uniform values stored by ConvertElement: in an integer type that is always 0.
+  /// Fills x with Uniform values stored by ConvertElement: in an integer type that is always 0. A
+  /// float that would round to 1 is the one below.
   template <Element T>
   void FillUniform(std::span<T> x);
 

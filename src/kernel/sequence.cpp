@@ -16,7 +16,7 @@ constexpr double kTolerance = 1e-10;
 
 std::optional<std::int32_t> SequenceCount(double from, double to, double increment) {
   const double steps = (to - from) / increment;
-  if (!std::isfinite(steps)) return std::nullopt;
+  if (increment == 0 || std::isnan(steps)) return std::nullopt;
   const double count = std::floor(steps + kTolerance) + 1;
   if (count > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
   return count < 0 ? 0 : static_cast<std::int32_t>(count);

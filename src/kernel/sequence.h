@@ -10,7 +10,7 @@ namespace vela::kernel {
 
 /// How many values the sequence from, from + increment, ... up to `to` has. A step of up to 1e-10
 /// short of `to` counts as reaching it; 0 when the increment leads away from `to`. Nothing when no
-/// int can hold the count: increment 0, NaN or infinite arguments, or too many values.
+/// int can hold the count: increment 0, NaN, or too many values.
 std::optional<std::int32_t> SequenceCount(double from, double to, double increment);
 
 /// The last of the count >= 1 values: `to` itself when it lies within 1e-10 steps of that value,

@@ -83,16 +83,15 @@ void SortRuns(std::span<std::int64_t> packed, Key key_at) {
 // Brings elements and indices into the order of the packed positions, and uses the packed elements
 // up as scratch.
 template <class T>
-void Arrange(std::span<T> values, std::span<std::uint32_t> indices,
-             std::span<std::int64_t> packed) {
-  const auto moved = std::make_unique_for_overwrite<std::uint32_t[]>(packed.size());
+void Arrange(std::span<T> values, std::span<std::uint32_t> indices, std::span<std::int64_t> packed,
+             std::uint32_t* moved) {
   for (std::size_t k = 0; k < packed.size(); ++k) {
     const std::uint32_t from = PositionIn(packed[k]);
     moved[k] = indices[from];
     std::memcpy(&packed[k], &values[from], sizeof(T));
   }
   for (std::size_t k = 0; k < packed.size(); ++k) std::memcpy(&values[k], &packed[k], sizeof(T));
-  std::copy_n(moved.get(), indices.size(), indices.begin());
+  std::copy_n(moved, indices.size(), indices.begin());
 }
 
 }  // namespace
@@ -109,8 +108,13 @@ void Sort(std::span<T> values, bool ascending) {
   if (!ascending) std::reverse(values.begin(), values.end());
 }
 
+SortScratch::SortScratch(std::size_t count)
+    : packed(std::make_unique_for_overwrite<std::int64_t[]>(count)),
+      moved(std::make_unique_for_overwrite<std::uint32_t[]>(count)) {}
+
 template <Element T>
-void SortWithIndices(std::span<T> values, std::span<std::uint32_t> indices, bool ascending) {
+void SortWithIndices(std::span<T> values, std::span<std::uint32_t> indices, bool ascending,
+                     const SortScratch& scratch) {
   const std::size_t n = values.size();
   if (indices.size() != n || n > std::size_t{1} << kPositionBits) {
     throw std::invalid_argument("SortWithIndices: indices do not match the values");
@@ -126,17 +130,17 @@ void SortWithIndices(std::span<T> values, std::span<std::uint32_t> indices, bool
     return OrderedKey(values[k], ascending) - lowest;
   };
   const int left_out = std::max<int>(std::bit_width(highest - lowest) - kPositionBits, 0);
-  const auto scratch = std::make_unique_for_overwrite<std::int64_t[]>(n);
-  const std::span packed(scratch.get(), n);
+  const std::span packed(scratch.packed.get(), n);
   for (std::size_t k = 0; k < n; ++k) packed[k] = Pack(key_at(k) >> left_out, k);
   SortPacked(packed);
   if (left_out > 0) SortRuns(packed, key_at);
-  Arrange(values, indices, packed);
+  Arrange(values, indices, packed, scratch.moved.get());
 }
 
-#define VELA_KERNEL_INSTANTIATE(T)           \
-  template void Sort<T>(std::span<T>, bool); \
-  template void SortWithIndices<T>(std::span<T>, std::span<std::uint32_t>, bool);
+#define VELA_KERNEL_INSTANTIATE(T)                                               \
+  template void Sort<T>(std::span<T>, bool);                                     \
+  template void SortWithIndices<T>(std::span<T>, std::span<std::uint32_t>, bool, \
+                                   const SortScratch&);
 VELA_KERNEL_FOR_SIMPLE_TYPES(VELA_KERNEL_INSTANTIATE)
 #undef VELA_KERNEL_INSTANTIATE
 

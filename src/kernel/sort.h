@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <numeric>
 #include <span>
 #include <utility>
@@ -18,15 +19,29 @@ namespace vela::kernel {
 template <Element T>
 void Sort(std::span<T> values, bool ascending);
 
+/// The memory that SortWithIndices of so many elements needs, 12 bytes each.
+struct SortScratch {
+  /// Throws std::bad_alloc.
+  explicit SortScratch(std::size_t count);
+  std::unique_ptr<std::int64_t[]> packed;
+  std::unique_ptr<std::uint32_t[]> moved;
+};
+
 /// As Sort, and indices[k] follows the element it belongs to. Stable in either order: equal values
 /// (-0.0 and 0.0 among them), and NaNs, keep the order they had. indices.size() must be
-/// values.size(), at most 2^32, else std::invalid_argument. O(n log n); scratch 12 bytes per
-/// element.
+/// values.size(), at most 2^32, else std::invalid_argument. O(n log n). The scratch is for at least
+/// as many elements; without one it is made here.
 template <Element T>
-void SortWithIndices(std::span<T> values, std::span<std::uint32_t> indices, bool ascending);
+void SortWithIndices(std::span<T> values, std::span<std::uint32_t> indices, bool ascending,
+                     const SortScratch& scratch);
+template <Element T>
+void SortWithIndices(std::span<T> values, std::span<std::uint32_t> indices, bool ascending) {
+  SortWithIndices(values, indices, ascending, SortScratch(values.size()));
+}
 
 /// Stable sort by any strict weak ordering; indices, when not empty, follow the elements and must
-/// be as many, at most 2^32. O(n log n); scratch no more than a copy of both.
+/// be as many, at most 2^32. O(n log n); scratch no more than a copy of both. When memory runs out
+/// (std::bad_alloc) nothing has changed.
 template <class T, class Less>
 void SortBy(std::span<T> values, std::span<std::uint32_t> indices, Less less) {
   if (indices.empty()) {
@@ -37,12 +52,12 @@ void SortBy(std::span<T> values, std::span<std::uint32_t> indices, Less less) {
   std::iota(order.begin(), order.end(), 0u);
   std::stable_sort(order.begin(), order.end(),
                    [&](std::uint32_t a, std::uint32_t b) { return less(values[a], values[b]); });
-  const auto arrange = [&order]<class U>(std::span<U> elements) {
-    const std::vector<U> old(elements.begin(), elements.end());
-    for (std::size_t k = 0; k < order.size(); ++k) elements[k] = old[order[k]];
-  };
-  arrange(values);
-  arrange(indices);
+  const std::vector<T> old_values(values.begin(), values.end());
+  const std::vector<std::uint32_t> old_indices(indices.begin(), indices.end());
+  for (std::size_t k = 0; k < order.size(); ++k) {
+    values[k] = old_values[order[k]];
+    indices[k] = old_indices[order[k]];
+  }
 }
 
 /// Swaps the elements that is_missing picks to the front, or to the back, and returns how many

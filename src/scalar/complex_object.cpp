@@ -1,8 +1,7 @@
 #include "scalar/complex_object.h"
 
-#include <cmath>
-
 #include "frame/interface/missing_value.h"
+#include "kernel/complex_parts.h"
 
 namespace {
 
@@ -30,11 +29,6 @@ const CClassMember kComplexMDMembers[] = {
     Property("m_im", &vela::ComplexValue::GetIm, &vela::ComplexValue::SetIm),
     {},
 };
-
-double Phase(const OneTCcomplex& z) {
-  if (z.m_im == kMissingValue || z.m_re == kMissingValue) return kMissingValue;
-  return std::atan2(z.m_im, z.m_re);
-}
 
 }  // namespace
 
@@ -86,12 +80,13 @@ int ComplexValue::SetIm(CTCall* call) {
 }
 
 int ComplexValue::GetPhase(CTCall* call) {
-  return Run(call, NoArguments(), [&](Arguments& args) { args.Return(Phase(Addressed(args))); });
+  return Run(call, NoArguments(),
+             [&](Arguments& args) { args.Return(kernel::Phase(Addressed(args))); });
 }
 
 int ComplexValue::GetAmplitude(CTCall* call) {
   return Run(call, NoArguments(),
-             [&](Arguments& args) { args.Return(Addressed(args).GetAmplitude()); });
+             [&](Arguments& args) { args.Return(kernel::Amplitude(Addressed(args))); });
 }
 
 }  // namespace vela

@@ -1,6 +1,7 @@
 // The list operations on numbers.
 #include <algorithm>
-#include <cstring>
+#include <array>
+#include <vector>
 
 #include "frame/container/container_arguments.h"
 #include "kernel/absent.h"
@@ -54,26 +55,50 @@ void WithWords(const ElementSpan& x, F&& f) {
   }
 }
 
-// Sorts what is not missing; the missing values go to the asked end. indices, when not empty,
-// follow the elements.
-template <class T>
-void SortAround(std::span<T> values, std::span<std::uint32_t> indices, bool ascending,
-                bool missing_first) {
+// Calls sort(values, indices) for what is not missing; the missing values go to the asked end.
+// indices, when not empty, follow the elements.
+template <class T, class SortRest>
+void SortAround(std::span<T> values, std::span<std::uint32_t> indices, bool missing_first,
+                SortRest sort) {
   const std::size_t missing =
       kernel::PartitionMissing(values, indices, missing_first, kernel::IsMissing<T>);
   const std::size_t start = missing_first ? missing : 0;
   values = values.subspan(start, values.size() - missing);
   if (!indices.empty()) indices = indices.subspan(start, values.size());
-  if constexpr (vela::ComplexElement<T>) {
-    kernel::SortComplex(values, indices, ascending);
-  } else if (indices.empty()) {
-    kernel::Sort(values, ascending);
-  } else {
-    kernel::SortWithIndices(values, indices, ascending);
-  }
+  sort(values, indices);
 }
 
-// By which Merge tells elements apart.
+// All memory is there before anything moves, so that nothing has changed when there is too little.
+template <SimpleElement T>
+void SortNumbers(std::span<T> values, std::span<std::uint32_t> indices, bool ascending,
+                 bool missing_first) {
+  if (indices.empty()) {
+    return SortAround(values, indices, missing_first,
+                      [&](auto rest, auto) { kernel::Sort<T>(rest, ascending); });
+  }
+  const kernel::SortScratch scratch(values.size());
+  SortAround(values, indices, missing_first, [&](auto rest, auto rest_indices) {
+    kernel::SortWithIndices<T>(rest, rest_indices, ascending, scratch);
+  });
+}
+
+template <vela::ComplexElement T>
+void SortNumbers(std::span<T> values, std::span<std::uint32_t> indices, bool ascending,
+                 bool missing_first) {
+  std::vector<T> sorted(values.begin(), values.end());
+  std::vector<std::uint32_t> sorted_indices(indices.begin(), indices.end());
+  SortAround(
+      std::span(sorted), std::span(sorted_indices), missing_first,
+      [&](auto rest, auto rest_indices) { kernel::SortComplex(rest, rest_indices, ascending); });
+  std::copy(sorted.begin(), sorted.end(), values.begin());
+  std::copy(sorted_indices.begin(), sorted_indices.end(), indices.begin());
+}
+
+// Points have no order and stay.
+template <vela::PointElement T>
+void SortNumbers(std::span<T>, std::span<std::uint32_t>, bool, bool) {}
+
+// By which elements count as the same.
 template <class T>
 auto Identity(const T& element) {
   if constexpr (SimpleElement<T>) {
@@ -175,14 +200,11 @@ void TCAllVectorNonTemplBase::RotateElements(int row, std::int64_t shift) {
   elements.Commit();
 }
 
-// Points have no order and stay.
 void TCAllVectorNonTemplBase::SortElements(int row, bool ascending, bool missing_first,
                                            std::span<unsigned> positions) {
   const LayerElements elements({this, row});
   WithElements(elements.Span(), [&]<class T>(std::span<T> values) {
-    if constexpr (!vela::PointElement<T>) {
-      SortAround(values, positions, ascending, missing_first);
-    }
+    SortNumbers(values, positions, ascending, missing_first);
   });
   elements.Commit();
 }

@@ -9,6 +9,14 @@
 using vela::ConstElementSpan;
 using vela::ElementSpan;
 
+namespace {
+
+// What stands behind a copy that is lent, to show a write beyond its end.
+constexpr std::ptrdiff_t kGuardBytes = 2;
+constexpr std::byte kGuard{0xCC};
+
+}  // namespace
+
 int TCAllVectorNonTemplBase::LocateRow(const MSOINDICES* at, int& row) const {
   row = GetVecArrayIndex(at);
   if (row < 0) return status::kUnresolved;
@@ -215,7 +223,7 @@ int TCAllVectorNonTemplBase::SetBufferSize(const MSOINDICES* at, unsigned bytes)
   return SetVectorDimension(at, static_cast<int>(bytes / width));
 }
 
-int TCAllVectorNonTemplBase::GetBufferMSO(const MSOINDICES* at, void** buffer) {
+int TCAllVectorNonTemplBase::GetBufferMSO(const MSOINDICES* at, void** buffer) try {
   if (buffer == nullptr) return status::kBadArguments;
   int row;
   if (const int error = LocateRow(at, row); error != status::kOk) return error;
@@ -226,19 +234,37 @@ int TCAllVectorNonTemplBase::GetBufferMSO(const MSOINDICES* at, void** buffer) {
   if (!vela::IsNumeric({this, row})) return status::kUnsupported;
   const ElementSpan elements = BufferOf(row);
   if (!elements) return status::kNotContiguous;
-  *buffer = elements.data;
-  if (!vela::IsDebugMode()) return status::kOk;
-  try {
-    const std::size_t bytes = elements.Bytes().size();
-    LentBuffer lent{std::make_unique<unsigned char[]>(bytes + 2), row, elements.size};
-    if (bytes > 0) std::memcpy(lent.bytes.get(), elements.data, bytes);
-    std::memset(lent.bytes.get() + bytes, 0xCC, 2);
-    *buffer = lent.bytes.get();
-    lent_.push_back(std::move(lent));
-  } catch (const std::bad_alloc&) {
-    return status::kCannotResize;
-  }
+  *buffer = vela::IsDebugMode() ? LendCopy(row, elements.type_id) : elements.data;
   return status::kOk;
+} catch (...) {
+  return vela::member::StatusOfException();
+}
+
+int TCAllVectorNonTemplBase::GetBufferMSOEx(const MSOINDICES* at, unsigned element_type,
+                                            void** buffer) try {
+  if (buffer == nullptr) return status::kBadArguments;
+  if (element_type == GetInternalDataTypeID()) return GetBufferMSO(at, buffer);
+  int row;
+  if (const int error = LocateRow(at, row); error != status::kOk) return error;
+  const bool is_whole = at == nullptr || at->ElementCount() == 0;
+  if (!is_whole || vela::ElementWidth(element_type) == 0 || !vela::IsNumeric({this, row})) {
+    return status::kUnsupported;
+  }
+  *buffer = LendCopy(row, element_type);
+  return status::kOk;
+} catch (...) {
+  return vela::member::StatusOfException();
+}
+
+// Two guard bytes stand behind the elements.
+void* TCAllVectorNonTemplBase::LendCopy(int row, unsigned type_id) {
+  const std::size_t size = RowSize(row);
+  const std::size_t bytes = size * vela::ElementWidth(type_id);
+  LentBuffer lent{std::make_unique<std::byte[]>(bytes + kGuardBytes), row, type_id, size};
+  vela::member::Check(ReadElements(row, 0, lent.Elements()));
+  std::fill_n(lent.bytes.get() + bytes, kGuardBytes, kGuard);
+  lent_.push_back(std::move(lent));
+  return lent_.back().bytes.get();
 }
 
 int TCAllVectorNonTemplBase::ReleaseBufferMSO(const MSOINDICES*, void* buffer) {
@@ -246,18 +272,17 @@ int TCAllVectorNonTemplBase::ReleaseBufferMSO(const MSOINDICES*, void* buffer) {
                                  [&](const LentBuffer& l) { return l.bytes.get() == buffer; });
   SetModify(1);
   if (lent == lent_.end()) return status::kOk;  // the row's own storage
-  const std::size_t bytes = lent->size * vela::ElementWidth(GetInternalDataTypeID());
-  const bool intact = lent->bytes[bytes] == 0xCC && lent->bytes[bytes + 1] == 0xCC;
-  if (vela::IsDebugMode() && !intact) {
+  const std::span<std::byte> bytes = lent->Elements().Bytes();
+  const std::byte* const guard = bytes.data() + bytes.size();
+  if (vela::IsDebugMode() && std::count(guard, guard + kGuardBytes, kGuard) != kGuardBytes) {
     CStringUTF8 text;
     text.Format("An Object has written beyond the requested size of %d bytes\n",
-                static_cast<int>(bytes));
+                static_cast<int>(bytes.size()));
     VELAObj::ScriptMessage(text);
   }
   // The row may have been resized while it was lent.
-  const ElementSpan elements = BufferOf(lent->row);
-  const std::size_t kept = std::min(elements.Bytes().size(), bytes);
-  if (kept > 0) std::memcpy(elements.data, lent->bytes.get(), kept);
+  const std::size_t kept = std::min(RowSize(lent->row), lent->size);
+  const int result = StoreElements(lent->row, 0, lent->Elements().Part(0, kept));
   lent_.erase(lent);
-  return status::kOk;
+  return result;
 }

@@ -9,6 +9,7 @@
 #include "frame/element_types.h"
 #include "frame/member/table.h"
 #include "frame/numeric_object.h"
+#include "frame/runtime_class.h"
 #include "vector/element_buffer.h"
 #include "vector/vector_base.h"
 
@@ -100,6 +101,12 @@ class TCVectorBase : public TCAllVectorsBase<T> {
   TCVectorBase(const TCVectorBase& other)
       : TCAllVectorsBase<T>(other.GetTypeID()), rows_(other.rows_) {}
 
+  const CRuntimeClass* GetRuntimeClass() const override {
+    static constexpr auto kName = vela::TemplateName<T>("TCVectorBase");
+    static const CRuntimeClass runtime_class{kName.data(), sizeof(TCVectorBase),
+                                             TCAllVectorNonTemplBase::GetRuntimeClass()};
+    return &runtime_class;
+  }
   CScriptVelaObject* CreateCopy() override { return vela::NewCopy(*this); }
   int LayerCount() const override { return rows_.Count(); }
   vela::LayerShape ShapeOf(int row) const override {

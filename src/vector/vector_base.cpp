@@ -77,6 +77,12 @@ const CClassMember kVectorMembers[] = {
 
 TCAllVectorNonTemplBase::TCAllVectorNonTemplBase(unsigned type_word) { InitTypeIDs(type_word); }
 
+const CRuntimeClass* TCAllVectorNonTemplBase::GetRuntimeClass() const {
+  static const CRuntimeClass runtime_class{
+      "TCAllVectorNonTemplBase", sizeof(TCAllVectorNonTemplBase), TesselCObject::GetRuntimeClass()};
+  return &runtime_class;
+}
+
 const CClassMember* TCAllVectorNonTemplBase::MemberTable() { return kVectorMembers; }
 
 int TCAllVectorNonTemplBase::RawResize(int, std::int64_t) { return status::kUnsupported; }

@@ -43,6 +43,7 @@ class TCAllVectorNonTemplBase
   using Base::SetString;
   using Base::Update;
 
+  const CRuntimeClass* GetRuntimeClass() const override;
   const char* GetTCTypeName() const override { return "vectorbase"; }
   static const CClassMember* MemberTable();
 
@@ -149,6 +150,8 @@ class TCAllVectorNonTemplBase
   // Lends the addressed row. In debug mode the buffer is a copy with two guard bytes behind it;
   // ReleaseBufferMSO reports a write beyond the size and copies the elements back.
   int GetBufferMSO(const MSOINDICES* at, void** buffer) override;
+  // As another element type: a converted copy, which the release converts back.
+  int GetBufferMSOEx(const MSOINDICES* at, unsigned element_type, void** buffer) override;
   int ReleaseBufferMSO(const MSOINDICES* at, void* buffer) override;
   int Operate2(const MSOINDICES* at, unsigned op, const tagMSOOBJVECT& operand,
                unsigned options) override;
@@ -221,11 +224,15 @@ class TCAllVectorNonTemplBase
   void RemoveRange(int row, std::size_t begin, std::size_t end);
 
  private:
+  // A copy of a row in external hands.
   struct LentBuffer {
-    std::unique_ptr<unsigned char[]> bytes;
+    std::unique_ptr<std::byte[]> bytes;
     int row;
+    unsigned type_id;
     std::size_t size;
+    vela::ElementSpan Elements() const { return {type_id, bytes.get(), size}; }
   };
+  void* LendCopy(int row, unsigned type_id);
 
   int AssignLayer(int row, const vela::Layer& source, unsigned options);
   template <class Fill>

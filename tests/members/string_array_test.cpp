@@ -212,7 +212,7 @@ TEST(StringArray, SubVectors) {
   EXPECT_EQ(TextsOf(a), (Texts{"0", "1", "2", "2"}));
   EXPECT_EQ(Call(a, "SetSubVector", a, 1, 3).Int(), 0) << "its own elements, as if copied";
   EXPECT_EQ(TextsOf(a), (Texts{"0", "0", "1", "2"}));
-  for (const auto& [offset, count] : {std::pair{-1, 1}, {4, 1}, {3, 2}, {0, 3}}) {
+  for (const auto& [offset, count] : {std::pair{-1, 1}, {4, -1}, {4, 0}, {3, 2}, {0, 3}}) {
     EXPECT_EQ(Call(a, "SetSubVector", target, offset, count).Int(), -1);
   }
   EXPECT_EQ(Call(a, "GetSubVector", a, 2, -1).Int(), 0);

@@ -124,8 +124,14 @@ TEST(Random, SeedsRepeatAndDiffer) {
   const ObjectRef v = VectorOf<double>({9});
   EXPECT_EQ(Call(v, "Normal", 1, 2, 3).status, status::kBadArguments);
   EXPECT_EQ(Call(v, "Uniform", 3, v).status, status::kBadArguments);
-  EXPECT_EQ(Call(v, "Uniform", 3, 2.5).status, status::kBadArguments) << "a seed is an int";
   ExpectValues(v, {9});
+  // A seed is a number of any type.
+  const ObjectRef by_int = Make(kTypeDouble | kFlagVector);
+  Call(by_int, "Uniform", 3, 2);
+  EXPECT_EQ(Call(v, "Uniform", 3, ScalarOf<short>(2)).Int(), 1);
+  EXPECT_EQ(ValuesOf<double>(v), ValuesOf<double>(by_int));
+  EXPECT_EQ(Call(v, "Uniform", 3, 2.0).Int(), 1);
+  EXPECT_EQ(ValuesOf<double>(v), ValuesOf<double>(by_int));
   // The values do not depend on the blocks in which other element types are filled.
   const ObjectRef complex = Make(kTypeComplex | kFlagVector),
                   real = Make(kTypeDouble | kFlagVector);

@@ -37,6 +37,8 @@ TEST(VectorAccess, EveryOverloadOfEveryType) {
       }
     });
     EXPECT_EQ(AsDoubles(v), (Doubles{1, 5, 3}));
+    EXPECT_EQ(v->GetRuntimeClass()->m_lpszClassName,
+              std::string("TCVectorBase<") + kElement<T>.display_name + '>');
     int whole = 0;
     double real = 0;
     OneTCcomplex complex;
@@ -196,6 +198,15 @@ TEST(LentBuffer, GuardedInDebugMode) {
   const MSOINDICES bad = MSOINDICES::Object(3);
   EXPECT_EQ(v->GetBufferMSO(&bad, &buffer), status::kOutOfRange);
   EXPECT_EQ(v->GetBufferSize(nullptr), 4u);
+
+  // As another type: a converted copy, which comes back converted.
+  ASSERT_EQ(v->GetBufferMSOEx(nullptr, kTypeDouble, &buffer), 0);
+  EXPECT_EQ(static_cast<double*>(buffer)[0], 7);
+  static_cast<double*>(buffer)[1] = 1e9;
+  EXPECT_EQ(v->ReleaseBufferMSO(nullptr, buffer), 0);
+  EXPECT_EQ(ValuesOf<short>(v), (std::vector<short>{7, 32767}));
+  EXPECT_EQ(v->GetBufferMSOEx(nullptr, kTypeString, &buffer), status::kUnsupported);
+  EXPECT_EQ(v->GetBufferMSOEx(nullptr, kTypeShort, nullptr), status::kBadArguments);
 }
 
 TEST(MemoryImage, FillsFromAnyAddress) {

@@ -223,6 +223,14 @@ TEST(Operate, AssignedNansBecomeMissing) {
             0);
   EXPECT_EQ(ValuesOf<OneTCcomplex>(complex)[0], OneTCcomplex(kM, 1));
   EXPECT_EQ(ValuesOf<OneTCcomplex>(complex)[1], OneTCcomplex(2, kM));
+  // One missing part, of the element or of the operand, makes both parts of a result missing.
+  EXPECT_EQ(Operate(complex, operation::kAdd, VectorOf<OneTCcomplex>({{1, 1}, {1, 1}})), 0);
+  EXPECT_EQ(ValuesOf<OneTCcomplex>(complex)[0], OneTCcomplex(kM, kM));
+  EXPECT_EQ(ValuesOf<OneTCcomplex>(complex)[1], OneTCcomplex(kM, kM));
+  const ObjectRef whole = VectorOf<OneTCcomplex>({{1, 1}, {1, 1}});
+  EXPECT_EQ(Operate(whole, operation::kAdd, VectorOf<OneTCcomplex>({{kM, 1}, {2, kM}})), 0);
+  EXPECT_EQ(ValuesOf<OneTCcomplex>(whole)[0], OneTCcomplex(kM, kM));
+  EXPECT_EQ(ValuesOf<OneTCcomplex>(whole)[1], OneTCcomplex(kM, kM));
   const ObjectRef appended = VectorOf<double>({1});
   EXPECT_EQ(Call(appended, "Append", VectorOf<double>(before)).Int(), 1);
   ExpectValues(appended, {1, kM, 1, kM, kInf});

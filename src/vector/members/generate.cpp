@@ -118,7 +118,7 @@ int TCAllVectorNonTemplBase::FillSeeded(CTCall* call, Fill&& fill) {
     RefuseOneRowOfMany(args, status::kNotOnRow);
     const Layer row = AddressedNumbers(args);
     const int count = args.Int(0);
-    const int seed = args.Int(1);
+    const double seed = args.Double(1);
     if (count > 0) {
       row.Resize(static_cast<std::size_t>(count), vela::Contents::kDrop);
       vela::RandomStream().Seed(seed);
@@ -137,7 +137,8 @@ int TCAllVectorNonTemplBase::FillSeeded(CTCall* call, Fill&& fill) {
 // Uniform(int count, vector source, int offset): count elements drawn from the source, from offset
 // on; 1, or 0 for a negative count or an empty source.
 int TCAllVectorNonTemplBase::Uniform(CTCall* call) {
-  if (call != nullptr && call->GetNumOfArguments() == 2 && call->GetTypeID(1) == kTypeInt) {
+  if (call != nullptr && call->GetNumOfArguments() == 2 &&
+      vela::ElementWidth(call->GetTypeID(1)) != 0) {
     return FillSeeded(call, [](kernel::RandomSource& random, auto v) { random.FillUniform(v); });
   }
   return Run(call, Exactly(3), [&](Arguments& args) {

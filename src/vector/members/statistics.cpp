@@ -70,18 +70,43 @@ int TCAllVectorNonTemplBase::Product(CTCall* call) {
   });
 }
 
+namespace {
+
+bool IsWide(unsigned type_id) { return type_id == kTypeInt64 || type_id == kTypeUnsignedInt64; }
+
+// The extremes of 64-bit integers go to doubles too, rounded, and exactly to 64-bit integers: as
+// texts, which no frame rounds.
+void RefuseNarrowExtreme(Arguments& args, unsigned arg, unsigned type_id) {
+  if (IsWide(type_id) && args.TypeId(arg) == kTypeDouble) return;
+  vela::RefuseNarrowReference(args, arg, type_id);
+}
+
+void SetExtreme(Arguments& args, unsigned arg, const vela::ElementSpan& x, double extreme,
+                std::ptrdiff_t position) {
+  if (position < 0 || !IsWide(x.type_id) || !IsWide(args.TypeId(arg))) {
+    return args.Set(arg, extreme);
+  }
+  const auto place = static_cast<std::size_t>(position);
+  const CStringUTF8 digits = x.type_id == kTypeInt64
+                                 ? vela::ValueText(x.As<std::int64_t>()[place])
+                                 : vela::ValueText(x.As<std::uint64_t>()[place]);
+  args.Set(arg, digits.c_str());
+}
+
+}  // namespace
+
 // GetMinMax(min&, max&, iMin&, iMax&): the extremes of the elements that are not missing and their
 // first positions, either of which may be NULL; how many are not missing.
 int TCAllVectorNonTemplBase::GetMinMax(CTCall* call) {
   return Run(call, Exactly(4), [&](Arguments& args) {
     const LayerElements x = AddressedElements(args);
-    vela::RefuseNarrowReference(args, 0, x.Span().type_id);
-    vela::RefuseNarrowReference(args, 1, x.Span().type_id);
+    RefuseNarrowExtreme(args, 0, x.Span().type_id);
+    RefuseNarrowExtreme(args, 1, x.Span().type_id);
     const kernel::MinMaxResult result =
         WithElements(vela::ConstElementSpan(x.Span()),
                      []<SimpleElement T>(std::span<const T> v) { return kernel::MinMax<T>(v); });
-    args.Set(0, result.min);
-    args.Set(1, result.max);
+    SetExtreme(args, 0, x.Span(), result.min, result.min_index);
+    SetExtreme(args, 1, x.Span(), result.max, result.max_index);
     vela::SetPosition(args, 2, result.min_index);
     vela::SetPosition(args, 3, result.max_index);
     args.Return(static_cast<int>(result.count));
