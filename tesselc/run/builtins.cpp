@@ -5,6 +5,7 @@
 
 #include "frame/interface/missing_value.h"
 #include "frame/interface/status.h"
+#include "tesselc/run/operators.h"
 #include "tesselc/run/script_error.h"
 
 namespace tesselc {
@@ -13,7 +14,6 @@ namespace {
 double Min(double a, double b) { return b < a ? b : a; }
 double Max(double a, double b) { return a < b ? b : a; }
 bool IsNan(double x) { return std::isnan(x); }
-bool IsMissing(double x) { return x == kMissingValue; }
 
 constexpr MathFunction OfOne(std::string_view name, double (*function)(double)) {
   return {name, function, nullptr, nullptr};
@@ -40,7 +40,10 @@ class UnaryCall final : public Expr<UnaryCall, double> {
  public:
   UnaryCall(double (*function)(double), ValuePtr<double> argument)
       : function_(function), argument_(std::move(argument)) {}
-  double Eval(Frame& frame) override { return function_(argument_->Eval(frame)); }
+  double Eval(Frame& frame) override {
+    const double argument = argument_->Eval(frame);
+    return IsMissing(argument) ? kMissingValue : function_(argument);
+  }
 
  private:
   double (*function_)(double);
@@ -53,7 +56,7 @@ class BinaryCall final : public Expr<BinaryCall, double> {
       : function_(function), first_(std::move(first)), second_(std::move(second)) {}
   double Eval(Frame& frame) override {
     const double first = first_->Eval(frame);
-    return function_(first, second_->Eval(frame));
+    return Calculate(first, second_->Eval(frame), function_);
   }
 
  private:
