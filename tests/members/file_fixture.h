@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 
 #include "text_fixture.h"
 
@@ -53,7 +54,9 @@ class FileTest : public ::testing::Test {
     ASSERT_EQ(Call(file_, "Open", Write("content", content), flags).Int(), 1);
   }
 
-  const std::string folder_ = ::testing::TempDir() + "vela files";
+  // Not that of another run of these tests.
+  const std::string folder_ =
+      ::testing::TempDir() + "vela files " + std::to_string(std::random_device{}());
   ObjectRef file_;
 };
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -137,10 +138,14 @@ TEST_F(File, ItemsSurviveTheWayThroughAFile) {
     ASSERT_EQ(Call(file_, "Open", path, flags).Int(), 1);
     EXPECT_EQ(Call(file_, "WriteFloat", source, 8, count, is_little).Int(), count);
     EXPECT_EQ(ValuesOf<double>(source), numbers) << "unchanged by the write";
-    unsigned char first[8];
-    std::memcpy(first, numbers.data(), sizeof first);
-    const std::string content = ContentOf(path);
-    EXPECT_EQ(static_cast<unsigned char>(content[0]), first[is_little ? 0 : 7]);
+    std::string bytes(reinterpret_cast<const char*>(numbers.data()), numbers.size() * 8);
+    if (!is_little) {
+      std::reverse(bytes.begin(), bytes.end());
+      for (std::size_t i = 0; i < bytes.size() / 2; i += 8) {
+        std::swap_ranges(&bytes[i], &bytes[i + 8], &bytes[bytes.size() - 8 - i]);
+      }
+    }
+    EXPECT_TRUE(ContentOf(path) == bytes);
     Call(file_, "SeekToBegin");
     EXPECT_EQ(Call(file_, "ReadFloat", target, 8, count, is_little).Int(), count);
     EXPECT_EQ(ValuesOf<double>(target), numbers);

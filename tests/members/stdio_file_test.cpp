@@ -104,6 +104,15 @@ TEST_F(StdioFile, LongLinesComeInPieces) {
   ASSERT_EQ(pieces.size(), 3u);
   EXPECT_EQ(pieces[0].size(), kMost);
   EXPECT_EQ(pieces[2], "é");
+  // An end that just fits is kept with its line, and one that does not comes next.
+  for (const std::u16string end : {u"\n", u"\r\n"}) {
+    for (const std::size_t room : {end.size() - 1, end.size()}) {
+      const std::u16string line(kMost - room, u'x');
+      const Texts kept = LinesOf("\xFF\xFE" + Utf16(line + end + u"z"), 1, mode::kUnicode);
+      EXPECT_EQ(kept.size(), room == end.size() ? 2u : 3u);
+      EXPECT_EQ(kept[0].size(), room == end.size() ? kMost : kMost - room);
+    }
+  }
   // A piece of UTF-8 ends with a whole character.
   const Texts whole = LinesOf(
       "a" +

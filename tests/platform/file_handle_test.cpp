@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -40,7 +41,9 @@ class FileHandleTest : public ::testing::Test {
     return {std::istreambuf_iterator<char>(in), {}};
   }
 
-  const std::string folder_ = ::testing::TempDir() + "vela file handles";
+  // Not that of another run of these tests.
+  const std::string folder_ =
+      ::testing::TempDir() + "vela file handles " + std::to_string(std::random_device{}());
 };
 
 constexpr FileOptions kRead = {.access = FileAccess::kRead};
@@ -186,7 +189,7 @@ TEST_F(FileHandleTest, MovesTakeTheHandleAlong) {
 
 #if !defined(_WIN32)
 TEST_F(FileHandleTest, AMoveToAnotherDiskIsAllOrNothing) {
-  const std::string other = "/dev/shm/vela moved";
+  const std::string other = "/dev/shm/vela moved " + std::to_string(std::random_device{}());
   struct stat here, there;
   if (stat("/dev/shm", &there) != 0 || stat(folder_.c_str(), &here) != 0 ||
       here.st_dev == there.st_dev) {
