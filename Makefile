@@ -54,7 +54,7 @@ random-programs: packages-test
 	$(call build_preset,release) --target tesselc
 	$(call build_preset,windows) --target tesselc
 	tools/random_programs.py --runner $(release)/tesselc --count $(PROGRAMS) --seed $(SEED)
-	WINEDEBUG=-all tools/random_programs.py --runner $(windows)/tesselc.exe --emulator wine \
+	tools/random_programs.py --runner $(windows)/tesselc.exe --emulator tools/wine.sh \
 	  --count $(PROGRAMS) --seed $(SEED)
 
 check: format layering exports
