@@ -5,6 +5,7 @@
 
 #include "frame/interface/missing_value.h"
 #include "frame/interface/status.h"
+#include "tesselc/run/mathematics.h"
 #include "tesselc/run/script_error.h"
 
 namespace tesselc {
