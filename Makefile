@@ -1,10 +1,12 @@
 # The front door. `make run` and `make test` install what they need on a Debian 12 machine.
 .DEFAULT_GOAL := build
-.PHONY: run build build-release build-windows test bench unbuilt sanitize fuzz check format layering \
-        exports packages packages-test packages-bench clean
+.PHONY: run build build-release build-windows test bench unbuilt sanitize fuzz random-programs check \
+        format layering exports packages packages-test packages-bench clean
 
 JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 30
+PROGRAMS ?= 10000
+SEED ?= 1
 release := build/release/bin
 windows := build/windows/bin
 build_preset = cmake --preset $(1) && cmake --build --preset $(1) -j $(JOBS)
@@ -48,6 +50,14 @@ sanitize: packages-test
 fuzz: packages-test
 	$(call build_preset,fuzz)
 	FUZZ_SECONDS=$(FUZZ_SECONDS) fuzz/run.sh
+
+# PROGRAMS (10000) random programs on both platforms, against a model of the language.
+random-programs: packages-test
+	$(call build_preset,release) --target tesselc
+	$(call build_preset,windows) --target tesselc
+	tools/random_programs.py --runner $(release)/tesselc --count $(PROGRAMS) --seed $(SEED)
+	WINEDEBUG=-all tools/random_programs.py --runner $(windows)/tesselc.exe --emulator wine \
+	  --count $(PROGRAMS) --seed $(SEED)
 
 check: format layering exports
 

@@ -14,6 +14,7 @@ namespace tesselc {
 // One member of a built-in class. A name may be declared several times, with other parameters.
 struct CatalogueMember {
   bool is_method = true;  // otherwise a property
+  bool is_const = false;  // a method that leaves its object as it is
   Type type;              // a method's result, void for none; a property's own type
   std::string name;
   std::vector<Parameter> parameters;

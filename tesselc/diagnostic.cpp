@@ -64,9 +64,19 @@ std::string Format(const Diagnostic& diagnostic, const SourceSet& sources) {
   const SourceFile& file = sources.file(diagnostic.range.file);
   const std::size_t offset = diagnostic.range.offset;
   const LineColumn place = file.Locate(offset);
-  return file.name() + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) +
-         ": error: " + diagnostic.message + "\n" +
-         Excerpt(file.Line(offset), offset - file.LineStart(offset));
+  const bool is_error = diagnostic.severity == Diagnostic::Severity::kError;
+  std::string text = file.name() + ":" + std::to_string(place.line) + ":" +
+                     std::to_string(place.column) + (is_error ? ": error: " : ": warning: ") +
+                     diagnostic.message + "\n" +
+                     Excerpt(file.Line(offset), offset - file.LineStart(offset));
+  for (const std::string& note : diagnostic.notes) text += "note: " + note + "\n";
+  return text;
+}
+
+bool HasErrors(const std::vector<Diagnostic>& diagnostics) {
+  return std::ranges::any_of(diagnostics, [](const Diagnostic& diagnostic) {
+    return diagnostic.severity == Diagnostic::Severity::kError;
+  });
 }
 
 }  // namespace tesselc

@@ -415,7 +415,8 @@ struct script : seq<text_begin, star<not_at<eof>, item>> {};
 // --- The member catalogue ------------------------------------------------------------------------
 
 struct documentation : success {};
-struct method : seq<checked_parameters, must<declaration_end>> {};
+struct method_const : kw_const {};
+struct method : seq<checked_parameters, opt<method_const>, must<declaration_end>> {};
 struct property : semicolon {};
 struct method_or_property : sor<method, property> {};
 struct catalogue_member : seq<documentation, must<function_head>, must<method_or_property>> {};

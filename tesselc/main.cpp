@@ -1,4 +1,5 @@
 #include <iostream>
+#include <iterator>
 
 #include "tesselc/catalogue.h"
 #include "tesselc/run/native_stack.h"
@@ -29,7 +30,10 @@ int Work(std::vector<std::string> words) {
   }
   Output output;
   ScriptRunner runner(output, {line.check_only, line.debug_mode, std::move(line.arguments)});
-  return line.code ? runner.RunText("-e", std::move(*line.code)) : runner.RunFile(*line.script);
+  if (line.code) return runner.RunText("-e", std::move(*line.code));
+  if (*line.script != "-") return runner.RunFile(*line.script);
+  std::string text(std::istreambuf_iterator<char>(std::cin), {});
+  return runner.RunText("standard input", std::move(text));
 }
 
 int Main(std::vector<std::string> words) {

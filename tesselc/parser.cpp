@@ -339,6 +339,7 @@ template <> struct Action<g::top_statement> : OnText<&B::AddTopLevelStatement> {
 template <> struct Action<g::documentation> : OnText<[](B& b, const R& r) { b.SetDocumentation(r.offset); }> {};
 template <> struct Action<g::class_name_text> : OnText<&B::OpenClass> {};
 template <> struct Action<g::base_name_text> : OnText<&B::SetBase> {};
+template <> struct Action<g::method_const> : OnText<&B::SetConstMethod> {};
 template <> struct Action<g::property> : OnText<&B::SetProperty> {};
 template <> struct Action<g::catalogue_member> : OnSyntax<&B::AddMember> {};
 // clang-format on

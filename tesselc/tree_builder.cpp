@@ -549,6 +549,7 @@ void TreeBuilder::SetBase(const SourceRange& name) {
 void TreeBuilder::AddMember(const SourceRange& range) {
   CatalogueMember member;
   member.is_method = !std::exchange(is_property_, false);
+  member.is_const = std::exchange(is_const_method_, false);
   member.type = function_.result;
   member.name = function_.name.text;
   member.parameters = std::exchange(function_.parameters, {});

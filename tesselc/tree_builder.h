@@ -144,6 +144,7 @@ class TreeBuilder {
   void OpenClass(const SourceRange& name);
   void SetBase(const SourceRange& name);
   void SetProperty() { is_property_ = true; }
+  void SetConstMethod() { is_const_method_ = true; }
   void AddMember(const SourceRange& range);
 
   // --- Nesting ---
@@ -224,6 +225,7 @@ class TreeBuilder {
   Program program_;
   std::string documentation_;
   bool is_property_ = false;
+  bool is_const_method_ = false;
   std::vector<CatalogueClass> classes_;
 };
 

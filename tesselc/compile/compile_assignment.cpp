@@ -73,23 +73,32 @@ Value Compiler::AssignElement(Place target, std::optional<BinaryOperator> op, Va
                               const SourceRange& range) {
   if (op) return UpdateElement(std::move(target), *op, std::move(value), false, range);
   const StaticType type = target.type;
-  auto& [carrier, element] = std::get<Place::Element>(target.what);
+  auto& element = std::get<Place::Element>(target.what);
+  const Carrier carrier = element.carrier;
   NodePtr stored;
   if (carrier == kTextCarrier) {
     value = Convert(std::move(value), type, range);
     stored = ToText(std::move(value), range);
   } else {
-    stored = Convert(std::move(value), type, range).node;
+    stored = element.has_operations ? ToStored(std::move(value), type, range)
+                                    : Convert(std::move(value), type, range).node;
   }
-  return {type, carrier, MakeStoreElement(carrier, std::move(element), std::move(stored))};
+  return {type, carrier, MakeStoreElement(carrier, std::move(element.node), std::move(stored))};
 }
 
 // The operand is computed first, then the element is found once, read, combined and written.
 Value Compiler::UpdateElement(Place target, BinaryOperator op, Value value, bool give_old,
                               const SourceRange& range) {
   const TypeName type = target.type.name;
+  auto& place = std::get<Place::Element>(target.what);
+  if (value.type.IsVariant()) value = Convert(std::move(value), target.type, range);
   if (!value.type.IsScalar()) {
     Fail(range, "an element cannot be combined with " + Spelling(value.type));
+  }
+  const unsigned code = OperationCode(op);
+  if (code != 0 && place.has_operations && value.type.IsPoint() <= target.type.IsPoint()) {
+    return MakeValue(type, MakeOperateElement(type, std::move(place.node), code, value.type.name,
+                                              std::move(value.node), give_old, range));
   }
   const std::uint32_t operand = context_.layout->Allocate(ScalarSize(value.type.name));
   const std::uint32_t element = context_.layout->Allocate(ScalarSize(type));
@@ -98,10 +107,10 @@ Value Compiler::UpdateElement(Place target, BinaryOperator op, Value value, bool
       MakeStore(operand_type.name, VariablePlace::Local(operand), std::move(value.node));
   Value combined =
       Combine(op, Scratch(target.type, element), Scratch(operand_type, operand), range);
-  combined = Convert(std::move(combined), target.type, range);
-  NodePtr& node = std::get<Place::Element>(target.what).node;
-  return MakeValue(type, MakeUpdateElement(type, std::move(node), element, std::move(first),
-                                           std::move(combined.node), give_old));
+  NodePtr stored = place.has_operations ? ToStored(std::move(combined), target.type, range)
+                                        : Convert(std::move(combined), target.type, range).node;
+  return MakeValue(type, MakeUpdateElement(type, std::move(place.node), element, std::move(first),
+                                           std::move(stored), give_old));
 }
 
 Value Compiler::AssignObject(Place target, std::optional<BinaryOperator> op, Value value,
@@ -131,7 +140,8 @@ Value Compiler::AssignObject(Place target, std::optional<BinaryOperator> op, Val
     NodePtr text = ToText(std::move(value), range);
     return {type, kObjectCarrier, MakeSetText(std::move(object), std::move(text), range)};
   }
-  const bool scalar = value.type.IsNumber() || value.type.IsComplex();
+  const bool scalar = value.type.IsNumber() || value.type.IsComplex() ||
+                      (value.type.IsPoint() && type.IsContainer() && IsPoint(type.element));
   const bool fits = scalar ? type.IsContainer() || type.IsVariant()
                            : CanReferTo(type, value.type) || CanReferTo(value.type, type) ||
                                  (type.IsVector() && value.type.IsVector()) ||

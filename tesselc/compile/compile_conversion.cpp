@@ -23,11 +23,17 @@ Value Compiler::Convert(Value value, const StaticType& to, const SourceRange& ra
     if (from.name == TypeName::kChar) {
       return {to, kTextCarrier, MakeTextOfChar(std::move(value.node))};
     }
+    if (is_cast && (from.IsNumber() || from.IsComplex())) {
+      return {to, kTextCarrier, MakeTextOfNumber(from.name, std::move(value.node))};
+    }
     Fail(range, CannotConvert(from, to));
   }
   if (to.IsObject()) return ConvertToObject(std::move(value), to, range);
   if (from.IsVariant() && (to.IsNumber() || to.IsComplex())) {
     return MakeValue(to.name, MakeNumberOf(to.name, std::move(value.node), range));
+  }
+  if (from.IsString() && to.IsNumber() && is_cast) {
+    return MakeValue(to.name, MakeNumberOfText(to.name, ToText(std::move(value), range)));
   }
   const bool both_points = from.IsPoint() && to.IsPoint();
   const bool numbers = from.IsNumber() && (to.IsNumber() || to.IsComplex());
@@ -55,7 +61,18 @@ NodePtr Compiler::ToNumber(Value value, TypeName number, const SourceRange& rang
 NodePtr Compiler::ToIndex(const Expression& expression) {
   Value value = CompileValue(expression);
   if (!value.type.IsNumber()) Fail(expression.range, "an index must be a number");
-  return ToNumber(std::move(value), TypeName::kInt64, expression.range);
+  if (!IsFloating(value.type.name)) {
+    return ToNumber(std::move(value), TypeName::kInt64, expression.range);
+  }
+  return MakeIndex(ToNumber(std::move(value), TypeName::kDouble, expression.range),
+                   expression.range);
+}
+
+NodePtr Compiler::ToStored(Value value, const StaticType& to, const SourceRange& range) {
+  if (value.type.IsInteger() && to.IsInteger()) {
+    return MakeSaturating(value.type.name, to.name, std::move(value.node));
+  }
+  return Convert(std::move(value), to, range).node;
 }
 
 NodePtr Compiler::ToText(Value value, const SourceRange& range) {

@@ -29,7 +29,7 @@ Symbol& Compiler::DeclareVariable(const Identifier& name, const StaticType& type
   symbol.is_const = is_const;
   FrameLayout& layout = *context_.layout;
   if (type.IsScalar()) {
-    symbol.variable = is_reference ? VariablePlace::Reference(layout.Allocate(sizeof(void*)))
+    symbol.variable = is_reference ? VariablePlace::Reference(0)
                       : global     ? VariablePlace::Global(globals_.Allocate(false))
                                    : VariablePlace::Local(layout.Allocate(ScalarSize(type.name)));
   } else if (is_reference) {
@@ -96,6 +96,9 @@ void Compiler::DeclareScalar(const Variable& variable, const StaticType& type,
 void Compiler::DeclareObject(const Variable& variable, const StaticType& type,
                              std::vector<PlacedStatement>& out) {
   const SourceRange& range = variable.name.range;
+  if (type.is_array && (type.name == TypeName::kFile || type.name == TypeName::kStdioFile)) {
+    Fail(range, "there are no arrays of " + Spelling(type.Item()));
+  }
   const InitializerList* list = nullptr;
   if (variable.initializer) list = std::get_if<InitializerList>(&variable.initializer->node);
   NodePtr count;

@@ -128,8 +128,8 @@ Place Compiler::Visit(const Unary& unary, const SourceRange& range) {
     return AsPlace(MakeValue(TypeName::kInt, MakeNot(std::move(truth))));
   }
   if (unary.op == UnaryOperator::kMinus && operand.type.IsContainer()) {
-    return AsPlace(Combine(BinaryOperator::kMultiply, std::move(operand),
-                           MakeValue(TypeName::kInt, MakeConstant(-1)), range));
+    return AsPlace(
+        {operand.type, kObjectCarrier, MakeNegateObject(std::move(operand.node), range)});
   }
   if (operand.type.IsComplex() && unary.op != UnaryOperator::kComplement) {
     if (unary.op == UnaryOperator::kPlus) return AsPlace(std::move(operand));
@@ -301,9 +301,10 @@ Place Compiler::IndexArray(Place base, NodePtr index, const SourceRange& range) 
     return {type, false,
             Place::Object{MakeArrayItem(std::move(array), std::move(index), range), nullptr}};
   }
-  return {type, false,
-          Place::Element{type.name,
-                         MakeArrayElement(type.name, std::move(array), std::move(index), range)}};
+  return {
+      type, false,
+      Place::Element{type.name,
+                     MakeArrayElement(type.name, std::move(array), std::move(index), range), true}};
 }
 
 Place Compiler::ElementOf(const StaticType& container, NodePtr object, NodePtr index,
@@ -317,15 +318,17 @@ Place Compiler::ElementOf(const StaticType& container, NodePtr object, NodePtr i
   } else {
     node = MakeTextElement(std::move(object), std::move(index), range);
   }
-  return {type, false, Place::Element{CarrierOf(type), std::move(node)}};
+  return {type, false, Place::Element{CarrierOf(type), std::move(node), container.IsVector()}};
 }
 
 Place Compiler::CellOf(const StaticType& matrix, NodePtr object, NodePtr row, NodePtr column,
                        const SourceRange& range) {
   const StaticType type = ElementType(matrix);
   return {type, false,
-          Place::Element{type.name, MakeMatrixCell(matrix.element, std::move(object),
-                                                   std::move(row), std::move(column), range)}};
+          Place::Element{type.name,
+                         MakeMatrixCell(matrix.element, std::move(object), std::move(row),
+                                        std::move(column), range),
+                         true}};
 }
 
 Place Compiler::Visit(const InitializerList&, const SourceRange& range) {

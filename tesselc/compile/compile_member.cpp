@@ -5,44 +5,84 @@
 namespace tesselc {
 namespace {
 
-bool IsText(const StaticType& type) { return type.IsString(); }
+StaticType WantedType(const Parameter& parameter) {
+  const TypeName name = parameter.type.name;
+  return {name, IsTemplate(name) ? parameter.type.element : TypeName::kVoid};
+}
+
+bool Writes(const Parameter& parameter) {
+  const Type& type = parameter.type;
+  return (type.is_reference || type.name == TypeName::kBuffer) && !type.is_const;
+}
+
+// What a signature tells apart. The rest is for the member to say: a number of another type, a
+// vector of other elements.
+enum class Family { kAnything, kNumber, kText, kTexts, kVector, kMatrix, kPoint, kOther };
+
+Family FamilyOf(const StaticType& type) {
+  if (type.is_array || type.is_null || type.IsVariant()) return Family::kAnything;
+  if (type.name == TypeName::kAny || type.name == TypeName::kBuffer) return Family::kAnything;
+  if (type.IsNumber() || type.IsComplex() || type.name == TypeName::kNumeric) {
+    return Family::kNumber;
+  }
+  if (type.IsString()) return Family::kText;
+  if (type.name == TypeName::kStringArray) return Family::kTexts;
+  if (type.IsVector()) return Family::kVector;
+  if (type.IsMatrix()) return Family::kMatrix;
+  return type.IsPoint() ? Family::kPoint : Family::kOther;
+}
+
+// Whether the signature rules an argument out by its type.
+bool IsRuledOut(const Parameter& parameter, const StaticType& argument) {
+  const StaticType wanted = WantedType(parameter);
+  const Family given = FamilyOf(argument);
+  const Family family = FamilyOf(wanted);
+  if (given == Family::kAnything || family == Family::kAnything) return false;
+  if (CanReferTo(wanted, argument)) return false;
+  if (wanted.name == TypeName::kNumeric && given == Family::kPoint) return false;
+  return given != family || given == Family::kOther;
+}
+
+bool NeedsVariable(const Parameter& parameter, const Place& argument) {
+  return Writes(parameter) && parameter.type.name != TypeName::kBuffer && !argument.IsStored() &&
+         !argument.type.is_null && argument.type.name != TypeName::kVoid;
+}
 
 // How well an argument fits a parameter; below 0 not at all.
-int Fit(const Parameter& parameter, const StaticType& argument, bool is_place) {
-  const StaticType wanted{parameter.type.name, IsTemplate(parameter.type.name)
-                                                   ? parameter.type.element
-                                                   : TypeName::kVoid};
-  const bool writes = parameter.type.is_reference && !parameter.type.is_const;
-  if (writes && !is_place && !argument.is_null) return -1;
+int Fit(const Parameter& parameter, const Place& argument) {
+  const StaticType& type = argument.type;
+  const StaticType wanted = WantedType(parameter);
+  if (NeedsVariable(parameter, argument) || IsRuledOut(parameter, type)) return -1;
   if (wanted.name == TypeName::kAny || wanted.name == TypeName::kBuffer) return 1;
-  if (argument.is_null) return wanted.IsObject() ? 1 : 0;
-  if (wanted.name == TypeName::kNumeric)
-    return argument.IsNumber() || argument.IsComplex() ? 2 : -1;
-  if (wanted == argument) return 4;
-  if (CanReferTo(wanted, argument)) return 3;
-  if (wanted.name == TypeName::kChar) return argument.IsInteger() ? 2 : -1;
-  if (IsText(wanted)) return IsText(argument) ? 4 : argument.IsVariant() ? 1 : -1;
-  if (wanted.IsNumber()) return argument.IsNumber() ? 3 : argument.IsVariant() ? 1 : -1;
-  if (wanted.IsComplex()) return argument.IsNumber() ? 2 : -1;
-  if (wanted.IsContainer()) return argument.IsContainer() && !writes ? 0 : -1;
-  return -1;
+  if (type.is_null) return wanted.IsObject() ? 1 : 0;
+  if (wanted == type) return 4;
+  if (CanReferTo(wanted, type)) return 3;
+  if (wanted.name == TypeName::kChar) return type.IsInteger() ? 2 : 0;
+  if (wanted.IsNumber()) return type.IsNumber() ? 3 : 1;
+  return wanted.name == TypeName::kNumeric ? 2 : 0;
 }
 
 // How well the arguments fit an overload: the count first, then each argument.
+bool FitsCount(const CatalogueMember& member, std::size_t given) {
+  return given >= member.RequiredCount() &&
+         (given <= member.parameters.size() || member.IsVariadic());
+}
 int Fit(const CatalogueMember& member, const std::vector<Place>& arguments) {
   const std::size_t given = arguments.size();
-  int total = 0;
-  if (given < member.RequiredCount() ||
-      (given > member.parameters.size() && !member.IsVariadic())) {
-    total -= 1000;
-  }
+  int total = FitsCount(member, given) ? 0 : -1000;
   for (std::size_t i = 0; i < std::min(given, member.parameters.size()); ++i) {
     if (member.parameters[i].variadic) break;
-    const bool is_place = !arguments[i].Is<Place::Computed>();
-    const int fit = Fit(member.parameters[i], arguments[i].type, is_place);
+    const int fit = Fit(member.parameters[i], arguments[i]);
     total += fit < 0 ? -50 : fit;
   }
   return total;
+}
+
+std::string CountOf(const CatalogueMember& member) {
+  const std::size_t least = member.RequiredCount(), most = member.parameters.size();
+  std::string text = std::to_string(least);
+  if (least != most) text += " to " + std::to_string(most);
+  return text + (most == 1 ? " argument" : " arguments");
 }
 
 }  // namespace
@@ -52,6 +92,7 @@ MemberUse Compiler::UseMember(const Expression& object, const Identifier& member
   Place place = Reach(object);
   if (place.type.is_null) Fail(object.range, "NULL is no object");
   type = place.type;
+  const bool is_const = place.is_const;
   type.is_array = false;
   const Catalogue& catalogue = Catalogue::Get();
   const CatalogueClass* owner = type.IsVoid() ? nullptr : catalogue.FindClass(type.name);
@@ -65,6 +106,8 @@ MemberUse Compiler::UseMember(const Expression& object, const Identifier& member
   use.member = member.text;
   use.owner = Spelling(type);
   use.where = member.range;
+  use.is_const = is_const;
+  for (const CatalogueMember* overload : found) use.signatures.push_back(overload->signature);
   return use;
 }
 
@@ -106,12 +149,18 @@ ArgumentPtr Compiler::PassArgument(Place place, const Parameter* parameter,
   const auto* value_place = std::get_if<Place::Computed>(&place.what);
   const bool object = place.Is<Place::Object>() || place.Is<Place::MatrixRow>() ||
                       (value_place && value_place->carrier == kObjectCarrier);
-  if (object) return MakeObjectArgument(BindObject(std::move(place), range), by_reference);
+  const bool is_const = parameter && !Writes(*parameter);
+  if (object) {
+    if (place.is_const && parameter && Writes(*parameter)) {
+      Fail(range, "a constant cannot be passed by reference");
+    }
+    return MakeObjectArgument(BindObject(std::move(place), range), by_reference, is_const);
+  }
   const bool writable = place.IsStored() && by_reference && !parameter->variadic;
-  if (writable && place.is_const && !parameter->type.is_const) {
+  if (writable && place.is_const && !is_const) {
     Fail(range, "a constant cannot be passed by reference");
   }
-  if (writable) return MakeObjectArgument(BindObject(std::move(place), range), true);
+  if (writable) return MakeObjectArgument(BindObject(std::move(place), range), true, is_const);
   if (place.type.IsPoint()) {
     return MakeObjectArgument(BindObject(std::move(place), range), false);
   }
@@ -128,6 +177,32 @@ ArgumentPtr Compiler::PassDefault(const Parameter& parameter) {
   return PassArgument(Reach(*parameter.default_value), &parameter, {});
 }
 
+// A member answers to a wrong number of arguments itself; a type that its signature rules out would
+// be taken for something else.
+void Compiler::CheckArguments(const MemberUse& use, const CatalogueMember& member,
+                              const std::vector<ExpressionPtr>& arguments,
+                              const std::vector<Place>& places) {
+  if (!FitsCount(member, places.size())) {
+    diagnostics_.push_back({use.where,
+                            "'" + member.name + "' takes " + CountOf(member) + ", not " +
+                                std::to_string(places.size()),
+                            use.signatures, Diagnostic::Severity::kWarning});
+    return;
+  }
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    const Parameter& parameter = member.parameters[i];
+    if (parameter.variadic) return;
+    const std::string which = "argument " + std::to_string(i + 1) + " of '" + member.name + "' ";
+    if (IsRuledOut(parameter, places[i].type)) {
+      throw ScriptMistake(arguments[i]->range, which + "cannot be " + Spelling(places[i].type),
+                          use.signatures);
+    }
+    if (NeedsVariable(parameter, places[i])) {
+      throw ScriptMistake(arguments[i]->range, which + "needs a variable", use.signatures);
+    }
+  }
+}
+
 void Compiler::PassArguments(MemberUse& use, const std::vector<ExpressionPtr>& arguments,
                              const std::vector<const CatalogueMember*>& overloads) {
   std::vector<Place> places;
@@ -135,6 +210,10 @@ void Compiler::PassArguments(MemberUse& use, const std::vector<ExpressionPtr>& a
   const CatalogueMember& member = **std::ranges::max_element(
       overloads, {}, [&](const CatalogueMember* overload) { return Fit(*overload, places); });
   const auto& parameters = member.parameters;
+  if (use.is_const && !member.is_const) {
+    throw ScriptMistake(use.where, "'" + member.name + "' would change a constant", use.signatures);
+  }
+  CheckArguments(use, member, arguments, places);
   for (std::size_t i = 0; i < places.size(); ++i) {
     const Parameter* parameter = nullptr;
     if (i < parameters.size()) {
@@ -169,7 +248,8 @@ Place Compiler::Visit(const Member& access, const SourceRange& range) {
   if (member.is_method) {
     Fail(access.member.range, "'" + access.member.text + "' is a function; call it with ()");
   }
-  return {Resolve(member.type), member.IsReadOnly(), Place::Property{std::move(use)}};
+  const bool is_const = member.IsReadOnly() || use.is_const;
+  return {Resolve(member.type), is_const, Place::Property{std::move(use)}};
 }
 
 Place Compiler::Visit(const MemberCall& call, const SourceRange& range) {

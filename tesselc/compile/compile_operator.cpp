@@ -170,7 +170,8 @@ Value Compiler::CombineComplex(BinaryOperator op, Value left, Value right,
                      MakeComparison(op, TypeName::kComplex, std::move(a), std::move(b)));
   }
   if (OperationCode(op) == 0) FailOperands(op, l, r, range);
-  return MakeValue(TypeName::kComplex, MakeComplexArithmetic(op, std::move(a), std::move(b)));
+  return MakeValue(TypeName::kComplex,
+                   MakeComplexArithmetic(OperationCode(op), std::move(a), std::move(b), range));
 }
 
 Value Compiler::CombinePoints(BinaryOperator op, Value left, Value right,
@@ -206,10 +207,13 @@ Value Compiler::CombineTexts(BinaryOperator op, Value left, Value right, const S
 Value Compiler::CombineObjects(BinaryOperator op, Value left, Value right,
                                const SourceRange& range) {
   const StaticType l = left.type, r = right.type;
-  if ((!HasOperators(l) && !IsNumberOrComplex(l)) || (!HasOperators(r) && !IsNumberOrComplex(r))) {
-    FailOperands(op, l, r, range);
-  }
+  const auto fits = [](const StaticType& type, const StaticType& other) {
+    return HasOperators(type) || IsNumberOrComplex(type) ||
+           (type.IsPoint() && other.IsContainer() && IsPoint(other.element));
+  };
+  if (!fits(l, r) || !fits(r, l)) FailOperands(op, l, r, range);
   if (IsComparison(op)) {
+    if (l.IsContainer() || r.IsContainer()) FailOperands(op, l, r, range);
     NodePtr a = HasOperators(l)
                     ? std::move(left.node)
                     : MakeTemporary(ObjectTypeOf(l), left.carrier, std::move(left.node), range);

@@ -66,7 +66,7 @@ Signature MakeSignature(const Function& function) {
       throw ScriptMistake(declared.type.range, "a parameter cannot be void");
     const std::uint32_t size =
         parameter.type.IsScalar()
-            ? parameter.by_reference ? sizeof(void*) : ScalarSize(parameter.type.name)
+            ? parameter.by_reference ? sizeof(ScalarReference) : ScalarSize(parameter.type.name)
         : parameter.by_reference ? sizeof(ObjectReference)
                                  : sizeof(void*);
     parameter.offset = signature.layout.Allocate(size);

@@ -126,7 +126,11 @@ NodePtr Compiler::Visit(const For& statement, const SourceRange&) {
 NodePtr Compiler::Visit(const RangeFor& statement, const SourceRange&) {
   ScopeGuard scope(*this);
   const SourceRange& where = statement.range->range;
-  Value container = CompileValue(*statement.range);
+  Place range_place = Reach(*statement.range);
+  if (range_place.is_const && statement.type.is_reference && !statement.type.is_const) {
+    Fail(statement.type.range, "the elements of a constant need a reference to const");
+  }
+  Value container = Load(std::move(range_place), where);
   const StaticType walked = container.type;
   const bool texts = walked.name == TypeName::kStringArray && !walked.is_array;
   if (!walked.IsVector() && !texts) Fail(where, Spelling(walked) + " cannot be walked over");

@@ -40,6 +40,8 @@ struct Place {
   struct Element {  // a scalar or a text inside an object
     Carrier carrier;
     NodePtr node;  // an ElementNode
+    // + - * / ^ with an assignment are the object's own; a byte of a text has none.
+    bool has_operations;
   };
   struct Object {  // an object in a variable, or an item of an array of objects
     NodePtr node;
@@ -205,6 +207,8 @@ class Compiler {
   Value ConvertToObject(Value value, const StaticType& to, const SourceRange& range);
   NodePtr ToNumber(Value value, TypeName number, const SourceRange& range);
   NodePtr ToIndex(const Expression& expression);
+  // A number that is stored in an object: it saturates where a variable would wrap.
+  NodePtr ToStored(Value value, const StaticType& to, const SourceRange& range);
   NodePtr ToText(Value value, const SourceRange& range);
   NodePtr ToTruth(Value value, const SourceRange& range);
   NodePtr ToObject(Value value, const SourceRange& range);
@@ -243,6 +247,9 @@ class Compiler {
   BindingPtr BindObject(Place place, const SourceRange& range);
   void PassArguments(MemberUse& use, const std::vector<ExpressionPtr>& arguments,
                      const std::vector<const CatalogueMember*>& overloads);
+  void CheckArguments(const MemberUse& use, const CatalogueMember& member,
+                      const std::vector<ExpressionPtr>& arguments,
+                      const std::vector<Place>& places);
   ArgumentPtr PassArgument(Place place, const struct Parameter* parameter,
                            const SourceRange& range);
   ArgumentPtr PassDefault(const struct Parameter& parameter);

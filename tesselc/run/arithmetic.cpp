@@ -3,8 +3,12 @@
 #include <cmath>
 #include <limits>
 
+#include "frame/interface/operations.h"
+#include "frame/interface/script_object.h"
 #include "frame/interface/status.h"
+#include "tesselc/run/bindings.h"
 #include "tesselc/run/number_types.h"
+#include "tesselc/run/objects.h"
 #include "tesselc/run/operands.h"
 #include "tesselc/run/operators.h"
 #include "tesselc/run/script_error.h"
@@ -47,14 +51,14 @@ NodePtr MakePlainBinary(NodePtr left, NodePtr right) {
 
 struct DivideOp {
   template <class T>
-  static T Apply(const T& a, const T& b) {
-    return a / b;
+  static T Apply(T a, T b) {
+    return Calculate(a, b, [](auto x, auto y) { return x / y; });
   }
 };
 struct RemainderOp {
   template <class T>
   static T Apply(T a, T b) {
-    return std::fmod(a, b);
+    return Calculate(a, b, [](auto x, auto y) { return std::fmod(x, y); });
   }
 };
 struct BitAndOp {
@@ -159,7 +163,7 @@ class Power final : public ValueNode<double> {
       : power_(power), left_(std::move(left)), right_(std::move(right)) {}
   double Eval(Frame& frame) override {
     const double left = left_->Eval(frame);
-    return power_(left, right_->Eval(frame));
+    return Calculate(left, right_->Eval(frame), power_);
   }
 
  private:
@@ -167,11 +171,51 @@ class Power final : public ValueNode<double> {
   ValuePtr<double> left_, right_;
 };
 
-struct PowerOp {
-  template <class T>
-  static T Apply(const T& a, const T& b) {
-    return a ^ b;
+bool IsFinite(const OneTCcomplex& z) { return std::isfinite(z.m_re) && std::isfinite(z.m_im); }
+
+// What is finite is computed here; the library's complex object knows the rules for the rest.
+class ComplexArithmetic final : public ValueNode<OneTCcomplex> {
+ public:
+  ComplexArithmetic(unsigned op, ValuePtr<OneTCcomplex> left, ValuePtr<OneTCcomplex> right,
+                    SourceRange where)
+      : op_(op), left_(std::move(left)), right_(std::move(right)), where_(where) {}
+  OneTCcomplex Eval(Frame& frame) override {
+    const OneTCcomplex left = left_->Eval(frame);
+    const OneTCcomplex right = right_->Eval(frame);
+    if (IsFinite(left) && IsFinite(right) && !AnyMissing(left, right)) {
+      const OneTCcomplex result = Compute(left, right);
+      // A limit below the largest number: beyond it the library looks closer.
+      constexpr double kLimit = 1e150;
+      if (std::fabs(result.m_re) < kLimit && std::fabs(result.m_im) < kLimit) return result;
+    }
+    OneTCcomplex result = left;
+    Passed passed;
+    CScriptVelaObject* object = passed.BindProxy(*frame.run, TypeName::kComplex, &result, where_);
+    const auto operand = tagMSOOBJVECT::Plain(right, kTypeComplex);
+    CheckStatus(object->Operate2(nullptr, op_ | operation::kPlainOperand, operand, 0), "compute",
+                where_);
+    return result;
   }
+
+ private:
+  OneTCcomplex Compute(const OneTCcomplex& a, const OneTCcomplex& b) const {
+    switch (op_) {
+      case operation::kAdd:
+        return a + b;
+      case operation::kSubtract:
+        return a - b;
+      case operation::kMultiply:
+        return a * b;
+      case operation::kDivide:
+        return a / b;
+      default:
+        return a ^ b;
+    }
+  }
+
+  unsigned op_;
+  ValuePtr<OneTCcomplex> left_, right_;
+  SourceRange where_;
 };
 
 template <class Op>
@@ -207,8 +251,10 @@ struct NegateFunction {
   static T Apply(const T& a) {
     if constexpr (std::is_integral_v<T>) {
       return SubtractOp::Apply<T>(0, a);
+    } else if constexpr (std::is_same_v<T, OneTCcomplex>) {
+      return AnyMissing(a, a) ? OneTCcomplex(kMissingValue, kMissingValue) : -a;
     } else {
-      return -a;
+      return AnyMissing(a, a) ? a : -a;
     }
   }
 };
@@ -307,22 +353,9 @@ NodePtr MakeShift(BinaryOperator op, TypeName type, NodePtr left, NodePtr right,
   });
 }
 
-NodePtr MakeComplexArithmetic(BinaryOperator op, NodePtr left, NodePtr right) {
-  using T = OneTCcomplex;
-  switch (op) {
-    case BinaryOperator::kAdd:
-      return MakePlainBinary<T, AddOp>(std::move(left), std::move(right));
-    case BinaryOperator::kSubtract:
-      return MakePlainBinary<T, SubtractOp>(std::move(left), std::move(right));
-    case BinaryOperator::kMultiply:
-      return MakePlainBinary<T, MultiplyOp>(std::move(left), std::move(right));
-    case BinaryOperator::kDivide:
-      return MakePlainBinary<T, DivideOp>(std::move(left), std::move(right));
-    case BinaryOperator::kPower:
-      return MakePlainBinary<T, PowerOp>(std::move(left), std::move(right));
-    default:
-      return nullptr;
-  }
+NodePtr MakeComplexArithmetic(unsigned op, NodePtr left, NodePtr right, SourceRange where) {
+  return std::make_unique<ComplexArithmetic>(op, As<OneTCcomplex>(std::move(left)),
+                                             As<OneTCcomplex>(std::move(right)), where);
 }
 
 NodePtr MakePointArithmetic(BinaryOperator op, TypeName type, NodePtr left, NodePtr right) {

@@ -20,8 +20,8 @@ NodePtr MakePower(PowerFunction power, NodePtr left, NodePtr right);
 // `type` is the promoted type of the left operand, the right one is an int64. A count below 0 or
 // not below the width of the type is a script error.
 NodePtr MakeShift(BinaryOperator op, TypeName type, NodePtr left, NodePtr right, SourceRange where);
-// + - * / ^ on complex values.
-NodePtr MakeComplexArithmetic(BinaryOperator op, NodePtr left, NodePtr right);
+// An operation code of operations.h on complex values.
+NodePtr MakeComplexArithmetic(unsigned op, NodePtr left, NodePtr right, SourceRange where);
 // + and - on points of one type.
 NodePtr MakePointArithmetic(BinaryOperator op, TypeName type, NodePtr left, NodePtr right);
 
@@ -37,8 +37,12 @@ NodePtr MakeNot(NodePtr operand);
 NodePtr MakeAnd(NodePtr left, NodePtr right);
 NodePtr MakeOr(NodePtr left, NodePtr right);
 
-// Between scalar types that convert into each other.
+// Between scalar types that convert into each other. Integers wrap where they do not fit.
 NodePtr MakeConversion(TypeName from, TypeName to, NodePtr operand);
+// The same for a value that is stored in an object: integers saturate.
+NodePtr MakeSaturating(TypeName from, TypeName to, NodePtr operand);
+// An int64 from a double; a missing value and NaN are script errors.
+NodePtr MakeIndex(NodePtr operand, SourceRange where);
 // A value from its parts, each a double: a complex or a point.
 NodePtr MakeFromParts(TypeName type, std::vector<NodePtr> parts);
 

@@ -40,8 +40,16 @@ class VariableBinding final : public Binding {
   VariableBinding(TypeName type, const VariablePlace& place, SourceRange where)
       : type_(type), place_(place), where_(where) {}
   void Bind(Frame& frame, Passed& passed) override {
-    void* address = place_.Address(frame);
-    passed.value = ObjectValue(passed.BindProxy(*frame.run, type_, address, where_));
+    ScalarReference reference = place_.Refer(frame);
+    if (reference.element != nullptr) {
+      reference.element->Load(passed.scalar);
+      reference.address = passed.scalar;
+    }
+    passed.value = ObjectValue(passed.BindProxy(*frame.run, type_, reference.address, where_));
+    passed.referred = reference.element;
+  }
+  void Complete(Passed& passed, Return) override {
+    if (passed.referred != nullptr) passed.referred->Store(passed.scalar);
   }
 
  private:
@@ -95,13 +103,18 @@ class ElementBinding final : public Binding {
 
   void Bind(Frame& frame, Passed& passed) override {
     passed.spot = element_->Find(frame);
+    if (const Passed* same = FindSame(passed)) {
+      passed.value = ObjectValue(same->value.object);
+      return;
+    }
     T value = element_->Load(passed.spot);
     TemporaryOf<T>::Bind(frame, passed, carrier_, value, where_);
     Keep(passed, std::move(value));
   }
-  void Complete(Frame&, Passed& passed) override {
+  void Complete(Passed& passed, Return when) override {
+    if (!passed.text) return;
     T value = TemporaryOf<T>::Read(passed, where_);
-    if (IsSame(value, Kept(passed))) return;
+    if (when == Return::kChanged && IsSame(value, Kept(passed))) return;
     // The call may have moved the storage, or made the container shorter.
     passed.spot.address = nullptr;
     try {
@@ -111,6 +124,16 @@ class ElementBinding final : public Binding {
   }
 
  private:
+  // The earlier use of the same element that holds the copy.
+  static const Passed* FindSame(const Passed& passed) {
+    for (const Passed* other = passed.previous; other != nullptr; other = other->previous) {
+      if (other->text && other->spot.object == passed.spot.object &&
+          other->spot.at == passed.spot.at) {
+        return other;
+      }
+    }
+    return nullptr;
+  }
   // The value before the call: texts in passed.text, scalars as bytes in it.
   static void Keep(Passed& passed, T&& value) {
     if constexpr (std::is_same_v<T, CStringUTF8>) {
@@ -192,7 +215,13 @@ class TextArgument final : public ArgumentNode {
   explicit TextArgument(ValuePtr<CStringUTF8> value) : value_(std::move(value)) {}
   void Pass(Frame& frame, Passed& passed, CallFrame& call) override {
     passed.text = value_->Eval(frame);
-    call.AddText(passed.text->c_str());
+    if (passed.text->View().find('\0') == std::string_view::npos) {
+      call.AddText(passed.text->c_str());
+      return;
+    }
+    // A literal of a frame ends at its first NUL; a string object does not.
+    TemporaryOf<CStringUTF8>::Bind(frame, passed, kTextCarrier, *passed.text, {});
+    call.AddObject(passed.value.object, {}, false);
   }
 
  private:
@@ -201,19 +230,20 @@ class TextArgument final : public ArgumentNode {
 
 class ObjectArgument final : public ArgumentNode {
  public:
-  ObjectArgument(BindingPtr binding, bool by_reference)
-      : binding_(std::move(binding)), by_reference_(by_reference) {}
+  ObjectArgument(BindingPtr binding, bool by_reference, bool is_const)
+      : binding_(std::move(binding)), by_reference_(by_reference), is_const_(is_const) {}
   void Pass(Frame& frame, Passed& passed, CallFrame& call) override {
     binding_->Bind(frame, passed);
     call.AddObject(passed.value.object, passed.value.at, by_reference_);
   }
-  void Complete(Frame& frame, Passed& passed) override {
-    if (by_reference_) binding_->Complete(frame, passed);
+  void Complete(Passed& passed) override {
+    if (by_reference_ && !is_const_) binding_->Complete(passed, Binding::Return::kAlways);
   }
 
  private:
   BindingPtr binding_;
   bool by_reference_;
+  bool is_const_;
 };
 
 template <class F>
@@ -261,8 +291,8 @@ ArgumentPtr MakeValueArgument(Carrier carrier, NodePtr value) {
   return WithNumber(carrier, make);
 }
 
-ArgumentPtr MakeObjectArgument(BindingPtr binding, bool by_reference) {
-  return std::make_unique<ObjectArgument>(std::move(binding), by_reference);
+ArgumentPtr MakeObjectArgument(BindingPtr binding, bool by_reference, bool is_const) {
+  return std::make_unique<ObjectArgument>(std::move(binding), by_reference, is_const);
 }
 
 }  // namespace tesselc

@@ -3,6 +3,8 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <optional>
 
 #include "frame/interface/string_utf8.h"
@@ -25,9 +27,14 @@ class Passed {
   CScriptVelaObject* BindProxy(Run& run, TypeName type, void* address, const SourceRange& where);
 
   ObjectValue value;
+  // Of an element: where it is, and what it was.
   ElementSpot spot;
   std::optional<CStringUTF8> text;
+  std::unique_ptr<ElementLink> link;
+  ElementLink* referred = nullptr;  // by the variable that was bound
   alignas(8) std::byte scalar[sizeof(Point3D)];
+  // What was bound for the same call before.
+  Passed* previous = nullptr;
 
  private:
   Run* run_ = nullptr;
@@ -41,16 +48,17 @@ class Binding {
   virtual ~Binding() = default;
   // Leaves the object in passed.value.
   virtual void Bind(Frame& frame, Passed& passed) = 0;
-  // After the call succeeded: puts a changed copy of an element back.
-  virtual void Complete(Frame&, Passed&) {}
+  // After the call succeeded: puts the copy of an element back.
+  enum class Return : std::uint8_t { kAlways, kChanged };
+  virtual void Complete(Passed&, Return) {}
 };
 using BindingPtr = std::unique_ptr<Binding>;
 
 BindingPtr MakeObjectBinding(NodePtr object);
 // A scalar variable: the call works on the variable itself.
 BindingPtr MakeVariableBinding(TypeName type, const VariablePlace& place, SourceRange where);
-// An element: the call works on a copy, which is put back if the call changed it and the element is
-// still there. `carrier` is a scalar type or the text.
+// An element: the call works on a copy, which is put back if the element is still there. Two uses
+// of one element in a call share the copy. `carrier` is a scalar type or the text.
 BindingPtr MakeElementBinding(Carrier carrier, NodePtr element, SourceRange where);
 // A value that is in no variable: the call works on a temporary.
 BindingPtr MakeValueBinding(Carrier carrier, NodePtr value, SourceRange where);
@@ -60,13 +68,14 @@ class ArgumentNode {
  public:
   virtual ~ArgumentNode() = default;
   virtual void Pass(Frame& frame, Passed& passed, vela::host::CallFrame& call) = 0;
-  virtual void Complete(Frame&, Passed&) {}
+  virtual void Complete(Passed&) {}
 };
 using ArgumentPtr = std::unique_ptr<ArgumentNode>;
 
 ArgumentPtr MakeNullArgument();
 // By value, as a number or a text: what a literal or an expression passes. Not for points.
 ArgumentPtr MakeValueArgument(Carrier carrier, NodePtr value);
-ArgumentPtr MakeObjectArgument(BindingPtr binding, bool by_reference);
+// An object; by reference, the member may write to it. `is_const`: it only reads.
+ArgumentPtr MakeObjectArgument(BindingPtr binding, bool by_reference, bool is_const = false);
 
 }  // namespace tesselc

@@ -6,6 +6,7 @@
 #include "frame/interface/missing_value.h"
 #include "frame/interface/status.h"
 #include "tesselc/run/mathematics.h"
+#include "tesselc/run/operators.h"
 #include "tesselc/run/script_error.h"
 
 namespace tesselc {
@@ -14,7 +15,6 @@ namespace {
 double Min(double a, double b) { return b < a ? b : a; }
 double Max(double a, double b) { return a < b ? b : a; }
 bool IsNan(double x) { return std::isnan(x); }
-bool IsMissing(double x) { return x == kMissingValue; }
 
 constexpr MathFunction OfOne(std::string_view name, double (*function)(double)) {
   return {name, function, nullptr, nullptr};
@@ -28,10 +28,10 @@ constexpr MathFunction Test(std::string_view name, bool (*function)(double)) {
 
 const MathFunction kMathFunctions[] = {
     OfOne("abs", std::fabs),  OfOne("sqrt", std::sqrt),   OfOne("exp", std::exp),
-    OfOne("log", std::log),   OfOne("log10", std::log10), OfOne("sin", std::sin),
+    OfOne("log", std::log),   OfOne("log10", Log10),      OfOne("sin", std::sin),
     OfOne("cos", std::cos),   OfOne("tan", std::tan),     OfOne("asin", std::asin),
     OfOne("acos", std::acos), OfOne("atan", std::atan),   OfOne("sinh", std::sinh),
-    OfOne("cosh", std::cosh), OfOne("tanh", std::tanh),   OfOne("floor", std::floor),
+    OfOne("cosh", std::cosh), OfOne("tanh", Tanh),        OfOne("floor", std::floor),
     OfOne("ceil", std::ceil), OfOne("round", std::round), OfTwo("atan2", std::atan2),
     OfTwo("fmod", std::fmod), OfTwo("pow", std::pow),     OfTwo("min", Min),
     OfTwo("max", Max),        Test("isnan", IsNan),       Test("ismissing", IsMissing),
@@ -41,7 +41,10 @@ class UnaryCall final : public Expr<UnaryCall, double> {
  public:
   UnaryCall(double (*function)(double), ValuePtr<double> argument)
       : function_(function), argument_(std::move(argument)) {}
-  double Eval(Frame& frame) override { return function_(argument_->Eval(frame)); }
+  double Eval(Frame& frame) override {
+    const double argument = argument_->Eval(frame);
+    return IsMissing(argument) ? kMissingValue : function_(argument);
+  }
 
  private:
   double (*function_)(double);
@@ -54,7 +57,7 @@ class BinaryCall final : public Expr<BinaryCall, double> {
       : function_(function), first_(std::move(first)), second_(std::move(second)) {}
   double Eval(Frame& frame) override {
     const double first = first_->Eval(frame);
-    return function_(first, second_->Eval(frame));
+    return Calculate(first, second_->Eval(frame), function_);
   }
 
  private:

@@ -1,7 +1,13 @@
+#include <limits>
+#include <utility>
+
+#include "frame/interface/missing_value.h"
+#include "frame/interface/status.h"
 #include "tesselc/run/arithmetic.h"
 #include "tesselc/run/number_conversion.h"
 #include "tesselc/run/number_types.h"
 #include "tesselc/run/operands.h"
+#include "tesselc/run/script_error.h"
 
 namespace tesselc {
 namespace {
@@ -63,6 +69,46 @@ NodePtr ConvertConstant(Node* operand) {
   return nullptr;
 }
 
+template <class From, class To>
+class Saturate final : public ValueNode<To> {
+ public:
+  explicit Saturate(ValuePtr<From> operand) : operand_(std::move(operand)) {}
+  To Eval(Frame& frame) override {
+    using Limits = std::numeric_limits<To>;
+    const From value = operand_->Eval(frame);
+    if (value > 0 &&
+        static_cast<std::uint64_t>(value) > static_cast<std::uint64_t>(Limits::max())) {
+      return Limits::max();
+    }
+    if constexpr (std::is_signed_v<From>) {
+      if (value < 0 && value < static_cast<std::int64_t>(Limits::min())) return Limits::min();
+    }
+    return static_cast<To>(value);
+  }
+
+ private:
+  ValuePtr<From> operand_;
+};
+
+class ToIndex final : public ValueNode<std::int64_t> {
+ public:
+  ToIndex(ValuePtr<double> operand, SourceRange where)
+      : operand_(std::move(operand)), where_(where) {}
+  std::int64_t Eval(Frame& frame) override {
+    const double value = operand_->Eval(frame);
+    if (std::isnan(value) || value == kMissingValue) {
+      throw ScriptError(
+          where_, status::kOutOfRange,
+          std::string("an index cannot be ") + (value == kMissingValue ? kMissingText : "NAN"));
+    }
+    return ConvertScalar<std::int64_t>(value);
+  }
+
+ private:
+  ValuePtr<double> operand_;
+  SourceRange where_;
+};
+
 class ComplexFromParts final : public ValueNode<OneTCcomplex> {
  public:
   explicit ComplexFromParts(std::vector<ValuePtr<double>> parts) : parts_(std::move(parts)) {}
@@ -103,6 +149,27 @@ NodePtr MakeConversion(TypeName from, TypeName to, NodePtr operand) {
       return ConvertOf<From, To>(std::move(operand));
     });
   });
+}
+
+NodePtr MakeSaturating(TypeName from, TypeName to, NodePtr operand) {
+  if (from == to || !IsInteger(from) || !IsInteger(to)) {
+    return MakeConversion(from, to, std::move(operand));
+  }
+  return WithNumber(to, [&](auto t) -> NodePtr {
+    using To = typename decltype(t)::type;
+    if constexpr (!std::is_integral_v<To>) {
+      return nullptr;
+    } else if (from == TypeName::kUint64) {
+      return std::make_unique<Saturate<std::uint64_t, To>>(As<std::uint64_t>(std::move(operand)));
+    } else {
+      operand = MakeConversion(from, TypeName::kInt64, std::move(operand));
+      return std::make_unique<Saturate<std::int64_t, To>>(As<std::int64_t>(std::move(operand)));
+    }
+  });
+}
+
+NodePtr MakeIndex(NodePtr operand, SourceRange where) {
+  return std::make_unique<ToIndex>(As<double>(std::move(operand)), where);
 }
 
 NodePtr MakeFromParts(TypeName type, std::vector<NodePtr> parts) {

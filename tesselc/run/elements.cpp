@@ -1,9 +1,16 @@
 #include "tesselc/run/elements.h"
 
+#include <cmath>
+#include <cstring>
 #include <limits>
 
+#include "frame/interface/operations.h"
 #include "frame/interface/script_object.h"
+#include "tesselc/run/arithmetic.h"
+#include "tesselc/run/bindings.h"
 #include "tesselc/run/objects.h"
+#include "tesselc/run/operators.h"
+#include "tesselc/run/plain_operand.h"
 #include "tesselc/run/script_error.h"
 
 namespace tesselc {
@@ -258,6 +265,142 @@ class UpdateElement final : public Expr<UpdateElement<T>, T> {
   bool give_old_;
 };
 
+// The operand of an operation, whatever its type.
+class OperandNode {
+ public:
+  virtual ~OperandNode() = default;
+  // `passed` keeps what the operand refers to.
+  virtual tagMSOOBJVECT Evaluate(Frame& frame, Passed& passed) = 0;
+};
+
+template <class U>
+class ScalarOperand final : public OperandNode {
+ public:
+  ScalarOperand(TypeName type, ValuePtr<U> value, SourceRange where)
+      : type_(type), value_(std::move(value)), where_(where) {}
+  tagMSOOBJVECT Evaluate(Frame& frame, Passed& passed) override {
+    const U value = value_->Eval(frame);
+    if constexpr (std::is_arithmetic_v<U> || std::is_same_v<U, OneTCcomplex>) {
+      return PlainOperand(value);
+    } else {
+      std::memcpy(passed.scalar, &value, sizeof(U));
+      CScriptVelaObject* object = passed.BindProxy(*frame.run, type_, passed.scalar, where_);
+      return {object, object->GetTypeID()};
+    }
+  }
+
+ private:
+  TypeName type_;
+  ValuePtr<U> value_;
+  SourceRange where_;
+};
+
+void Operate(const ElementSpot& spot, unsigned op, const tagMSOOBJVECT& operand,
+             const SourceRange& where) {
+  const unsigned plain = operand.object == nullptr ? operation::kPlainOperand : 0;
+  CheckStatus(spot.object->Operate2(&spot.at, op | plain, operand, 0), NameOfOperation(op), where);
+}
+
+template <class T>
+class OperateElement final : public Expr<OperateElement<T>, T> {
+ public:
+  OperateElement(std::unique_ptr<ElementNode<T>> element, unsigned op,
+                 std::unique_ptr<OperandNode> operand, bool give_old, SourceRange where)
+      : element_(std::move(element)),
+        op_(op),
+        operand_(std::move(operand)),
+        give_old_(give_old),
+        where_(where) {}
+  T Eval(Frame& frame) override {
+    Passed passed;
+    const tagMSOOBJVECT operand = operand_->Evaluate(frame, passed);
+    const ElementSpot spot = element_->Find(frame);
+    const T old = give_old_ ? element_->Load(spot) : T{};
+    Operate(spot, op_, operand, where_);
+    return give_old_ ? old : element_->Load(spot);
+  }
+
+ private:
+  std::unique_ptr<ElementNode<T>> element_;
+  unsigned op_;
+  std::unique_ptr<OperandNode> operand_;
+  bool give_old_;
+  SourceRange where_;
+};
+
+// The operand type for which an element in memory is worth a look of its own.
+template <class T>
+using UsualOperand = std::conditional_t<std::is_floating_point_v<T>, double, int>;
+
+// x op y, where it is sure that the object would store just that. False leaves it to the object:
+// what is missing or not finite, divisions by zero, operands that the element's type cannot hold.
+template <class T>
+bool ComputeUsual(unsigned op, T x, UsualOperand<T> y, T& result) {
+  const T operand = static_cast<T>(y);
+  if constexpr (std::is_integral_v<T>) {
+    const bool fits = static_cast<std::int64_t>(operand) == y && (std::is_signed_v<T> || y >= 0);
+    if (!fits) return false;
+    if (op == operation::kDivide) {
+      if (y == 0 || y == -1) return false;
+      result = static_cast<T>(x / operand);
+      return true;
+    }
+  } else if (op == operation::kDivide) {
+    result = x / operand;
+  }
+  if (op == operation::kAdd) {
+    result = AddOp::Apply<T>(x, operand);
+  } else if (op == operation::kSubtract) {
+    result = SubtractOp::Apply<T>(x, operand);
+  } else if (op == operation::kMultiply) {
+    result = MultiplyOp::Apply<T>(x, operand);
+  } else if (op != operation::kDivide) {
+    return false;
+  }
+  if constexpr (std::is_floating_point_v<T>) {
+    // Far from the end of the numbers, where the object may look closer.
+    constexpr T kLimit = std::is_same_v<T, float> ? T(1e37) : T(1e300);
+    return std::fabs(result) < kLimit && !IsMissing(y) && !AnyMissing(x, x);
+  } else {
+    return true;
+  }
+}
+
+template <class T>
+class OperateUsual final : public Expr<OperateUsual<T>, T> {
+ public:
+  using U = UsualOperand<T>;
+
+  OperateUsual(std::unique_ptr<ElementNode<T>> element, unsigned op, ValuePtr<U> operand,
+               bool give_old, SourceRange where)
+      : element_(std::move(element)),
+        op_(op),
+        operand_(std::move(operand)),
+        give_old_(give_old),
+        where_(where) {}
+  T Eval(Frame& frame) override {
+    const U operand = operand_->Eval(frame);
+    const ElementSpot spot = element_->Find(frame);
+    if (T* memory = static_cast<T*>(spot.address)) {
+      const T old = *memory;
+      if (T result{}; ComputeUsual(op_, old, operand, result)) {
+        *memory = result;
+        return give_old_ ? old : result;
+      }
+    }
+    const T old = give_old_ ? element_->Load(spot) : T{};
+    Operate(spot, op_, PlainOperand(operand), where_);
+    return give_old_ ? old : element_->Load(spot);
+  }
+
+ private:
+  std::unique_ptr<ElementNode<T>> element_;
+  unsigned op_;
+  ValuePtr<U> operand_;
+  bool give_old_;
+  SourceRange where_;
+};
+
 template <class T>
 std::unique_ptr<ElementNode<T>> AsElement(NodePtr node) {
   assert(dynamic_cast<ElementNode<T>*>(node.get()) != nullptr);
@@ -319,6 +462,45 @@ NodePtr MakeStoreElement(Carrier carrier, NodePtr element, NodePtr value) {
   };
   if (carrier == kTextCarrier) return make(std::type_identity<CStringUTF8>());
   return WithScalar(carrier, make);
+}
+
+namespace {
+
+// Whether an operand of this type converts to the usual one without losing anything.
+bool IsUsualOperand(TypeName operand, TypeName usual) {
+  if (usual == TypeName::kDouble) {
+    return IsNumber(operand) && operand != TypeName::kInt64 && operand != TypeName::kUint64;
+  }
+  return IsInteger(operand) && ScalarSize(operand) <= sizeof(int) && operand != TypeName::kUint;
+}
+
+std::unique_ptr<OperandNode> MakeOperand(TypeName type, NodePtr value, SourceRange where) {
+  return WithScalar(type, [&](auto t) -> std::unique_ptr<OperandNode> {
+    using U = typename decltype(t)::type;
+    return std::make_unique<ScalarOperand<U>>(type, As<U>(std::move(value)), where);
+  });
+}
+
+}  // namespace
+
+NodePtr MakeOperateElement(TypeName type, NodePtr element, unsigned op, TypeName operand_type,
+                           NodePtr operand, bool give_old, SourceRange where) {
+  const TypeName usual = IsFloating(type) ? TypeName::kDouble : TypeName::kInt;
+  if (IsNumber(type) && IsUsualOperand(operand_type, usual)) {
+    operand = MakeConversion(operand_type, usual, std::move(operand));
+    return WithNumber(type, [&](auto t) -> NodePtr {
+      using T = typename decltype(t)::type;
+      return std::make_unique<OperateUsual<T>>(AsElement<T>(std::move(element)), op,
+                                               As<UsualOperand<T>>(std::move(operand)), give_old,
+                                               where);
+    });
+  }
+  auto typed = MakeOperand(operand_type, std::move(operand), where);
+  return WithScalar(type, [&](auto t) -> NodePtr {
+    using T = typename decltype(t)::type;
+    return std::make_unique<OperateElement<T>>(AsElement<T>(std::move(element)), op,
+                                               std::move(typed), give_old, where);
+  });
 }
 
 NodePtr MakeUpdateElement(TypeName type, NodePtr element, std::uint32_t scratch, NodePtr first,

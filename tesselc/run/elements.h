@@ -41,9 +41,14 @@ NodePtr MakeTextElement(NodePtr object, NodePtr index, SourceRange where);
 
 // element = value. `carrier` is the element's.
 NodePtr MakeStoreElement(Carrier carrier, NodePtr element, NodePtr value);
-// The element is found once and its value put into the frame at `scratch`, which `combined` reads;
-// the value of that is stored. `first`, when given, runs before. give_old: the value is the
-// element's old one. For scalars.
+// element op= operand, as the object itself does it: an operation code of operations.h. The operand
+// is a number or a complex value, or a point where the element is one; it is computed first.
+// give_old: the value is the element's old one.
+NodePtr MakeOperateElement(TypeName type, NodePtr element, unsigned op, TypeName operand_type,
+                           NodePtr operand, bool give_old, SourceRange where);
+// For the operators that objects do not know, and for bytes of texts. The element is found once and
+// its value put into the frame at `scratch`, which `combined` reads; the value of that is stored.
+// `first`, when given, runs before. For scalars.
 NodePtr MakeUpdateElement(TypeName type, NodePtr element, std::uint32_t scratch, NodePtr first,
                           NodePtr combined, bool give_old);
 

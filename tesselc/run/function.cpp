@@ -43,7 +43,7 @@ class VariableParameter final : public ParameterNode {
       : offset_(offset), place_(place), store_(std::move(store)) {}
   void Pass(Frame& caller, Passed*, std::byte* callee) override {
     if (store_) store_->Exec(caller);
-    *reinterpret_cast<void**>(callee + offset_) = place_.Address(caller);
+    *reinterpret_cast<ScalarReference*>(callee + offset_) = place_.Refer(caller);
   }
 
  private:
@@ -76,7 +76,9 @@ class ReferenceParameter final : public ParameterNode {
     *reinterpret_cast<ObjectReference*>(callee + offset_) = {passed->value.object,
                                                              passed->value.at};
   }
-  void Complete(Frame& caller, Passed& passed) override { binding_->Complete(caller, passed); }
+  void Complete(Frame&, Passed& passed) override {
+    binding_->Complete(passed, Binding::Return::kChanged);
+  }
 
  private:
   std::uint32_t offset_;
@@ -90,25 +92,25 @@ class ElementParameter final : public ParameterNode {
       : offset_(offset), element_(std::move(element)) {}
   bool UsesPassed() const override { return true; }
   void Pass(Frame& caller, Passed* passed, std::byte* callee) override {
-    passed->spot = element_->Find(caller);
-    const T value = element_->Load(passed->spot);
-    passed->text.emplace(reinterpret_cast<const char*>(&value), static_cast<int>(sizeof(T)));
-    std::memcpy(passed->scalar, &value, sizeof(T));
-    *reinterpret_cast<void**>(callee + offset_) = passed->scalar;
-  }
-  void Complete(Frame&, Passed& passed) override {
-    if (std::memcmp(passed.scalar, passed.text->c_str(), sizeof(T)) == 0) return;
-    T value;
-    std::memcpy(&value, passed.scalar, sizeof(T));
-    // The call may have moved the storage, or made the container shorter.
-    passed.spot.address = nullptr;
-    try {
-      element_->Store(passed.spot, value);
-    } catch (const ScriptError&) {
-    }
+    passed->link = std::make_unique<Link>(*element_, element_->Find(caller));
+    *reinterpret_cast<ScalarReference*>(callee + offset_) = {nullptr, passed->link.get()};
   }
 
  private:
+  class Link final : public ElementLink {
+   public:
+    Link(ElementNode<T>& element, ElementSpot spot) : element_(element), spot_(std::move(spot)) {
+      spot_.address = nullptr;
+      spot_.keep = vela::host::ObjectRef(spot_.object);
+    }
+    void Load(void* value) override { *static_cast<T*>(value) = element_.Load(spot_); }
+    void Store(const void* value) override { element_.Store(spot_, *static_cast<const T*>(value)); }
+
+   private:
+    ElementNode<T>& element_;
+    ElementSpot spot_;
+  };
+
   std::uint32_t offset_;
   std::unique_ptr<ElementNode<T>> element_;
 };
@@ -161,6 +163,7 @@ class CallBase {
   void RunTidily(Frame& caller, std::byte* base, void* result) {
     const std::unique_ptr<Passed[]> passed(new Passed[parameters_.size()]);
     for (std::size_t i = 0; i < parameters_.size(); ++i) {
+      if (i > 0) passed[i].previous = &passed[i - 1];
       parameters_[i]->Pass(caller, &passed[i], base);
     }
     Execute(caller, base, result);

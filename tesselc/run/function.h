@@ -35,8 +35,8 @@ using ParameterPtr = std::unique_ptr<ParameterNode>;
 // By value: a scalar; an object, which the frame then owns and which must be nobody else's.
 ParameterPtr MakeScalarParameter(TypeName type, std::uint32_t offset, NodePtr value);
 ParameterPtr MakeOwnedParameter(std::uint32_t offset, NodePtr object);
-// By reference: the scalar variable itself; an object; a scalar or text element, of which the
-// function gets a copy that is put back when it has changed.
+// By reference: the scalar variable itself; an object; a scalar element; a text element, of which
+// the function gets a copy that is put back when it has changed.
 ParameterPtr MakeVariableParameter(std::uint32_t offset, const VariablePlace& place);
 // A constant reference to a value: `store` puts it into the variable first.
 ParameterPtr MakeStoredParameter(std::uint32_t offset, NodePtr store, const VariablePlace& place);

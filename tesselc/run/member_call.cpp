@@ -10,11 +10,15 @@ namespace {
 using vela::host::CallFrame;
 using ResultKind = CallFrame::ResultKind;
 
+// What the signatures say is of use where the arguments were wrong.
 [[noreturn]] void ThrowMemberError(const std::string& owner, const std::string& member, int status,
-                                   const SourceRange& where) {
-  throw ScriptError(where, status,
-                    owner + "." + member + ": status " + std::to_string(status) + " (" +
-                        StatusText(status) + ")");
+                                   const SourceRange& where,
+                                   const std::vector<std::string>& signatures = {}) {
+  const bool arguments = status == status::kBadArguments;
+  throw ScriptError(
+      where, status,
+      owner + "." + member + ": status " + std::to_string(status) + " (" + StatusText(status) + ")",
+      arguments ? signatures : std::vector<std::string>());
 }
 
 // The row of a member, found at the first call. Objects of one static type can be of several
@@ -99,14 +103,15 @@ class MemberNode {
     Passed self;
     use_.object->Bind(frame, self);
     for (std::size_t i = 0; i < use_.arguments.size(); ++i) {
+      passed[i].previous = i == 0 ? &self : &passed[i - 1];
       use_.arguments[i]->Pass(frame, passed[i], call);
     }
     call.GetIndeces() = self.value.at;
     Dispatch(*self.value.object, access, call);
     take(call);
-    use_.object->Complete(frame, self);
+    use_.object->Complete(self, Binding::Return::kChanged);
     for (std::size_t i = 0; i < use_.arguments.size(); ++i) {
-      use_.arguments[i]->Complete(frame, passed[i]);
+      use_.arguments[i]->Complete(passed[i]);
     }
   }
 
@@ -122,7 +127,9 @@ class MemberNode {
     const int result = is_method                ? owner->DoMethod(row->GetHandler(), &call)
                        : access == Access::kGet ? owner->DoPropertyGet(row->GetHandler(), &call)
                                                 : owner->DoPropertySet(row->GetSetter(), &call);
-    if (result != status::kOk) ThrowMemberError(use_.owner, use_.member, result, use_.where);
+    if (result != status::kOk) {
+      ThrowMemberError(use_.owner, use_.member, result, use_.where, use_.signatures);
+    }
   }
 
   MemberUse use_;

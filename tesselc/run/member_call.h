@@ -13,8 +13,10 @@ struct MemberUse {
   BindingPtr object;
   std::string member;
   std::string owner;  // the object's type, as messages call it
+  std::vector<std::string> signatures;
   std::vector<ArgumentPtr> arguments;
   SourceRange where;
+  bool is_const = false;  // the object is
 };
 
 // A method call. `carrier` is that of the result; kVoid for none. For an object result,

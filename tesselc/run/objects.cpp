@@ -1,9 +1,13 @@
 #include "tesselc/run/objects.h"
 
+#include <cmath>
 #include <limits>
 
 #include "frame/interface/script_object.h"
+#include "tesselc/run/bindings.h"
 #include "tesselc/run/number_conversion.h"
+#include "tesselc/run/operators.h"
+#include "tesselc/run/plain_operand.h"
 #include "tesselc/run/run.h"
 #include "tesselc/run/status_text.h"
 
@@ -32,6 +36,8 @@ ObjectRef CopyOf(const ObjectValue& value, const ObjectType& type, Run& run,
   return copy;
 }
 
+}  // namespace
+
 const char* NameOfOperation(unsigned op) {
   switch (op) {
     case operation::kAssign:
@@ -49,17 +55,28 @@ const char* NameOfOperation(unsigned op) {
   }
 }
 
+namespace {
+
+template <class P>
+TypeName PointName() {
+  if (std::is_same_v<P, PointInt>) return TypeName::kPoint;
+  return std::is_same_v<P, PointDouble> ? TypeName::kFpoint : TypeName::kFpoint3d;
+}
+
 template <class T>
-void Operate(const ObjectValue& target, unsigned op, const T& source, const SourceRange& where) {
+void Operate(Frame& frame, const ObjectValue& target, unsigned op, const T& source,
+             const SourceRange& where) {
   int result;
   if constexpr (std::is_same_v<T, ObjectValue>) {
     result = target.object->Operate2(target.At(), op, source.AsOperand(), 0);
+  } else if constexpr (std::is_arithmetic_v<T> || std::is_same_v<T, OneTCcomplex>) {
+    result = target.object->Operate2(target.At(), op | operation::kPlainOperand,
+                                     PlainOperand(source), 0);
   } else {
-    const auto plain = tagMSOOBJVECT::Plain(ConvertScalar<OneTCcomplex>(source),
-                                            std::is_same_v<T, OneTCcomplex> ? kTypeComplex
-                                            : std::is_integral_v<T>         ? kTypeInt
-                                                                            : kTypeDouble);
-    result = target.object->Operate2(target.At(), op | operation::kPlainOperand, plain, 0);
+    Passed passed;
+    T value = source;
+    const ObjectValue point(passed.BindProxy(*frame.run, PointName<T>(), &value, where));
+    result = target.object->Operate2(target.At(), op, point.AsOperand(), 0);
   }
   CheckStatus(result, NameOfOperation(op), where);
 }
@@ -68,8 +85,7 @@ void Operate(const ObjectValue& target, unsigned op, const T& source, const Sour
 template <class F>
 NodePtr WithOperand(Carrier carrier, F&& f) {
   if (carrier == kObjectCarrier) return f(std::type_identity<ObjectValue>());
-  if (carrier == TypeName::kComplex) return f(std::type_identity<OneTCcomplex>());
-  return WithNumber(carrier, std::forward<F>(f));
+  return WithScalar(carrier, std::forward<F>(f));
 }
 
 class LoadObject final : public Expr<LoadObject, ObjectValue> {
@@ -108,7 +124,11 @@ class DeclareObject final : public Node {
   DeclareObject(ObjectPlace place, ObjectType type, ValuePtr<std::int64_t> count, SourceRange where)
       : place_(place), type_(std::move(type)), count_(std::move(count)), where_(where) {}
   Flow Exec(Frame& frame) override {
-    ObjectRef object = frame.run->Create(type_.type_word, Count(frame), type_.name, where_);
+    const unsigned count = Count(frame);
+    ObjectRef object = frame.run->Create(type_.type_word, count, type_.name, where_);
+    if (static_cast<unsigned>(object->GetArraySize()) < count) {
+      throw ScriptError(where_, status::kUnsupported, "there are no arrays of " + type_.name);
+    }
     object->AddRef();
     CScriptVelaObject* old = std::exchange(place_.Slot(frame), object.Get());
     if (old) old->Release();
@@ -207,7 +227,7 @@ class Temporary final : public Expr<Temporary<T>, ObjectValue> {
     if constexpr (std::is_same_v<T, CStringUTF8>) {
       CheckStatus(result.object->SetStringValue(nullptr, value), "assign", where_);
     } else {
-      Operate(result, operation::kAssign, value, where_);
+      Operate(frame, result, operation::kAssign, value, where_);
     }
     return result;
   }
@@ -226,7 +246,7 @@ class OperateInPlace final : public Expr<OperateInPlace<T>, ObjectValue> {
   ObjectValue Eval(Frame& frame) override {
     const T source = source_->Eval(frame);
     ObjectValue target = target_->Eval(frame);
-    Operate(target, op_, source, where_);
+    Operate(frame, target, op_, source, where_);
     return target;
   }
 
@@ -244,7 +264,7 @@ class OperateOnCopy final : public Expr<OperateOnCopy<T>, ObjectValue> {
       : op_(op), left_(std::move(left)), right_(std::move(right)), where_(where) {}
   ObjectValue Eval(Frame& frame) override {
     ObjectValue result = left_->Eval(frame);
-    Operate(result, op_, right_->Eval(frame), where_);
+    Operate(frame, result, op_, right_->Eval(frame), where_);
     return result;
   }
 
@@ -255,6 +275,17 @@ class OperateOnCopy final : public Expr<OperateOnCopy<T>, ObjectValue> {
   SourceRange where_;
 };
 
+// A copy of an operand, of whatever type it is.
+ObjectValue CopyFor(const ObjectValue& value, Frame& frame, const SourceRange& where) {
+  const ObjectType type = {value.object->GetTypeID(), "the operand"};
+  return ObjectValue(CopyOf(value, type, *frame.run, where));
+}
+
+bool IsEmpty(const ObjectValue& value) {
+  int upper = 0;
+  return value.object->GetUpperBound(value.At(), upper) == status::kOk && upper < 0;
+}
+
 template <class T>
 class OperateOnFilled final : public Expr<OperateOnFilled<T>, ObjectValue> {
  public:
@@ -263,17 +294,59 @@ class OperateOnFilled final : public Expr<OperateOnFilled<T>, ObjectValue> {
   ObjectValue Eval(Frame& frame) override {
     const T left = left_->Eval(frame);
     const ObjectValue right = right_->Eval(frame);
-    ObjectValue result(
-        CopyOf(right, {right.object->GetTypeID(), "the operand"}, *frame.run, where_));
-    Operate(result, operation::kAssign, left, where_);
-    Operate(result, op_, right, where_);
+    ObjectValue result = CopyFor(right, frame, where_);
+    if (IsMirrored(*result.object, left)) {
+      Operate(frame, result, op_, left, where_);
+      return result;
+    }
+    // An operation with a scalar gives an empty container one element, a zero to start from.
+    if (IsEmpty(right)) Operate(frame, result, operation::kAdd, 0, where_);
+    const ObjectValue operand = IsEmpty(right) ? CopyFor(result, frame, where_) : right;
+    Operate(frame, result, operation::kAssign, left, where_);
+    Operate(frame, result, op_, operand, where_);
     return result;
   }
 
  private:
+  // Whether the order of the operands makes no difference: it makes none to + and *, and none to
+  // floats where the scalar is missing, which a float filled with it forgets.
+  bool IsMirrored(CScriptVelaObject& object, const T& scalar) const {
+    if (op_ == operation::kAdd || op_ == operation::kMultiply) return true;
+    if ((object.GetInternalDataTypeID() & kTypeIdMask) != kTypeFloat) return false;
+    if constexpr (!std::is_arithmetic_v<T> && !std::is_same_v<T, OneTCcomplex>) {
+      return false;
+    } else {
+      const OneTCcomplex number = ConvertScalar<OneTCcomplex>(scalar);
+      return AnyMissing(number, number) || std::isnan(number.m_re);
+    }
+  }
+
   unsigned op_;
   ValuePtr<T> left_;
   ObjectPtr right_;
+  SourceRange where_;
+};
+
+class NegateObject final : public Expr<NegateObject, ObjectValue> {
+ public:
+  NegateObject(ObjectPtr object, SourceRange where) : object_(std::move(object)), where_(where) {}
+  ObjectValue Eval(Frame& frame) override {
+    const ObjectValue value = object_->Eval(frame);
+    ObjectValue result = CopyFor(value, frame, where_);
+    if (IsEmpty(value)) return result;
+    if (IsPoint(ScalarOfTypeId(value.object->GetInternalDataTypeID() & kTypeIdMask))) {
+      Point3D zero;
+      zero[0] = zero[1] = zero[2] = -0.0;
+      Operate(frame, result, operation::kAssign, zero, where_);
+    } else {
+      Operate(frame, result, operation::kAssign, OneTCcomplex(-0.0, -0.0), where_);
+    }
+    Operate(frame, result, operation::kSubtract, value, where_);
+    return result;
+  }
+
+ private:
+  ObjectPtr object_;
   SourceRange where_;
 };
 
@@ -432,6 +505,10 @@ NodePtr MakeOperateOnFilled(unsigned op, Carrier scalar, NodePtr left, NodePtr r
     return std::make_unique<OperateOnFilled<T>>(op, As<T>(std::move(left)),
                                                 As<ObjectValue>(std::move(right)), where);
   });
+}
+
+NodePtr MakeNegateObject(NodePtr object, SourceRange where) {
+  return std::make_unique<NegateObject>(As<ObjectValue>(std::move(object)), where);
 }
 
 NodePtr MakeCompareObjects(unsigned op, NodePtr left, NodePtr right, SourceRange where) {

@@ -33,15 +33,17 @@ NodePtr MakeCopy(NodePtr object, ObjectType type, SourceRange where);
 NodePtr MakeTemporary(ObjectType type, Carrier carrier, NodePtr value, SourceRange where);
 
 // target = source, or target op= source (an operation code of operations.h); the value is the
-// target. The source is an object, or a scalar other than a point.
+// target. The source is an object or a scalar.
 NodePtr MakeOperate(unsigned op, NodePtr target, Carrier carrier, NodePtr source,
                     SourceRange where);
 // left op right on a copy of the left operand.
 NodePtr MakeOperateOnCopy(unsigned op, NodePtr left, Carrier carrier, NodePtr right,
                           SourceRange where);
-// scalar op object: on a copy of the object filled with the scalar.
+// scalar op object: what a copy of the object filled with the scalar would give.
 NodePtr MakeOperateOnFilled(unsigned op, Carrier scalar, NodePtr left, NodePtr right,
                             SourceRange where);
+// -object, for a container: the sign of a zero changes as well, unsigned elements wrap.
+NodePtr MakeNegateObject(NodePtr object, SourceRange where);
 // How two objects compare; op is a comparison code of operations.h. The value is an int, 0 or 1.
 NodePtr MakeCompareObjects(unsigned op, NodePtr left, NodePtr right, SourceRange where);
 
@@ -56,6 +58,8 @@ NodePtr MakeKeep(NodePtr object);
 // The number in an object that holds one (a _VARIANT), as a scalar type.
 NodePtr MakeNumberOf(TypeName scalar, NodePtr object, SourceRange where);
 
+// What an operation code does: "add".
+const char* NameOfOperation(unsigned op);
 // Throws unless the status is 0: "cannot <what>: status 28 (index or row out of range)".
 void CheckStatus(int status, const char* what, const SourceRange& where);
 

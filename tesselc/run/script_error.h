@@ -2,6 +2,7 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tesselc/source.h"
 
@@ -10,17 +11,20 @@ namespace tesselc {
 // A mistake that shows only while the script runs. A script catches it as its status.
 class ScriptError {
  public:
-  ScriptError(SourceRange where, int status, std::string message)
-      : where_(where), status_(status), message_(std::move(message)) {}
+  ScriptError(SourceRange where, int status, std::string message,
+              std::vector<std::string> notes = {})
+      : where_(where), status_(status), message_(std::move(message)), notes_(std::move(notes)) {}
 
   const SourceRange& where() const { return where_; }
   int status() const { return status_; }
   const std::string& message() const { return message_; }
+  const std::vector<std::string>& notes() const { return notes_; }
 
  private:
   SourceRange where_;
   int status_;
   std::string message_;
+  std::vector<std::string> notes_;
 };
 
 // Thrown by exit(): ends the script, past every catch.

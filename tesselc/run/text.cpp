@@ -1,5 +1,12 @@
 #include "tesselc/run/text.h"
 
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+
+#include "frame/interface/type_base.h"
+#include "tesselc/run/display.h"
+#include "tesselc/run/number_conversion.h"
 #include "tesselc/run/operators.h"
 
 namespace tesselc {
@@ -29,6 +36,55 @@ class TextOfChar final : public Expr<TextOfChar, CStringUTF8> {
 
  private:
   ValuePtr<char> character_;
+};
+
+template <class T>
+class NumberOfText final : public Expr<NumberOfText<T>, T> {
+ public:
+  explicit NumberOfText(ValuePtr<CStringUTF8> text) : text_(std::move(text)) {}
+  T Eval(Frame& frame) override {
+    const CStringUTF8 text = text_->Eval(frame);
+    if constexpr (std::is_integral_v<T> && sizeof(T) == 8) {  // a double would round it
+      T value = 0;
+      const std::string_view digits = Trimmed(text.View());
+      const auto [rest, error] =
+          std::from_chars(digits.data(), digits.data() + digits.size(), value);
+      if (error == std::errc() && rest == digits.data() + digits.size()) return value;
+    }
+    return ConvertScalar<T>(VELAObj::ParleyStr2double(text.c_str()));
+  }
+
+ private:
+  static std::string_view Trimmed(std::string_view text) {
+    constexpr const char* kSpace = " \t\n\r\v\f";
+    text.remove_prefix(std::min(text.find_first_not_of(kSpace), text.size()));
+    return text.substr(0, text.find_last_not_of(kSpace) + 1);
+  }
+
+  ValuePtr<CStringUTF8> text_;
+};
+
+template <class T>
+class TextOfNumber final : public Expr<TextOfNumber<T>, CStringUTF8> {
+ public:
+  explicit TextOfNumber(ValuePtr<T> number) : number_(std::move(number)) {}
+  CStringUTF8 Eval(Frame& frame) override {
+    std::string text;
+    AppendDisplay(text, Shown(number_->Eval(frame)));
+    return CStringUTF8(std::string_view(text));
+  }
+
+ private:
+  static auto Shown(const T& value) {
+    if constexpr (std::is_integral_v<T>) {
+      return static_cast<std::conditional_t<std::is_signed_v<T>, std::int64_t, std::uint64_t>>(
+          value);
+    } else {
+      return value;
+    }
+  }
+
+  ValuePtr<T> number_;
 };
 
 template <class Op>
@@ -61,6 +117,20 @@ NodePtr MakeConcatenation(NodePtr left, NodePtr right) {
 
 NodePtr MakeTextOfChar(NodePtr character) {
   return std::make_unique<TextOfChar>(As<char>(std::move(character)));
+}
+
+NodePtr MakeNumberOfText(TypeName type, NodePtr text) {
+  return WithNumber(type, [&](auto t) -> NodePtr {
+    using T = typename decltype(t)::type;
+    return std::make_unique<NumberOfText<T>>(As<CStringUTF8>(std::move(text)));
+  });
+}
+
+NodePtr MakeTextOfNumber(TypeName type, NodePtr number) {
+  return WithScalar(type, [&](auto t) -> NodePtr {
+    using T = typename decltype(t)::type;
+    return std::make_unique<TextOfNumber<T>>(As<T>(std::move(number)));
+  });
 }
 
 NodePtr MakeTextComparison(BinaryOperator op, NodePtr left, NodePtr right) {

@@ -14,7 +14,8 @@ class StoreVariable final : public Expr<StoreVariable<T, Place>, T> {
   StoreVariable(Place place, ValuePtr<T> value) : place_(place), value_(std::move(value)) {}
   T Eval(Frame& frame) override {
     T value = value_->Eval(frame);
-    return place_.template Get<T>(frame) = value;
+    place_.Store(frame, value);
+    return value;
   }
 
  private:
@@ -28,8 +29,9 @@ class UpdateVariable final : public Expr<UpdateVariable<T, Place, Op>, T> {
   UpdateVariable(Place place, ValuePtr<T> value) : place_(place), value_(std::move(value)) {}
   T Eval(Frame& frame) override {
     const T value = value_->Eval(frame);
-    T& variable = place_.template Get<T>(frame);
-    return variable = Op::Apply(variable, value);
+    const T result = Op::Apply(place_.template Load<T>(frame), value);
+    place_.Store(frame, result);
+    return result;
   }
 
  private:
@@ -43,10 +45,10 @@ class StepVariable final : public Expr<StepVariable<T, Place>, T> {
   StepVariable(Place place, bool up, bool give_old)
       : place_(place), step_(up ? T{1} : SubtractOp::Apply<T>(0, 1)), give_old_(give_old) {}
   T Eval(Frame& frame) override {
-    T& variable = place_.template Get<T>(frame);
-    const T old = variable;
-    variable = AddOp::Apply<T>(old, step_);
-    return give_old_ ? old : variable;
+    const T old = place_.template Load<T>(frame);
+    const T next = AddOp::Apply<T>(old, step_);
+    place_.Store(frame, next);
+    return give_old_ ? old : next;
   }
 
  private:
@@ -60,7 +62,7 @@ class FillVariable final : public Node {
   FillVariable(VariablePlace place, std::uint32_t size, unsigned char byte)
       : place_(place), size_(size), byte_(byte) {}
   Flow Exec(Frame& frame) override {
-    std::memset(place_.Address(frame), byte_, size_);
+    std::memset(place_.Refer(frame).address, byte_, size_);
     return Flow::kNext;
   }
 

@@ -9,8 +9,23 @@
 
 namespace tesselc {
 
-// Where a scalar variable lives: at an offset of the frame, at a fixed address (a global), or at
-// the address that an offset of the frame holds (a reference).
+// An element of an object that a reference refers to. It is looked up at each use, because its
+// storage moves; one that is gone by then is a ScriptError.
+class ElementLink {
+ public:
+  virtual ~ElementLink() = default;
+  virtual void Load(void* value) = 0;
+  virtual void Store(const void* value) = 0;
+};
+
+// What a reference holds: the address of a variable, or an element.
+struct ScalarReference {
+  void* address;
+  ElementLink* element;
+};
+
+// Where a scalar variable lives: at an offset of the frame, at a fixed address (a global), or where
+// a ScalarReference at an offset of the frame says.
 struct VariablePlace {
   enum class Mode : std::uint8_t { kLocal, kGlobal, kReference };
   Mode mode = Mode::kLocal;
@@ -23,14 +38,14 @@ struct VariablePlace {
     return {Mode::kReference, offset, nullptr};
   }
 
-  void* Address(Frame& frame) const {
+  ScalarReference Refer(Frame& frame) const {
     switch (mode) {
       case Mode::kLocal:
-        return frame.base + offset;
+        return {frame.base + offset, nullptr};
       case Mode::kGlobal:
-        return address;
+        return {address, nullptr};
       default:
-        return frame.At<void*>(offset);
+        return frame.At<ScalarReference>(offset);
     }
   }
 };
@@ -49,6 +64,14 @@ class DirectVariable {
     const std::uintptr_t base = reinterpret_cast<std::uintptr_t>(frame.base) & base_mask_;
     return *reinterpret_cast<T*>(base + distance_);
   }
+  template <class T>
+  T Load(Frame& frame) const {
+    return Get<T>(frame);
+  }
+  template <class T>
+  void Store(Frame& frame, const T& value) const {
+    Get<T>(frame) = value;
+  }
 
  private:
   DirectVariable(std::uintptr_t base_mask, std::uintptr_t distance)
@@ -60,8 +83,22 @@ class DirectVariable {
 struct ReferenceVariable {
   std::uint32_t offset;
   template <class T>
-  T& Get(Frame& frame) const {
-    return *frame.At<T*>(offset);
+  T Load(Frame& frame) const {
+    const auto& reference = frame.At<ScalarReference>(offset);
+    if (reference.element == nullptr) [[likely]]
+      return *static_cast<T*>(reference.address);
+    T value{};
+    reference.element->Load(&value);
+    return value;
+  }
+  template <class T>
+  void Store(Frame& frame, const T& value) const {
+    const auto& reference = frame.At<ScalarReference>(offset);
+    if (reference.element == nullptr) [[likely]] {
+      *static_cast<T*>(reference.address) = value;
+    } else {
+      reference.element->Store(&value);
+    }
   }
 };
 
@@ -86,7 +123,7 @@ template <class T, class Place>
 class LoadVariable final : public ValueNode<T> {
  public:
   explicit LoadVariable(Place place) : place_(place) {}
-  T Eval(Frame& frame) override { return place_.template Get<T>(frame); }
+  T Eval(Frame& frame) override { return place_.template Load<T>(frame); }
   const Place& place() const { return place_; }
 
  private:

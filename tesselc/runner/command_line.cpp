@@ -8,7 +8,6 @@
 #include "tesselc/runner/script_runner.h"
 
 #if defined(_WIN32)
-#include <shellapi.h>
 #include <windows.h>
 #endif
 

@@ -91,7 +91,7 @@ int ScriptRunner::Run(FileId file) {
   for (const Diagnostic& diagnostic : parsed.diagnostics) {
     output_.WriteError(Format(diagnostic, sources_));
   }
-  if (!parsed.ok()) return kMistake;
+  if (HasErrors(parsed.diagnostics)) return kMistake;
   return options_.check_only ? kSuccess : Execute(script, globals);
 }
 
@@ -114,7 +114,7 @@ int ScriptRunner::Execute(CompiledScript& script, Globals& globals) {
     return code != kSuccess ? code : int{kScriptFailed};
   } catch (const ScriptError& error) {
     globals.ReleaseObjects();
-    output_.WriteError(Format({error.where(), error.message()}, sources_));
+    output_.WriteError(Format({error.where(), error.message(), error.notes()}, sources_));
   } catch (const std::bad_alloc&) {
     ReportError("out of memory");
   }

@@ -161,8 +161,8 @@ TEST(Catalogue, PrintsWhatIsAskedFor) {
     return out.str();
   };
   EXPECT_EQ(printed("vector.Sum"),
-            "  int Sum(numeric& total)\n      Adds up every element that is not missing.\n");
-  EXPECT_EQ(printed("vectorbase.Find").find('\n'), printed("vectorbase.Find").find(")\n") + 1);
+            "  int Sum(numeric& total) const\n      Adds up every element that is not missing.\n");
+  EXPECT_EQ(printed("vectorbase.Find").find('\n'), printed("vectorbase.Find").find("const\n") + 5);
   EXPECT_TRUE(printed("stdioFile").starts_with("stdioFile : file\n"));
   EXPECT_NE(printed("stdioFile").find("\nfile\n"), std::string::npos);
   EXPECT_NE(printed("").find("\nPicture\n"), std::string::npos);

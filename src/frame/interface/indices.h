@@ -28,6 +28,8 @@ struct MSOINDICES {
   constexpr int ObjectKind() const { return kind & kObjectKindMask; }
   constexpr int ElementCount() const { return (kind >> kElementCountShift) & 7; }
 
+  bool operator==(const MSOINDICES&) const = default;
+
   // The object that the record addresses: 0 without an object index, -1 for an invalid kind.
   constexpr std::int32_t ObjectIndex() const {
     return ObjectKind() == kWhole ? 0 : ObjectKind() == kOneObject ? index : -1;

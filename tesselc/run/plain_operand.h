@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <type_traits>
+
+#include "frame/interface/object_argument.h"
+#include "frame/interface/type_words.h"
+
+namespace tesselc {
+
+// A number or complex value as an operand of Operate2, with operation::kPlainOperand.
+template <class T>
+tagMSOOBJVECT PlainOperand(const T& value) {
+  if constexpr (std::is_same_v<T, OneTCcomplex>) {
+    return tagMSOOBJVECT::Plain(value, kTypeComplex);
+  } else if constexpr (std::is_integral_v<T> && sizeof(T) == 8) {
+    return tagMSOOBJVECT::Plain(value);
+  } else {
+    const unsigned type_id = std::is_integral_v<T> ? kTypeInt : kTypeDouble;
+    return tagMSOOBJVECT::Plain(static_cast<double>(value), type_id);
+  }
+}
+
+}  // namespace tesselc
