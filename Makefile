@@ -30,9 +30,11 @@ test: build
 	ctest --preset release -j $(JOBS); linux=$$?; \
 	ctest --preset windows -j $(JOBS) && exit $$linux
 
-# Members through the real call path, and the same work done by other libraries.
-bench: packages-bench build-release
-	bench/run.sh
+# Members through the real call path, and the same work done by other libraries: with the best
+# kernels of the machine, and the Windows build beside, then with those for AVX2.
+bench: packages-bench build
+	bench/run.sh --windows
+	bench/run.sh --target AVX2
 
 # Members and classes the library declares but does not have yet.
 unbuilt: packages

@@ -1,19 +1,32 @@
 """What every table of timings is made with: programs that are asked for times, and their peers."""
 
 import os
+import shutil
 import statistics
 import subprocess
 import tempfile
 import time
 
 
-class Server:
-    """A program that times on request; the commands are in server.h."""
+WINE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tools", "wine.sh")
 
-    def __init__(self, path):
+
+class Server:
+    """A program that times on request; the commands are in server.h. Programs for Windows run under
+    Wine. target names the instruction set of the kernels, where it is not to be the best. Another
+    server that is beside this one gets the same data."""
+
+    def __init__(self, path, target=None, beside=None):
         self.path = path
-        self.process = subprocess.Popen([path], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                        text=True)
+        self.beside = beside
+        environment = dict(os.environ)
+        if target:
+            environment["VELA_KERNEL_TARGET"] = target
+        command = [WINE, path] if path.endswith(".exe") else [path]
+        self.process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                        text=True, env=environment)
+        if target and self.ask("target") != target:
+            raise SystemExit(f"no kernels for {target} run on this machine")
 
     def ask(self, line):
         self.process.stdin.write(line + "\n")
@@ -28,6 +41,8 @@ class Server:
 
     def send(self, data):
         """Bytes and arrays as data, a text as a value."""
+        if self.beside:
+            self.beside.send(data | {"path": own_copy(data["path"])} if "path" in data else data)
         self.ask("drop")
         for name, value in data.items():
             if isinstance(value, str):
@@ -92,6 +107,23 @@ class PythonTimer:
         return times
 
 
+def own_copy(path):
+    """Of a file that two programs are to hold open, each for itself."""
+    return shutil.copy(path, path + ".beside")
+
+
+def member_bench(folder):
+    """The timing program of a build."""
+    path = os.path.join(folder, "member_bench")
+    return path if os.path.exists(path) else path + ".exe"
+
+
+def processor():
+    with open("/proc/cpuinfo") as file:
+        names = [line.split(":", 1)[1].strip() for line in file if line.startswith("model name")]
+    return names[0] if names else "unknown processor"
+
+
 def timer_of(peer, data, native_program):
     if isinstance(peer, Native):
         return NativeTimer(native_program, peer, data)
@@ -110,25 +142,47 @@ def check(case, data, server, timers):
             raise RuntimeError(f"{name}: the result is not that of the others")
 
 
+class Measured:
+    """Seconds of one case in each round: ours, each peer's, and those of the server beside."""
+
+    def __init__(self, peers):
+        self.ours, self.beside = [], []
+        self.peers = {name: [] for name in peers}
+
+    def seconds(self):
+        return statistics.median(self.ours)
+
+    def best_peer(self):
+        return min((statistics.median(times), name) for name, times in self.peers.items())
+
+    def beside_ratio(self):
+        """The time of the server beside over ours; rounds are compared one by one."""
+        return statistics.median(b / o for b, o in zip(self.beside, self.ours))
+
+
 def measure(server, case, data, rounds, calls, native_program=None):
-    server.ask(f"prepare {case.name}")
+    servers = [server, server.beside] if server.beside else [server]
+    for each in servers:
+        each.ask(f"prepare {case.name}")
     timers = {name: timer_of(peer, data, native_program) for name, peer in case.peers.items()}
-    ours, theirs = [], {name: [] for name in timers}
+    measured = Measured(timers)
     try:
         check(case, data, server, timers)
         for round_number in range(rounds + 1):
-            batch = statistics.median(server.times(calls))
-            peer_batches = {name: statistics.median(t.times(calls)) for name, t in timers.items()}
+            ours = statistics.median(server.times(calls))
+            beside = [statistics.median(each.times(calls)) for each in servers[1:]]
+            peers = {name: statistics.median(t.times(calls)) for name, t in timers.items()}
             if round_number == 0:
                 continue  # warm-up
-            ours.append(batch)
-            for name, seconds in peer_batches.items():
-                theirs[name].append(seconds)
+            measured.ours.append(ours)
+            measured.beside += beside
+            for name, seconds in peers.items():
+                measured.peers[name].append(seconds)
     finally:
         for timer in timers.values():
             if isinstance(timer, NativeTimer):
                 timer.server.close()
-    return statistics.median(ours), {n: statistics.median(t) for n, t in theirs.items()}
+    return measured
 
 
 def human(seconds):
@@ -138,13 +192,15 @@ def human(seconds):
     return f"{seconds / 1e-9:.3g} ns"
 
 
-def print_heading(of):
+def print_heading(of, with_windows):
     print(f"{'member':17} {of:>10} {'ours':>9} {'best peer':>9}  {'peer':24} {'ratio':>6} "
-          f"{'asked':>5}")
+          f"{'asked':>5}{'  windows' if with_windows else ''}")
 
 
-def print_row(name, target, size, ours, theirs):
-    peer = min(theirs, key=theirs.get)
+def print_row(name, target, size, measured):
+    ours = measured.seconds()
+    theirs, peer = measured.best_peer()
     asked = f"{target:g}" if target else ""
-    print(f"{name:17} {size:10} {human(ours):>9} {human(theirs[peer]):>9}  "
-          f"{peer:24} {theirs[peer] / ours:6.2f} {asked:>5}", flush=True)
+    windows = f"{measured.beside_ratio():9.2f}" if measured.beside else ""
+    print(f"{name:17} {size:10} {human(ours):>9} {human(theirs):>9}  "
+          f"{peer:24} {theirs / ours:6.2f} {asked:>5}{windows}", flush=True)

@@ -2,11 +2,13 @@
 """Times members of the library beside the same work in other libraries, on the same data.
 
     peers.py PROGRAMS [--sizes 1000,1000000,10000000] [--cases Sum,Sort] [--rounds 9]
-                      [--file-megabytes 1000]
+                      [--file-megabytes 1000] [--target AVX2] [--windows PROGRAMS]
 
 Rounds alternate between the library and every peer in one run, one thread each, so that a change of
 the machine's speed touches both; the table shows medians, and the ratio of the fastest peer's time
-to ours (above 1: we are faster) with the ratio asked for.
+to ours (above 1: we are faster) with the ratio asked for. --target times the kernels of an older
+instruction set (SSE4, AVX2); --windows adds a column: the time of the Windows build under Wine over
+ours.
 """
 
 import argparse
@@ -22,8 +24,8 @@ import numpy as np  # noqa: E402
 import pandas as pd  # noqa: E402
 
 import text_cases  # noqa: E402
-from driver import (Case, PythonTimer, Server, human, measure, print_heading,  # noqa: E402
-                    print_row)
+from driver import (Case, PythonTimer, Server, human, measure, member_bench,  # noqa: E402
+                    print_heading, print_row, processor)
 
 MISSING = np.frombuffer(np.uint64(0x81AA74FE1C132C0E).tobytes(), dtype=np.float64)[0]
 
@@ -152,11 +154,14 @@ def cases_of(element_type, wanted):
 
 
 def print_call_costs(server):
-    server.ask("value type double")
     for name in ("call_by_name", "call_found"):
-        server.ask(f"prepare {name}")
-        times = [t / 1000 for t in server.times(2000)][200:]
-        print(f"{name:16} {human(statistics.median(times)):>10} a call")
+        times = {}
+        for each in filter(None, (server, server.beside)):
+            each.ask("value type double")
+            each.ask(f"prepare {name}")
+            times[each] = statistics.median([t / 1000 for t in each.times(2000)][200:])
+        windows = f"{times[server.beside] / times[server]:10.2f}" if server.beside else ""
+        print(f"{name:16} {human(times[server]):>10} a call{windows}")
     print()
 
 
@@ -176,11 +181,11 @@ def run_numeric(server, size, element_type, cases, rounds):
     for case in cases:
         name = case.name if element_type == "double" else f"{case.name} {element_type}"
         try:
-            ours, theirs = measure(server, case, data, rounds, calls)
+            measured = measure(server, case, data, rounds, calls)
         except RuntimeError as error:
             print(f"{name:17} {size:10} {error}", file=sys.stderr)
             continue
-        print_row(name, case.target, size, ours, theirs)
+        print_row(name, case.target, size, measured)
     if element_type == "double":
         print(f"copying {size} doubles moves {bandwidth(data) / 1e9:.1f} GB/s\n", flush=True)
 
@@ -188,7 +193,7 @@ def run_numeric(server, size, element_type, cases, rounds):
 def run_all_numeric(server, sizes, wanted, rounds):
     if not cases_of("double", wanted):
         return
-    print_heading("elements")
+    print_heading("elements", server.beside is not None)
     for element_type in TYPES:
         for size in sizes:
             run_numeric(server, size, element_type, cases_of(element_type, wanted), rounds)
@@ -201,10 +206,14 @@ def main():
     parser.add_argument("--file-megabytes", type=int, default=1000, help="the file of lines")
     parser.add_argument("--cases", default="")
     parser.add_argument("--rounds", type=int, default=9)
+    parser.add_argument("--target", help="instruction set of the kernels: SSE4, AVX2, AVX512")
+    parser.add_argument("--windows", help="folder of the Windows build's member_bench")
     arguments = parser.parse_args()
     wanted = set(filter(None, arguments.cases.split(",")))
 
-    server = Server(os.path.join(arguments.programs, "member_bench"))
+    windows = arguments.windows and Server(member_bench(arguments.windows), arguments.target)
+    server = Server(member_bench(arguments.programs), arguments.target, windows)
+    print(f"{processor()}, kernels for {server.ask('target')}")
     print_call_costs(server)
     sizes = [int(size) for size in arguments.sizes.split(",")]
     run_all_numeric(server, sizes, wanted, arguments.rounds)

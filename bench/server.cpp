@@ -6,6 +6,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "kernel/instruction_set.h"
+
 namespace vela::bench {
 namespace {
 
@@ -35,6 +37,9 @@ class Server {
     words >> command;
     if (command == "run") return Run(words);
     if (command == "cases") return Names();
+    if (command == "target") {
+      return std::string(kernel::InstructionSetName(kernel::CurrentInstructionSet()));
+    }
     words >> name;
     if (command == "data") {
       std::string path;

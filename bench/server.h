@@ -13,6 +13,7 @@ namespace vela::bench {
 //   run CALLS        times that many calls one by one; the seconds of each
 //   result FILE      writes what a call produces
 //   cases            lists the cases
+//   target           the instruction set that kernels run with
 // An answer that starts with "error" says what went wrong.
 void Serve(const Cases& cases);
 

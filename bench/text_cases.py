@@ -175,11 +175,11 @@ def run(server, native_program, wanted, rounds, megabytes):
             data = make_data()
             server.send(data)
             print(f"\n{title}")
-            print_heading(unit)
+            print_heading(unit, server.beside is not None)
             for case in chosen:
                 try:
-                    ours, theirs = measure(server, case, data, rounds, 1, native_program)
+                    measured = measure(server, case, data, rounds, 1, native_program)
                 except RuntimeError as error:
                     print(f"{case.name:17} {size:10} {error}", file=sys.stderr)
                     continue
-                print_row(case.name, case.target, size, ours, theirs)
+                print_row(case.name, case.target, size, measured)

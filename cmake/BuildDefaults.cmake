@@ -33,6 +33,9 @@ if(WIN32)
   # runtime: the shared one, which is copied beside them.
   add_link_options(-shared-libgcc)
   add_compile_definitions(_WIN32_WINNT=0x0A00)
+  # g++ would join the two to a call of MinGW's sincos, which is not among the accurate functions
+  # that WindowsRuntime.cmake sees to.
+  add_compile_options(-fno-builtin-sin -fno-builtin-cos)
 else()
   add_link_options(-Wl,-z,defs)
 endif()

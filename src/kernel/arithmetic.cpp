@@ -261,8 +261,12 @@ void ApplyInteger(Op op, std::span<T> x, const T* y, std::size_t stride) {
     for (std::size_t i = 0; i < x.size(); ++i) x[i] = Quotient(x[i], y[i * stride]);
   } else {
     using Bits = hwy::UnsignedFromSize<sizeof(T)>;
-    VELA_KERNEL_DISPATCH(ApplyWrapping<Bits>)
-    (op, reinterpret_cast<Bits*>(x.data()), reinterpret_cast<const Bits*>(y), stride, x.size());
+    const auto apply = VELA_KERNEL_DISPATCH(ApplyWrapping<Bits>);
+    auto* const target = reinterpret_cast<Bits*>(x.data());
+    const auto* const operands = reinterpret_cast<const Bits*>(y);
+    const std::size_t lead = ElementsBeforeLine(target, x.size());
+    apply(op, target, operands, stride, lead);
+    apply(op, target + lead, operands + lead * stride, stride, x.size() - lead);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <charconv>
 #include <cmath>
 
 #include "kernel/dispatch.h"
@@ -211,6 +212,14 @@ std::size_t FindBy(std::span<const T> x, FindScope scope, std::span<std::uint32_
 }
 
 }  // namespace
+
+double DecimalUnit(int digits) {
+  std::array<char, 16> text{'1', 'e'};
+  const auto written = std::to_chars(text.data() + 2, text.data() + text.size(), -digits);
+  double unit = 0;
+  std::from_chars(text.data(), written.ptr, unit);
+  return unit;
+}
 
 template <Element T>
 std::size_t FindEqual(std::span<const T> x, double value, double tolerance, FindScope scope,

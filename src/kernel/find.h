@@ -15,6 +15,9 @@ struct FindScope {
   bool first_only = false;                         ///< stop at the first match
 };
 
+/// A unit of that decimal place: 10 to the power -digits, rounded once; 0 below the least double.
+double DecimalUnit(int digits);
+
 /// Finds the elements equal to value: |x - value| <= tolerance, or x == value for a tolerance of 0.
 /// The missing value is a mark here, not a number: missing elements match a missing value only, and
 /// a missing value matches them only, whatever the tolerance. Infinities equal themselves, NaN

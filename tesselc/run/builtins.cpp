@@ -5,6 +5,7 @@
 
 #include "frame/interface/missing_value.h"
 #include "frame/interface/status.h"
+#include "tesselc/run/mathematics.h"
 #include "tesselc/run/operators.h"
 #include "tesselc/run/script_error.h"
 
@@ -27,10 +28,10 @@ constexpr MathFunction Test(std::string_view name, bool (*function)(double)) {
 
 const MathFunction kMathFunctions[] = {
     OfOne("abs", std::fabs),  OfOne("sqrt", std::sqrt),   OfOne("exp", std::exp),
-    OfOne("log", std::log),   OfOne("log10", std::log10), OfOne("sin", std::sin),
+    OfOne("log", std::log),   OfOne("log10", Log10),      OfOne("sin", std::sin),
     OfOne("cos", std::cos),   OfOne("tan", std::tan),     OfOne("asin", std::asin),
     OfOne("acos", std::acos), OfOne("atan", std::atan),   OfOne("sinh", std::sinh),
-    OfOne("cosh", std::cosh), OfOne("tanh", std::tanh),   OfOne("floor", std::floor),
+    OfOne("cosh", std::cosh), OfOne("tanh", Tanh),        OfOne("floor", std::floor),
     OfOne("ceil", std::ceil), OfOne("round", std::round), OfTwo("atan2", std::atan2),
     OfTwo("fmod", std::fmod), OfTwo("pow", std::pow),     OfTwo("min", Min),
     OfTwo("max", Max),        Test("isnan", IsNan),       Test("ismissing", IsMissing),

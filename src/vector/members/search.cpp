@@ -56,7 +56,7 @@ typename Wanted<T>::Number WantedValue(Arguments& args, unsigned arg) {
 }
 
 // 10 to the power -digits, which is the nearest double to that number.
-double Tolerance(int digits) { return digits >= 1 ? std::pow(10.0, -digits) : 0; }
+double Tolerance(int digits) { return digits >= 1 ? kernel::DecimalUnit(digits) : 0; }
 
 // The arguments value, upper and precision of both forms of Find, of which the last two may be
 // absent.
