@@ -210,7 +210,7 @@ TEST(LentBuffer, GuardedInDebugMode) {
 
   // As another type: a converted copy, which comes back converted.
   ASSERT_EQ(v->GetBufferMSOEx(nullptr, kTypeDouble, &buffer), 0);
-  EXPECT_EQ(static_cast<double*>(buffer)[0], 7);
+  EXPECT_EQ(static_cast<double*>(buffer)[0], 8);
   static_cast<double*>(buffer)[1] = 1e9;
   EXPECT_EQ(v->ReleaseBufferMSO(nullptr, buffer), 0);
   EXPECT_EQ(ValuesOf<short>(v)[1], 32767);
