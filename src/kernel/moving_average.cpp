@@ -102,7 +102,7 @@ struct Totals {
     sum = hn::LoadU(kD, saved);
     if constexpr (kHoles) count = hn::LoadU(kD, saved + kTiles);
   }
-  HWY_INLINE V Average(V window) const {
+  HWY_INLINE V Mean(V window) const {
     if constexpr (kHoles) {
       const auto none = hn::Eq(count, hn::Zero(kD));
       return hn::IfThenElse(none, hn::Set(kD, kMissing), hn::Div(sum, count));
@@ -143,7 +143,7 @@ void AverageTiles(const double* HWY_RESTRICT x, std::size_t window, double* HWY_
   const auto average = [&](const TileTotals& head, std::size_t at) HWY_ATTR {
     tail.Restore(tails + at * kSaved);
     tail.Add(head);
-    return tail.Average(divisor);
+    return tail.Mean(divisor);
   };
   TileTotals head;
   // The last element behind the tiles belongs to no window, so the last averages are not a square.

@@ -79,7 +79,7 @@ void SetElementType(SAFEARRAY* array, VARTYPE type) {
 }
 
 // Elements of count dimensions from the one kept first; nothing when the product is too large.
-std::optional<std::uint64_t> Product(const SAFEARRAYBOUND* bounds, UINT count) {
+std::optional<std::uint64_t> CellCount(const SAFEARRAYBOUND* bounds, UINT count) {
   std::uint64_t product = 1;
   bool overflow = false;
   for (UINT i = 0; i < count; ++i) {
@@ -92,7 +92,7 @@ std::optional<std::uint64_t> Product(const SAFEARRAYBOUND* bounds, UINT count) {
 
 // Bytes of the data, or nothing when they cannot be addressed.
 std::optional<std::size_t> DataSize(const SAFEARRAY* array) {
-  const auto cells = Product(array->rgsabound, array->cDims);
+  const auto cells = CellCount(array->rgsabound, array->cDims);
   std::uint64_t size = 0;
   if (!cells || __builtin_mul_overflow(*cells, std::uint64_t{array->cbElements}, &size) ||
       size > static_cast<std::uint64_t>(std::numeric_limits<std::ptrdiff_t>::max())) {
