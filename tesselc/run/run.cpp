@@ -28,9 +28,9 @@ vela::host::ObjectRef Run::Create(unsigned type_word, unsigned count, const std:
   if (!object) {
     // The library answers alike where it has no such type and where it has no memory for so many.
     const vela::host::ObjectRef one(count > 0 ? library_.Create(type_word, 0) : nullptr);
-    throw ScriptError(where, status::kFailed,
-                      one ? "out of memory"
-                          : "objects of type " + type_name + " are not available");
+    throw ScriptError(
+        where, status::kFailed,
+        one ? "out of memory" : "objects of type " + type_name + " are not available");
   }
   return object;
 }
