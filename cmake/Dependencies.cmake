@@ -35,9 +35,7 @@ vela_header_library(fast_float libfast-float-dev fast_float)
 # Its headers alone: the compiled part of Highway exists for Linux only, and the kernels do without.
 vela_header_library(hwy libhwy-dev hwy)
 
-if(WIN32)
-  target_compile_definitions(deps_hwy INTERFACE HWY_COMPILE_ONLY_STATIC)
-else()
+if(NOT WIN32)
   find_package(PkgConfig REQUIRED)
   vela_pkg_library(icu libicu-dev icu-uc)
 endif()

@@ -13,6 +13,7 @@
 #include "text/text_forms.h"
 #include "text/utf8_character.h"
 #include "text/wildcard.h"
+#include "text/wildcard_pieces.h"
 
 namespace {
 
@@ -281,8 +282,9 @@ bool Matches(const Characters& text, const Characters& pattern, bool case_sensit
 void CheckTools(const Case& c, const Characters& characters, const Characters& other) {
   const std::string_view text = c.text;
   for (const bool case_sensitive : {true, false}) {
-    REQUIRE(vela::text::MatchesWildcards(text, c.other, case_sensitive) ==
-            Matches(characters, other, case_sensitive));
+    const bool matches = Matches(characters, other, case_sensitive);
+    REQUIRE(vela::text::MatchesWildcards(text, c.other, case_sensitive) == matches);
+    REQUIRE(vela::text::MatchesPieces(text, c.other, case_sensitive) == matches);
   }
 
   const auto first_invalid = std::find_if(characters.begin(), characters.end(), IsInvalid);
@@ -295,7 +297,9 @@ void CheckTools(const Case& c, const Characters& characters, const Characters& o
     const auto to = static_cast<vela::text::TextEncoding>(encoding);
     REQUIRE(vela::text::EncodeText(text, to).size() == bytes);
   }
-  static_cast<void>(vela::text::DetectEncoding(text));
+  for (const bool is_whole : {false, true}) {
+    static_cast<void>(vela::text::DetectEncoding(text, is_whole));
+  }
 
   for (const auto misfits :
        {vela::text::MisfitCharacters::kUnderscore, vela::text::MisfitCharacters::kDrop}) {

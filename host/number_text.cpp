@@ -27,6 +27,7 @@ std::string_view Trim(std::string_view text) {
   return text;
 }
 
+bool IsDigit(char ch) { return ch >= '0' && ch <= '9'; }
 bool IsSign(char ch) { return ch == '+' || ch == '-'; }
 
 bool TakeHexPrefix(std::string_view& text) {
@@ -36,7 +37,7 @@ bool TakeHexPrefix(std::string_view& text) {
 }
 
 int HexDigit(char ch) {
-  if (ch >= '0' && ch <= '9') return ch - '0';
+  if (IsDigit(ch)) return ch - '0';
   const char lower = static_cast<char>(ch | 0x20);
   return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
@@ -53,6 +54,8 @@ double ReadHex(std::string_view digits) {
 }
 
 double ReadDecimal(std::string_view text) {
+  // Words such as "inf" and "nan" are no numbers.
+  if (!IsDigit(text.front()) && text.front() != '.') return kMissingValue;
   double value = 0;
   const char* const end = text.data() + text.size();
   const auto result = fast_float::from_chars(text.data(), end, value);

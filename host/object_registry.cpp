@@ -2,10 +2,11 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 #include <mutex>
 #include <new>
 #include <utility>
+
+#include "host/never_destroyed.h"
 
 namespace vela::host {
 namespace {
@@ -84,10 +85,9 @@ struct Registry {
   PointerSet live;
 };
 
-// Never destroyed: objects with static lifetime unregister when the rest of the runtime is gone.
 Registry& TheRegistry() {
-  static Registry& registry = *new Registry;
-  return registry;
+  static NeverDestroyed<Registry> registry;
+  return registry.value;
 }
 
 }  // namespace

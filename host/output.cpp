@@ -7,6 +7,7 @@
 #include <string>
 
 #include "frame/interface/type_base.h"
+#include "host/never_destroyed.h"
 
 namespace vela::host {
 namespace {
@@ -18,10 +19,9 @@ struct OutputState {
   HostCallback callback = nullptr;
 };
 
-// Never destroyed: objects with static lifetime may still print.
 OutputState& State() {
-  static OutputState& state = *new OutputState;
-  return state;
+  static NeverDestroyed<OutputState> state;
+  return state.value;
 }
 
 struct Destination {

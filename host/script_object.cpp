@@ -21,6 +21,12 @@ constexpr int kDestroying = std::numeric_limits<int>::min() / 2;
 
 }  // namespace
 
+const CRuntimeClass* CScriptVelaObject::GetRuntimeClass() const {
+  static const CRuntimeClass runtime_class{"CScriptVelaObject", sizeof(CScriptVelaObject),
+                                           CTypeBase::GetRuntimeClass()};
+  return &runtime_class;
+}
+
 CScriptVelaObject::CScriptVelaObject() : creation_id_(NextCreationId()) { AddToMap(this); }
 
 CScriptVelaObject::~CScriptVelaObject() { RemoveFromMap(this); }

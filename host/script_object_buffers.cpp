@@ -33,7 +33,9 @@ Memory ScalarStorage(CScriptVelaObject& object, const MSOINDICES* at) {
 
 }  // namespace
 
-int CScriptVelaObject::GetExternalData(void**) { return status::kUnsupported; }
+int CScriptVelaObject::GetExternalData(void** address) {
+  return address ? status::kUnsupported : status::kBadArguments;
+}
 int CScriptVelaObject::SetExternalData(void*) { return status::kUnsupported; }
 int CScriptVelaObject::SetExternalDataByPtr(void** address) {
   return address ? SetExternalData(*address) : status::kBadArguments;

@@ -17,6 +17,12 @@ int FittingLength(const CStringUTF8& text, int size) {
 
 }  // namespace
 
+const CRuntimeClass* TesselCObject::GetRuntimeClass() const {
+  static const CRuntimeClass runtime_class{"TesselCObject", sizeof(TesselCObject),
+                                           CScriptVelaObject::GetRuntimeClass()};
+  return &runtime_class;
+}
+
 int TesselCObject::TCAttach(CTCall*) { return status::kUnsupported; }
 int TesselCObject::TCDetach(CTCall*) { return status::kUnsupported; }
 int TesselCObject::TCGetName(CTCall*) { return status::kUnsupported; }

@@ -97,9 +97,14 @@ const CClassMember* CClassMember::FindInTable(const char* name, unsigned hash) c
 }
 
 unsigned CTypeBase::HashMemberName(const char* name) {
-  // FNV-1a; 0 stands for a hash that is still to be computed.
-  unsigned hash = 2166136261u;
-  for (; *name; ++name) hash = (hash ^ static_cast<unsigned char>(*name)) * 16777619u;
+  // The names of a type differ in their ends and lengths. 0 stands for a hash still to be computed.
+  const std::size_t length = std::strlen(name);
+  std::uint32_t first = 0;
+  std::uint32_t last = 0;
+  std::memcpy(&first, name, std::min(length, sizeof first));
+  if (length > sizeof last) std::memcpy(&last, name + length - sizeof last, sizeof last);
+  const std::uint64_t ends = std::uint64_t{first} << 32 | last;
+  const auto hash = static_cast<unsigned>((ends + length) * 0x9E3779B97F4A7C15u >> 32);
   return std::max(hash, 1u);
 }
 

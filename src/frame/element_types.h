@@ -21,15 +21,16 @@ struct ElementType {
   const char* display_name;  // as a debugger names a whole vector of it
 };
 
+// The types that are used most come first: a lookup tries them in this order.
 inline constexpr std::tuple kElementTable{
+    ElementType<double>{kTypeDouble, "double", "double"},
+    ElementType<int>{kTypeInt, "int", "int"},
+    ElementType<float>{kTypeFloat, "float", "float"},
+    ElementType<unsigned>{kTypeUnsignedInt, "unsigned int", "unsigned int"},
     ElementType<char>{kTypeChar, "char", "char"},
     ElementType<unsigned char>{kTypeUnsignedChar, "unsigned char", "unsigned char"},
     ElementType<short>{kTypeShort, "short", "short"},
     ElementType<unsigned short>{kTypeUnsignedShort, "unsigned short", "unsigned short"},
-    ElementType<int>{kTypeInt, "int", "int"},
-    ElementType<unsigned>{kTypeUnsignedInt, "unsigned int", "unsigned int"},
-    ElementType<float>{kTypeFloat, "float", "float"},
-    ElementType<double>{kTypeDouble, "double", "double"},
     ElementType<std::int64_t>{kTypeInt64, "__int64", "__int64"},
     ElementType<std::uint64_t>{kTypeUnsignedInt64, "unsigned __int64", "unsigned __int64"},
     ElementType<OneTCcomplex>{kTypeComplex, "complex", "complex"},
@@ -67,7 +68,7 @@ concept DatasetElement = ComplexElement<T> ||
 
 // Calls f.operator()<T>() for every element type, in table order.
 template <class F>
-void ForEachElementType(F&& f) {
+constexpr void ForEachElementType(F&& f) {
   std::apply(
       [&](const auto&... row) {
         (f.template operator()<typename std::remove_cvref_t<decltype(row)>::Value>(), ...);

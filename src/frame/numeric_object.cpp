@@ -131,6 +131,7 @@ int TCNumericBase<T>::GetValueToBuffer(void* buffer, unsigned size, const MSOIND
 
 template <class T>
 int TCNumericBase<T>::GetExternalData(void** address) {
+  if (address == nullptr) return status::kBadArguments;
   *address = m_storage;
   return status::kOk;
 }
@@ -152,6 +153,7 @@ unsigned TCNumericBase<T>::GetBufferSize(const MSOINDICES* at) {
 
 template <class T>
 int TCNumericBase<T>::GetBufferMSO(const MSOINDICES* at, void** buffer) {
+  if (buffer == nullptr) return status::kBadArguments;
   *buffer = Element(at);
   return *buffer == nullptr ? status::kUnresolved : status::kOk;
 }

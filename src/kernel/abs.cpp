@@ -1,11 +1,8 @@
 #include "kernel/abs.h"
 
-#include <concepts>
-#include <cstddef>
 #include <limits>
 
 #include "kernel/dispatch.h"
-#include "kernel/line_start.h"
 #include "kernel/missing.h"
 
 #ifndef HWY_TARGET_INCLUDE
@@ -14,28 +11,33 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "kernel/elementwise-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
 namespace {
+namespace hn = hwy::HWY_NAMESPACE;
 
-// Without branches, so that the loop becomes vector code.
-template <class T>
-T AbsOf(T value) {
-  if constexpr (std::unsigned_integral<T>) {
-    return value;
-  } else if constexpr (std::floating_point<T>) {
-    return (value < 0) & !IsMissing(value) ? -value : value;
+template <class D, class V>
+HWY_INLINE V AbsOf(D d, V v) {
+  using T = hn::TFromD<D>;
+  if constexpr (std::floating_point<T>) {
+    auto negative = hn::Lt(v, hn::Zero(d));
+    if constexpr (std::same_as<T, double>) {
+      negative = hn::And(negative, hn::Ne(v, hn::Set(d, kMissing)));
+    }
+    return hn::Xor(v, hn::IfThenElseZero(negative, hn::SignBit(d)));
   } else {
-    const T low = value == std::numeric_limits<T>::min() ? static_cast<T>(value + 1) : value;
-    return low < 0 ? static_cast<T>(-low) : low;
+    return hn::Abs(hn::Max(v, hn::Set(d, std::numeric_limits<T>::min() + 1)));
   }
 }
 
 template <class T>
 void AbsLoop(T* x, std::size_t count) {
-  const std::size_t lead = ElementsBeforeLine(x, count);
-  for (std::size_t i = 0; i < lead; ++i) x[i] = AbsOf(x[i]);
-  for (std::size_t i = lead; i < count; ++i) x[i] = AbsOf(x[i]);
+  auto* const lanes = reinterpret_cast<LaneOf<T>*>(x);
+  ForEachVector(x, count, [=](auto d, std::size_t i) HWY_ATTR {
+    hn::StoreU(AbsOf(d, hn::LoadU(d, lanes + i)), d, lanes + i);
+  });
 }
 
 }  // namespace
@@ -47,7 +49,9 @@ namespace vela::kernel {
 
 template <Element T>
 void Abs(std::span<T> x) {
-  VELA_KERNEL_DISPATCH(AbsLoop<T>)(x.data(), x.size());
+  if constexpr (std::numeric_limits<T>::is_signed) {
+    VELA_KERNEL_DISPATCH(AbsLoop<T>)(x.data(), x.size());
+  }
 }
 
 #define VELA_KERNEL_INSTANTIATE(T) template void Abs(std::span<T>);

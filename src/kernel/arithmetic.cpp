@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <concepts>
+#include <cstring>
 #include <type_traits>
 
 #include "kernel/dispatch.h"
@@ -23,182 +24,200 @@ namespace {
 // double.
 constexpr double kGuardLimit = 1.7e+308;
 
-// Elements whose powers are computed at a time.
-constexpr std::size_t kPowerBlock = 256;
-
 template <class T>
 constexpr T kStoredMissing = ConvertElement<T>(kMissing);
 
-// Wide enough that no product of two narrow elements overflows the signed type they promote to.
-template <class T>
-using Wrapping = std::make_unsigned_t<std::common_type_t<T, int>>;
+template <class D, class V>
+HWY_INLINE hn::Mask<D> IsNumber(V v) {
+  return hn::Eq(v, v);
+}
 
-// Each operation gives its plain result and tells where a floating result is withheld because it
-// would overflow. Both are always computed and then selected from, so that the loops become vector
-// code.
-
-struct Unguarded {
-  template <class T>
-  static bool Overflows(T /*x*/, T /*y*/) {
-    return false;
+// Neither missing nor NaN.
+template <class D, class V>
+HWY_INLINE hn::Mask<D> IsValue(D d, V v) {
+  if constexpr (std::same_as<hn::TFromD<D>, float>) {
+    return IsNumber<D>(v);
+  } else {
+    const auto present = hn::Ne(v, hn::Set(d, kMissing));
+    // On vectors of more than 128 bits this comparison is false for NaN.
+    if constexpr (hn::MaxLanes(D()) > 2) return present;
+    return hn::And(present, IsNumber<D>(v));
   }
-};
+}
 
-struct Assign : Unguarded {
-  template <class T>
-  static T Of(T /*x*/, T y) {
+// The operations on floating elements. A guarded one withholds results that overflow; only where a
+// result is beyond kGuardLimit, or nearly, does it take a closer look.
+
+struct Assign {
+  static constexpr bool kGuarded = false;
+  template <class V>
+  static HWY_INLINE V Of(V /*x*/, V y) {
     return y;
   }
 };
 
-struct Add : Unguarded {
-  template <class T>
-  static T Of(T x, T y) {
-    if constexpr (std::integral<T>) return static_cast<T>(Wrapping<T>(x) + Wrapping<T>(y));
-    return x + y;
+struct Add {
+  static constexpr bool kGuarded = false;
+  template <class V>
+  static HWY_INLINE V Of(V x, V y) {
+    return hn::Add(x, y);
   }
 };
 
-struct Subtract : Unguarded {
-  template <class T>
-  static T Of(T x, T y) {
-    if constexpr (std::integral<T>) return static_cast<T>(Wrapping<T>(x) - Wrapping<T>(y));
-    return x - y;
+struct Subtract {
+  static constexpr bool kGuarded = false;
+  template <class V>
+  static HWY_INLINE V Of(V x, V y) {
+    return hn::Sub(x, y);
   }
 };
 
-struct Multiply : Unguarded {
-  template <class T>
-  static T Of(T x, T y) {
-    if constexpr (std::integral<T>) return static_cast<T>(Wrapping<T>(x) * Wrapping<T>(y));
-    return x * y;
+struct Multiply {
+  static constexpr bool kGuarded = false;
+  template <class V>
+  static HWY_INLINE V Of(V x, V y) {
+    return hn::Mul(x, y);
   }
 };
 
 struct GuardedMultiply : Multiply {
-  template <class T>
-  static bool Overflows(T x, T y) {
-    // Floats are so far below the limit that only infinities reach it.
-    if constexpr (std::same_as<T, float>) {
-      return (std::abs(x) >= 1) & (std::isinf(x) | std::isinf(y));
+  static constexpr bool kGuarded = true;
+  template <class D, class V>
+  static HWY_INLINE hn::Mask<D> Overflows(D d, V x, V y) {
+    const auto large = hn::Ge(hn::Abs(x), hn::Set(d, 1));
+    if constexpr (std::same_as<hn::TFromD<D>, float>) {
+      // Floats are so far below the limit that only infinities reach it.
+      return hn::And(large, hn::Or(hn::IsInf(x), hn::IsInf(y)));
+    } else {
+      return hn::And(large, hn::Le(hn::Div(hn::Set(d, kGuardLimit), hn::Abs(x)), hn::Abs(y)));
     }
-    const double magnitude = std::abs(static_cast<double>(x));
-    const double limit = kGuardLimit / magnitude;
-    return (magnitude >= 1) & (limit <= std::abs(static_cast<double>(y)));
   }
 };
 
 struct Divide {
-  template <class T>
-  static T Of(T x, T y) {
-    if constexpr (std::integral<T>) {
-      if (y == 0) return 0;
-      if constexpr (std::signed_integral<T>) {
-        if (y == -1) return Subtract::Of(T{0}, x);
+  static constexpr bool kGuarded = true;
+  template <class V>
+  static HWY_INLINE V Of(V x, V y) {
+    return hn::Div(x, y);
+  }
+  template <class D, class V>
+  static HWY_INLINE hn::Mask<D> Overflows(D d, V x, V y) {
+    const auto small = hn::Lt(hn::Abs(y), hn::Set(d, 1));
+    if constexpr (std::same_as<hn::TFromD<D>, float>) {
+      // No quotient of finite floats reaches the limit.
+      return hn::And(small, hn::Or(hn::Eq(y, hn::Zero(d)), hn::IsInf(x)));
+    } else {
+      return hn::And(small, hn::Le(hn::Mul(hn::Abs(y), hn::Set(d, kGuardLimit)), hn::Abs(x)));
+    }
+  }
+};
+
+template <class Operation, class D, class T>
+HWY_INLINE void Step(D d, T* x, const T* y) {
+  const auto operand = hn::LoadU(d, y);
+  auto stands = IsValue(d, operand);
+  auto result = operand;
+  if constexpr (!std::same_as<Operation, Assign>) {
+    const auto element = hn::LoadU(d, x);
+    stands = hn::And(stands, IsValue(d, element));
+    result = Operation::Of(element, operand);
+    if constexpr (Operation::kGuarded) {
+      const double limit = std::min<double>(kGuardLimit / 2, std::numeric_limits<T>::max());
+      const auto is_below = hn::Le(hn::Abs(result), hn::Set(d, static_cast<T>(limit)));
+      if (HWY_UNLIKELY(!hn::AllTrue(d, is_below))) {
+        stands = hn::AndNot(Operation::Overflows(d, element, operand), stands);
       }
     }
-    return static_cast<T>(x / y);
   }
-  template <class T>
-  static bool Overflows(T x, T y) {
-    // No quotient of finite floats reaches the limit.
-    if constexpr (std::same_as<T, float>) {
-      return (std::abs(y) < 1) & ((y == 0) | std::isinf(x));
-    }
-    const double divisor = std::abs(static_cast<double>(y));
-    const double limit = divisor * kGuardLimit;
-    return (divisor < 1) & (limit <= std::abs(static_cast<double>(x)));
-  }
-};
+  hn::StoreU(hn::IfThenElse(stands, result, hn::Set(d, kStoredMissing<T>)), d, x);
+}
 
-template <class T>
-struct Elements {
-  const T* data;
-  T operator[](std::size_t i) const { return data[i]; }
-  template <class D>
-  HWY_INLINE hn::Vec<D> Vector(D d, std::size_t i) const {
-    return hn::LoadU(d, data + i);
-  }
-};
-
-template <class T>
-struct Broadcast {
-  T value;
-  T operator[](std::size_t /*i*/) const { return value; }
-  template <class D>
-  HWY_INLINE hn::Vec<D> Vector(D d, std::size_t /*i*/) const {
-    return hn::Set(d, value);
-  }
-};
-
+// x and the operands are the same storage or apart, so that no step depends on another. With a
+// stride of 0 the operands are one vector.
 template <class Operation, class T>
-bool MakesMissing(T x, T y) {
-  const auto is_value = [](T v) {
-    // One ordered comparison excludes both NaN and the missing value.
-    if constexpr (std::same_as<T, double>) return std::islessgreater(v, kMissing);
-    return !std::isnan(v);
-  };
-  if constexpr (std::same_as<Operation, Assign>) return !is_value(y);
-  return !is_value(x) | !is_value(y) | Operation::Overflows(x, y);
-}
-
-// x and the operands are the same storage or apart, so no iteration depends on another.
-template <class Operation, class T, class Operands>
-void LoopFrom(std::size_t begin, std::size_t end, T* x, Operands y) {
-#pragma GCC ivdep
-  for (std::size_t i = begin; i < end; ++i) {
-    const T operand = y[i];
-    const T result = Operation::Of(x[i], operand);
-    if constexpr (std::integral<T>) {
-      x[i] = result;
-    } else {
-      x[i] = MakesMissing<Operation>(x[i], operand) ? kStoredMissing<T> : result;
-    }
-  }
-}
-
-// Not inline: a short loop of known length would be unrolled into single divisions.
-template <class T, class Operands>
-HWY_NOINLINE void DivideGuarded(std::size_t begin, std::size_t end, T* x, Operands y) {
-  LoopFrom<Divide>(begin, end, x, y);
-}
-
-// The quotients from x[begin] on, as many as fill whole vectors; returns where it stops. A quotient
-// clearly below the limit needs no guard, and hardly any other is met: comparing quotients keeps
-// the guard's own steps out of the way of the divisions.
-template <class T, class Operands>
-std::size_t DivideWhole(std::size_t begin, std::size_t end, T* x, Operands y) {
+void Loop(T* x, const T* y, std::size_t stride, std::size_t count) {
   const hn::ScalableTag<T> d;
-  const auto limit =
-      hn::Set(d, static_cast<T>(std::min<double>(kGuardLimit / 2, std::numeric_limits<T>::max())));
-  const auto missing = hn::Set(d, kStoredMissing<T>);
+  const hn::CappedTag<T, 1> one;
   const std::size_t lanes = hn::Lanes(d);
-  std::size_t i = begin;
-  for (; i + lanes <= end; i += lanes) {
-    const auto dividend = hn::LoadU(d, x + i);
-    const auto divisor = y.Vector(d, i);
-    const auto quotient = hn::Div(dividend, divisor);
-    if (HWY_UNLIKELY(!hn::AllTrue(d, hn::Le(hn::Abs(quotient), limit)))) {
-      DivideGuarded(i, i + lanes, x, y);
-    } else if constexpr (std::same_as<T, double>) {
-      const auto values = hn::And(hn::Ne(dividend, missing), hn::Ne(divisor, missing));
-      hn::StoreU(hn::IfThenElse(values, quotient, missing), d, x + i);
-    } else {
-      hn::StoreU(quotient, d, x + i);
-    }
-  }
-  return i;
+  const std::size_t lead = ElementsBeforeLine(x, count);
+  std::size_t i = 0;
+  for (; i < lead; ++i) Step<Operation>(one, x + i, y + i * stride);
+  for (; i + lanes <= count; i += lanes) Step<Operation>(d, x + i, y + i * stride);
+  for (; i < count; ++i) Step<Operation>(one, x + i, y + i * stride);
 }
 
-template <class Operation, class T, class Operands>
-void Loop(T* x, std::size_t count, Operands y) {
-  std::size_t lead = ElementsBeforeLine(x, count);
-  LoopFrom<Operation>(0, lead, x, y);
-  if constexpr (std::same_as<Operation, Divide> && std::floating_point<T>) {
-    lead = DivideWhole(lead, count, x, y);
+template <class T>
+void ApplyFloating(Op op, T* x, const T* y, std::size_t stride, std::size_t count,
+                   bool guard_multiply) {
+  const hn::ScalableTag<T> d;
+  HWY_ALIGN T copies[hn::MaxLanes(d)];
+  if (stride == 0) {
+    hn::Store(hn::Set(d, *y), d, copies);
+    y = copies;
   }
-  LoopFrom<Operation>(lead, count, x, y);
+  switch (op) {
+    case Op::kAssign:
+      return Loop<Assign>(x, y, stride, count);
+    case Op::kAdd:
+      return Loop<Add>(x, y, stride, count);
+    case Op::kSubtract:
+      return Loop<Subtract>(x, y, stride, count);
+    case Op::kMultiply:
+      return guard_multiply ? Loop<GuardedMultiply>(x, y, stride, count)
+                            : Loop<Multiply>(x, y, stride, count);
+    case Op::kDivide:
+      return Loop<Divide>(x, y, stride, count);
+    case Op::kPower:
+      return;
+  }
 }
+
+// Calls of `of` for unsigned integers, whose arithmetic wraps as that of signed ones does. Narrow
+// types promote to a signed one: the product is taken of unsigned numbers.
+template <class T, class Of>
+HWY_INLINE void WrappingLoop(T* x, const T* y, std::size_t stride, std::size_t count, Of of) {
+  using Wide = std::common_type_t<T, unsigned>;
+  if (stride == 0) {
+    const Wide operand = *y;
+    for (std::size_t i = 0; i < count; ++i) x[i] = static_cast<T>(of(Wide{x[i]}, operand));
+  } else {
+    for (std::size_t i = 0; i < count; ++i) x[i] = static_cast<T>(of(Wide{x[i]}, Wide{y[i]}));
+  }
+}
+
+template <std::unsigned_integral T>
+void ApplyWrapping(Op op, T* x, const T* y, std::size_t stride, std::size_t count) {
+  switch (op) {
+    case Op::kAdd:
+      return WrappingLoop(x, y, stride, count, [](auto a, auto b) HWY_ATTR { return a + b; });
+    case Op::kSubtract:
+      return WrappingLoop(x, y, stride, count, [](auto a, auto b) HWY_ATTR { return a - b; });
+    case Op::kMultiply:
+      return WrappingLoop(x, y, stride, count, [](auto a, auto b) HWY_ATTR { return a * b; });
+    default:
+      return;
+  }
+}
+
+}  // namespace
+}  // namespace vela::kernel::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace vela::kernel {
+namespace {
+
+template <std::integral T>
+T Quotient(T x, T y) {
+  if (y == 0) return 0;
+  if constexpr (std::signed_integral<T>) {
+    if (y == -1) return static_cast<T>(0 - static_cast<std::make_unsigned_t<T>>(x));
+  }
+  return static_cast<T>(x / y);
+}
+
+// Elements whose powers are computed at a time.
+constexpr std::size_t kPowerBlock = 256;
 
 // x[i] to the power y[i] for the elements of one block.
 template <class T>
@@ -211,75 +230,65 @@ void PowerBlock(std::span<T> x, std::span<const double> y) {
     Convert<double, T>(x, powers);
     if constexpr (std::floating_point<T>) {
       CheckedPower(powers, y, powers);
-      Convert<T, double>(powers, x);
     } else {
       // 0 to a negative power is a division by 0; everything else saturates.
       Power(powers, y, powers);
       for (std::size_t i = 0; i < x.size(); ++i) {
-        x[i] = (x[i] == 0) & (y[i] < 0) ? T{0} : ConvertElement<T>(powers[i]);
+        powers[i] = x[i] == 0 && y[i] < 0 ? 0 : powers[i];
       }
     }
+    Convert<T, double>(powers, x);
   }
 }
 
-template <class T, class Operands>
-void PowerLoop(T* x, std::size_t count, Operands y) {
+template <class T>
+void PowerLoop(std::span<T> x, const T* y, std::size_t stride) {
   std::array<double, kPowerBlock> exponents;
-  for (std::size_t begin = 0; begin < count; begin += kPowerBlock) {
-    const std::size_t size = std::min(kPowerBlock, count - begin);
-    for (std::size_t i = 0; i < size; ++i) exponents[i] = static_cast<double>(y[begin + i]);
-    PowerBlock(std::span(x + begin, size), std::span<const double>(exponents).first(size));
-  }
-}
-
-template <class T, class Operands>
-void ApplyAny(Op op, T* x, std::size_t count, Operands y, bool guard_multiply) {
-  switch (op) {
-    case Op::kAssign:
-      return Loop<Assign>(x, count, y);
-    case Op::kAdd:
-      return Loop<Add>(x, count, y);
-    case Op::kSubtract:
-      return Loop<Subtract>(x, count, y);
-    case Op::kMultiply:
-      if constexpr (std::floating_point<T>) {
-        if (guard_multiply) return Loop<GuardedMultiply>(x, count, y);
-      }
-      return Loop<Multiply>(x, count, y);
-    case Op::kDivide:
-      return Loop<Divide>(x, count, y);
-    case Op::kPower:
-      return PowerLoop(x, count, y);
+  if (stride == 0) exponents.fill(static_cast<double>(*y));
+  for (std::size_t begin = 0; begin < x.size(); begin += kPowerBlock) {
+    const std::span<T> block = x.subspan(begin, std::min(kPowerBlock, x.size() - begin));
+    const std::span<double> powers = std::span(exponents).first(block.size());
+    if (stride != 0) Convert<double, T>(std::span<const T>(y + begin, block.size()), powers);
+    PowerBlock<T>(block, powers);
   }
 }
 
 template <class T>
-void ApplyElements(Op op, T* x, const T* y, std::size_t count, bool guard_multiply) {
-  ApplyAny(op, x, count, Elements<T>{y}, guard_multiply);
+void ApplyInteger(Op op, std::span<T> x, const T* y, std::size_t stride) {
+  if (op == Op::kAssign) {
+    for (std::size_t i = 0; i < x.size(); ++i) x[i] = y[i * stride];
+  } else if (op == Op::kDivide) {
+    for (std::size_t i = 0; i < x.size(); ++i) x[i] = Quotient(x[i], y[i * stride]);
+  } else {
+    using Bits = hwy::UnsignedFromSize<sizeof(T)>;
+    VELA_KERNEL_DISPATCH(ApplyWrapping<Bits>)
+    (op, reinterpret_cast<Bits*>(x.data()), reinterpret_cast<const Bits*>(y), stride, x.size());
+  }
 }
 
+// With a stride of 0 the one operand is taken for every element.
 template <class T>
-void ApplyBroadcast(Op op, T* x, T y, std::size_t count, bool guard_multiply) {
-  ApplyAny(op, x, count, Broadcast<T>{y}, guard_multiply);
+void ApplyAny(Op op, std::span<T> x, const T* y, std::size_t stride, bool guard_multiply) {
+  if (op == Op::kPower) {
+    PowerLoop(x, y, stride);
+  } else if constexpr (std::floating_point<T>) {
+    VELA_KERNEL_DISPATCH(ApplyFloating<T>)
+    (op, x.data(), y, stride, x.size(), guard_multiply);
+  } else {
+    ApplyInteger(op, x, y, stride);
+  }
 }
 
 }  // namespace
-}  // namespace vela::kernel::HWY_NAMESPACE
-HWY_AFTER_NAMESPACE();
-
-#if HWY_ONCE
-namespace vela::kernel {
 
 template <Element T>
 void Apply(Op op, std::span<T> x, std::span<const T> y, bool guard_multiply) {
-  VELA_KERNEL_DISPATCH(ApplyElements<T>)
-  (op, x.data(), y.data(), x.size(), guard_multiply);
+  ApplyAny(op, x, y.data(), 1, guard_multiply);
 }
 
 template <Element T>
 void ApplyScalar(Op op, std::span<T> x, T y, bool guard_multiply) {
-  VELA_KERNEL_DISPATCH(ApplyBroadcast<T>)
-  (op, x.data(), y, x.size(), guard_multiply);
+  ApplyAny(op, x, &y, 0, guard_multiply);
 }
 
 #define VELA_KERNEL_INSTANTIATE(T)                                 \

@@ -112,7 +112,7 @@ namespace {
 template <class From, class... To>
 auto LoopTo(std::size_t type, TypeList<To...> /*targets*/) {
   static constexpr PerInstructionSet<void(const From*, void*, std::size_t)> kLoops[] = {
-      VELA_KERNEL_DISPATCH(ConvertLoop<From, To>)...};
+      VELA_KERNEL_FUNCTIONS(ConvertLoop<From, To>)...};
   return kLoops[type];
 }
 

@@ -43,7 +43,14 @@ PerInstructionSet(Result (*)(Args...), Result (*)(Args...), Result (*)(Args...))
 
 /// The PerInstructionSet of a function, or of one specialisation of a function template, that is
 /// defined in HWY_NAMESPACE.
-#define VELA_KERNEL_DISPATCH(...)                                                                 \
+#define VELA_KERNEL_FUNCTIONS(...)                                                                \
   ::vela::kernel::PerInstructionSet {                                                             \
     VELA_KERNEL_SSE4(__VA_ARGS__), VELA_KERNEL_AVX2(__VA_ARGS__), VELA_KERNEL_AVX512(__VA_ARGS__) \
   }
+
+/// The same as a constant to call at once: a call costs no more than a look into it.
+#define VELA_KERNEL_DISPATCH(...)                                         \
+  ([]() -> const auto& {                                                  \
+    static constexpr auto kFunctions{VELA_KERNEL_FUNCTIONS(__VA_ARGS__)}; \
+    return kFunctions;                                                    \
+  }())

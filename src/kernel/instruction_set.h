@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <iterator>
 #include <string_view>
 
 namespace vela::kernel {
@@ -10,7 +11,9 @@ namespace vela::kernel {
 /// The first is the floor below which nothing runs.
 enum class InstructionSet { kSse4, kAvx2, kAvx512 };
 
-inline constexpr std::size_t kInstructionSets = 3;
+inline constexpr InstructionSet kAllInstructionSets[] = {
+    InstructionSet::kSse4, InstructionSet::kAvx2, InstructionSet::kAvx512};
+inline constexpr std::size_t kInstructionSets = std::size(kAllInstructionSets);
 
 /// As VELA_KERNEL_TARGET names it: SSE4, AVX2, AVX512.
 std::string_view InstructionSetName(InstructionSet set);

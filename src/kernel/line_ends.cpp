@@ -15,14 +15,14 @@ HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
-constexpr std::size_t kGroup = 64;
+constexpr std::size_t kTextGroup = 64;
 
-// A bit for each of kGroup bytes, set for CR and LF.
+// A bit for each of kTextGroup bytes, set for CR and LF.
 HWY_INLINE std::uint64_t EndBits(const std::uint8_t* text) {
-  const hn::CappedTag<std::uint8_t, kGroup> d;
+  const hn::CappedTag<std::uint8_t, kTextGroup> d;
   constexpr std::size_t kLanes = hn::MaxLanes(d);
   std::uint64_t bits = 0;
-  for (std::size_t at = 0; at < kGroup; at += kLanes) {
+  for (std::size_t at = 0; at < kTextGroup; at += kLanes) {
     const auto bytes = hn::LoadU(d, text + at);
     const auto ends = hn::Or(hn::Eq(bytes, hn::Set(d, '\n')), hn::Eq(bytes, hn::Set(d, '\r')));
     std::uint8_t stored[8];
@@ -38,7 +38,8 @@ HWY_INLINE std::uint64_t EndBits(const std::uint8_t* text) {
 // there costs less than a guess at how many there are.
 HWY_INLINE std::uint32_t* StorePositions(std::uint64_t bits, std::uint32_t first,
                                          std::uint32_t* ends) {
-  constexpr std::uint64_t kNoneLeft = std::uint64_t{1} << (kGroup - 1);  // never 0, so no branch
+  constexpr std::uint64_t kNoneLeft = std::uint64_t{1}
+                                      << (kTextGroup - 1);  // never 0, so no branch
   std::uint32_t* const stored = ends + std::popcount(bits);
   do {
     for (std::size_t i = 0; i < kLineEndsSlack; ++i, bits &= bits - 1) {
@@ -52,7 +53,7 @@ std::uint32_t* FindLineEnds(const char* text, std::size_t size, std::uint32_t fi
                             std::uint32_t* ends) {
   std::size_t at = 0;
   const auto position = [&] { return first + static_cast<std::uint32_t>(at); };
-  for (; at + kGroup <= size; at += kGroup) {
+  for (; at + kTextGroup <= size; at += kTextGroup) {
     const std::uint64_t bits = EndBits(reinterpret_cast<const std::uint8_t*>(text) + at);
     ends = StorePositions(bits, position(), ends);
   }

@@ -1,8 +1,15 @@
-// Loads of elements as vectors of doubles, compiled once for each instruction set of a file that
-// includes it. Without an include guard for that reason.
+// Loads of elements as vectors of doubles.
+// Compiled once for each instruction set: the guard lets it in again for the next.
 
 #include <concepts>
 #include <hwy/highway.h>
+
+#if defined(VELA_KERNEL_LOAD_DOUBLES_TOGGLE) == defined(HWY_TARGET_TOGGLE)
+#ifdef VELA_KERNEL_LOAD_DOUBLES_TOGGLE
+#undef VELA_KERNEL_LOAD_DOUBLES_TOGGLE
+#else
+#define VELA_KERNEL_LOAD_DOUBLES_TOGGLE
+#endif
 
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
@@ -20,3 +27,5 @@ HWY_INLINE hwy::HWY_NAMESPACE::Vec<D> LoadDoubles(D d, const T* x) {
 
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
+
+#endif

@@ -12,6 +12,8 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "kernel/elementwise-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
@@ -20,10 +22,6 @@ namespace hn = hwy::HWY_NAMESPACE;
 // searched at the end.
 constexpr std::size_t kBlockBytes = 8192;
 constexpr std::size_t kChains = 4;
-
-// Highway's lane type for an element type.
-template <class T>
-using LaneOf = std::conditional_t<std::same_as<T, char>, std::int8_t, T>;
 
 template <class T>
 struct Range {

@@ -1,10 +1,10 @@
 #include "kernel/moving_average.h"
 
 #include <algorithm>
-#include <cstring>
 #include <vector>
 
 #include "kernel/dispatch.h"
+#include "kernel/line_start.h"
 #include "kernel/missing.h"
 
 #ifndef HWY_TARGET_INCLUDE
@@ -16,49 +16,60 @@
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
 
+namespace hn = hwy::HWY_NAMESPACE;
+
 // Tiles that go side by side, and one number from each.
-constexpr std::size_t kTiles = 4;
-typedef double Vector __attribute__((vector_size(kTiles * sizeof(double))));
-
-HWY_INLINE void Load(const double* from, Vector& vector) {
-  std::memcpy(&vector, from, sizeof(vector));
-}
-
-HWY_INLINE void Store(const Vector& vector, double* to) {
-  std::memcpy(to, &vector, sizeof(vector));
-}
+using D = hn::CappedTag<double, 4>;
+using V = hn::Vec<D>;
+constexpr D kD;
+constexpr std::size_t kTiles = hn::MaxLanes(kD);
 
 // One element of each tile.
-HWY_INLINE void LoadTiles(const double* from, std::size_t window, Vector& vector) {
-  for (std::size_t t = 0; t < kTiles; ++t) vector[t] = from[t * window];
+HWY_INLINE V LoadElements(const double* from, std::size_t window) {
+  HWY_ALIGN double elements[kTiles];
+  for (std::size_t t = 0; t < kTiles; ++t) elements[t] = from[t * window];
+  return hn::Load(kD, elements);
+}
+
+HWY_INLINE void StoreElements(V v, double* to, std::size_t window) {
+  HWY_ALIGN double elements[kTiles];
+  hn::Store(v, kD, elements);
+  for (std::size_t t = 0; t < kTiles; ++t) to[t * window] = elements[t];
+}
+
+template <std::size_t kSize>
+HWY_INLINE void Transpose(V (&row)[kSize]) {
+  if constexpr (kSize == 2) {
+    const V first = row[0];
+    row[0] = hn::InterleaveLower(kD, first, row[1]);
+    row[1] = hn::InterleaveUpper(kD, first, row[1]);
+  } else {
+    static_assert(kSize == 4);
+    const V a = hn::InterleaveLower(kD, row[0], row[1]);
+    const V b = hn::InterleaveUpper(kD, row[0], row[1]);
+    const V c = hn::InterleaveLower(kD, row[2], row[3]);
+    const V d = hn::InterleaveUpper(kD, row[2], row[3]);
+    row[0] = hn::ConcatLowerLower(kD, c, a);
+    row[1] = hn::ConcatLowerLower(kD, d, b);
+    row[2] = hn::ConcatUpperUpper(kD, c, a);
+    row[3] = hn::ConcatUpperUpper(kD, d, b);
+  }
 }
 
 // As many vectors as each has numbers.
 struct Square {
-  Vector row[kTiles];
-
-  HWY_INLINE void Transpose() {
-    static_assert(kTiles == 4);
-    const Vector a = __builtin_shufflevector(row[0], row[1], 0, 4, 2, 6);
-    const Vector b = __builtin_shufflevector(row[0], row[1], 1, 5, 3, 7);
-    const Vector c = __builtin_shufflevector(row[2], row[3], 0, 4, 2, 6);
-    const Vector d = __builtin_shufflevector(row[2], row[3], 1, 5, 3, 7);
-    row[0] = __builtin_shufflevector(a, c, 0, 1, 4, 5);
-    row[1] = __builtin_shufflevector(b, d, 0, 1, 4, 5);
-    row[2] = __builtin_shufflevector(a, c, 2, 3, 6, 7);
-    row[3] = __builtin_shufflevector(b, d, 2, 3, 6, 7);
-  }
+  V row[kTiles];
 
   // row[k] becomes element k of each tile.
   HWY_INLINE void LoadTiles(const double* from, std::size_t window) {
-    for (std::size_t t = 0; t < kTiles; ++t) Load(from + t * window, row[t]);
-    Transpose();
+    for (std::size_t t = 0; t < kTiles; ++t) row[t] = hn::LoadU(kD, from + t * window);
+    Transpose(row);
   }
 
   // The reverse of LoadTiles.
   HWY_INLINE void StoreTiles(double* to, std::size_t window) {
-    Transpose();
-    for (std::size_t t = 0; t < kTiles; ++t) Store(row[t], to + t * window);
+    Transpose(row);
+    for (std::size_t t = 0; t < kTiles; ++t) hn::StoreU(row[t], kD, to + t * window);
   }
 };
 
@@ -66,34 +77,37 @@ struct Square {
 // missing; without, nothing is counted.
 template <bool kHoles>
 struct Totals {
-  Vector sum = {}, count = {};
+  V sum, count;
 
-  HWY_INLINE void Add(const Vector& elements) {
+  HWY_INLINE Totals() : sum(hn::Zero(kD)), count(hn::Zero(kD)) {}
+
+  HWY_INLINE void Add(V elements) {
     if constexpr (kHoles) {
-      const Vector zero = {};
-      sum += elements == kMissing ? zero : elements;
-      count += elements == kMissing ? zero : zero + 1.0;
+      const auto missing = hn::Eq(elements, hn::Set(kD, kMissing));
+      sum = hn::Add(sum, hn::IfThenZeroElse(missing, elements));
+      count = hn::Add(count, hn::IfThenZeroElse(missing, hn::Set(kD, 1.0)));
     } else {
-      sum += elements;
+      sum = hn::Add(sum, elements);
     }
   }
   HWY_INLINE void Add(const Totals& other) {
-    sum += other.sum;
-    if constexpr (kHoles) count += other.count;
+    sum = hn::Add(sum, other.sum);
+    if constexpr (kHoles) count = hn::Add(count, other.count);
   }
   HWY_INLINE void Save(double* saved) const {
-    Store(sum, saved);
-    if constexpr (kHoles) Store(count, saved + kTiles);
+    hn::StoreU(sum, kD, saved);
+    if constexpr (kHoles) hn::StoreU(count, kD, saved + kTiles);
   }
   HWY_INLINE void Restore(const double* saved) {
-    Load(saved, sum);
-    if constexpr (kHoles) Load(saved + kTiles, count);
+    sum = hn::LoadU(kD, saved);
+    if constexpr (kHoles) count = hn::LoadU(kD, saved + kTiles);
   }
-  HWY_INLINE void Average(std::size_t window, Vector& average) const {
+  HWY_INLINE V Average(V window) const {
     if constexpr (kHoles) {
-      average = count == 0.0 ? Vector{} + kMissing : sum / count;
+      const auto none = hn::Eq(count, hn::Zero(kD));
+      return hn::IfThenElse(none, hn::Set(kD, kMissing), hn::Div(sum, count));
     } else {
-      average = sum / static_cast<double>(window);
+      return hn::Div(sum, window);
     }
   }
 
@@ -111,7 +125,6 @@ void AverageTiles(const double* HWY_RESTRICT x, std::size_t window, double* HWY_
   using TileTotals = Totals<kHoles>;
   constexpr std::size_t kSaved = TileTotals::kSaved;
   Square square;
-  Vector vector;
   TileTotals tail;
   std::size_t j = window;
   for (; j >= kTiles; j -= kTiles) {
@@ -122,15 +135,15 @@ void AverageTiles(const double* HWY_RESTRICT x, std::size_t window, double* HWY_
     }
   }
   while (j-- > 0) {
-    LoadTiles(x + j, window, vector);
-    tail.Add(vector);
+    tail.Add(LoadElements(x + j, window));
     tail.Save(tails + j * kSaved);
   }
 
-  const auto average = [&](const TileTotals& head, std::size_t at, Vector& averages) HWY_ATTR {
+  const V divisor = hn::Set(kD, static_cast<double>(window));
+  const auto average = [&](const TileTotals& head, std::size_t at) HWY_ATTR {
     tail.Restore(tails + at * kSaved);
     tail.Add(head);
-    tail.Average(window, averages);
+    return tail.Average(divisor);
   };
   TileTotals head;
   // The last element behind the tiles belongs to no window, so the last averages are not a square.
@@ -138,34 +151,50 @@ void AverageTiles(const double* HWY_RESTRICT x, std::size_t window, double* HWY_
     Square averages;
     square.LoadTiles(x + window + j, window);
     for (std::size_t k = 0; k < kTiles; ++k) {
-      average(head, j + k, averages.row[k]);
+      averages.row[k] = average(head, j + k);
       head.Add(square.row[k]);
     }
     averages.StoreTiles(out + j, window);
   }
   for (; j < window; ++j) {
-    average(head, j, vector);
-    for (std::size_t t = 0; t < kTiles; ++t) out[t * window + j] = vector[t];
+    StoreElements(average(head, j), out + j, window);
     if (j + 1 == window) break;
-    LoadTiles(x + window + j, window, vector);
-    head.Add(vector);
+    head.Add(LoadElements(x + window + j, window));
   }
 }
 
 bool HasMissing(const double* x, std::size_t n) {
-  std::size_t missing = 0;
-  for (std::size_t i = 0; i < n; ++i) missing += IsMissing(x[i]);
-  return missing > 0;
+  const hn::ScalableTag<double> d;
+  const auto missing = hn::Set(d, kMissing);
+  auto found = hn::MaskFromVec(hn::Zero(d));
+  std::size_t i = 0;
+  for (; i + hn::Lanes(d) <= n; i += hn::Lanes(d)) {
+    found = hn::Or(found, hn::Eq(hn::LoadU(d, x + i), missing));
+  }
+  bool has = !hn::AllFalse(d, found);
+  for (; i < n; ++i) has = has || IsMissing(x[i]);
+  return has;
 }
 
+// Memory for the tails of one window, in which no vector straddles two cache lines.
+class Scratch {
+ public:
+  double* Get(std::size_t size) {
+    constexpr std::size_t kLine = 64;
+    storage_.resize(size + kLine / sizeof(double));
+    return storage_.data() + ElementsBeforeLine(storage_.data(), storage_.size());
+  }
+
+ private:
+  std::vector<double> storage_;
+};
+
 // As AverageTiles, for whatever x holds.
-void AverageGroup(const double* x, std::size_t window, std::vector<double>& scratch, double* out) {
+void AverageGroup(const double* x, std::size_t window, Scratch& scratch, double* out) {
   if (HasMissing(x, (kTiles + 1) * window - 1)) {
-    scratch.resize(Totals<true>::kSaved * window);
-    AverageTiles<true>(x, window, scratch.data(), out);
+    AverageTiles<true>(x, window, scratch.Get(Totals<true>::kSaved * window), out);
   } else {
-    scratch.resize(Totals<false>::kSaved * window);
-    AverageTiles<false>(x, window, scratch.data(), out);
+    AverageTiles<false>(x, window, scratch.Get(Totals<false>::kSaved * window), out);
   }
 }
 
@@ -200,7 +229,7 @@ void AverageWindows(const double* x, std::size_t n, std::size_t window, double* 
       AverageTile(x + j, window, std::min(window, n - j), out + j);
     }
   } else {
-    std::vector<double> scratch;
+    Scratch scratch;
     // The last group may overlap the one before it.
     for (std::size_t j = 0; j < n; j += group) {
       const std::size_t begin = std::min(j, n - group);

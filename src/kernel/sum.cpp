@@ -1,5 +1,6 @@
 #include "kernel/sum.h"
 
+#include <cmath>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -7,6 +8,18 @@
 #include "kernel/dispatch.h"
 #include "kernel/double_blocks.h"
 #include "kernel/missing.h"
+
+#ifndef VELA_KERNEL_SUM_PARTS
+#define VELA_KERNEL_SUM_PARTS
+namespace vela::kernel {
+
+// An unevaluated sum of two numbers: what was added up, and what rounding took from it.
+struct SumParts {
+  double sum = 0, rest = 0;
+};
+
+}  // namespace vela::kernel
+#endif
 
 #ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/sum.cpp"
@@ -18,41 +31,83 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
+namespace {
 namespace hn = hwy::HWY_NAMESPACE;
 
-// As many running sums as it takes to keep two adders busy over the latency of an addition.
-constexpr std::size_t kSums = 8;
-
-using Doubles = hn::ScalableTag<double>;
-
 // Zero in place of missing elements.
-template <class T>
-HWY_INLINE hn::Vec<Doubles> Load(const T* x) {
-  const auto v = LoadDoubles(Doubles(), x);
+template <class D, class T>
+HWY_INLINE hn::Vec<D> LoadPresent(D d, const T* x) {
+  const auto v = LoadDoubles(d, x);
   if constexpr (!std::same_as<T, double>) return v;
-  return hn::IfThenZeroElse(hn::Eq(v, hn::Set(Doubles(), kMissing)), v);
+  return hn::IfThenZeroElse(hn::Eq(v, hn::Set(d, kMissing)), v);
+}
+
+// What each lane added up, and apart from it what rounding took from that: the error of an addition
+// is a number too (Knuth). Part of the additions are fused ones, of which processors do some where
+// they cannot do plain ones, so that more run at once.
+template <class D>
+struct LaneSums {
+  using V = hn::Vec<D>;
+  V sum, rest;
+
+  static HWY_INLINE LaneSums Zero() { return {hn::Zero(D()), hn::Zero(D())}; }
+
+  // scale is a power of 2.
+  HWY_INLINE void Add(V x, V scale) {
+    const V total = hn::MulAdd(x, scale, sum);
+    const V added = hn::Sub(total, sum);
+    const V lost = hn::Sub(sum, hn::Sub(total, added));
+    rest = hn::Add(rest, hn::Add(lost, hn::MulSub(x, scale, added)));
+    sum = total;
+  }
+  HWY_INLINE void Add(const LaneSums& other) {
+    rest = hn::Add(rest, other.rest);
+    Add(other.sum, hn::Set(D(), 1.0));
+  }
+};
+
+// The sum of the elements, each times a power of 2, with as many chains side by side as it takes to
+// keep the adders busy.
+template <class T>
+SumParts SumCompensated(const T* HWY_RESTRICT x, std::size_t n, double power) {
+  using D = hn::ScalableTag<double>;
+  using One = hn::CappedTag<double, 1>;
+  const D d;
+  const One one;
+  constexpr std::size_t kChains = 4;
+  const std::size_t lanes = hn::Lanes(d);
+  const auto scale = hn::Set(d, power);
+  LaneSums<D> chains[kChains];
+  for (auto& chain : chains) chain = LaneSums<D>::Zero();
+  std::size_t i = 0;
+  for (; i + kChains * lanes <= n; i += kChains * lanes) {
+    for (std::size_t k = 0; k < kChains; ++k) {
+      chains[k].Add(LoadPresent(d, x + i + k * lanes), scale);
+    }
+  }
+  for (; i + lanes <= n; i += lanes) chains[0].Add(LoadPresent(d, x + i), scale);
+  for (std::size_t k = 1; k < kChains; ++k) chains[0].Add(chains[k]);
+
+  HWY_ALIGN double sums[hn::MaxLanes(d)];
+  HWY_ALIGN double rests[hn::MaxLanes(d)];
+  hn::Store(chains[0].sum, d, sums);
+  hn::Store(chains[0].rest, d, rests);
+  auto total = LaneSums<One>::Zero();
+  for (; i < n; ++i) total.Add(LoadPresent(one, x + i), hn::Set(one, power));
+  for (std::size_t k = 0; k < lanes; ++k) {
+    total.Add(LaneSums<One>{hn::Set(one, sums[k]), hn::Set(one, rests[k])});
+  }
+  return {hn::GetLane(total.sum), hn::GetLane(total.rest)};
 }
 
 template <class T>
-double SumBlock(const T* HWY_RESTRICT x, std::size_t n) {
-  const Doubles d;
-  const std::size_t lanes = hn::Lanes(d);
-  hn::Vec<Doubles> sums[kSums];
-  for (auto& sum : sums) sum = hn::Zero(d);
-
-  std::size_t i = 0;
-  for (; i + kSums * lanes <= n; i += kSums * lanes) {
-    for (std::size_t k = 0; k < kSums; ++k) sums[k] = hn::Add(sums[k], Load(x + i + k * lanes));
-  }
-  for (; i + lanes <= n; i += lanes) sums[0] = hn::Add(sums[0], Load(x + i));
-  for (std::size_t width = kSums / 2; width > 0; width /= 2) {
-    for (std::size_t k = 0; k < width; ++k) sums[k] = hn::Add(sums[k], sums[k + width]);
-  }
-  double total = hn::GetLane(hn::SumOfLanes(d, sums[0]));
-  for (; i < n; ++i) total += IsMissing(x[i]) ? 0.0 : static_cast<double>(x[i]);
+std::int64_t SumIntegers(const T* HWY_RESTRICT x, std::size_t n) {
+  std::int64_t total = 0;
+  for (std::size_t i = 0; i < n; ++i) total += x[i];
   return total;
 }
 
+}  // namespace
 }  // namespace vela::kernel::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
@@ -60,25 +115,53 @@ HWY_AFTER_NAMESPACE();
 namespace vela::kernel {
 namespace {
 
+double LeftToRight(std::span<const double> x, double scale) {
+  double total = 0;
+  for (const double value : x) total += IsMissing(value) ? 0 : value * scale;
+  return total;
+}
+
+double SumDoubles(std::span<const double> x) {
+  const SumParts parts = VELA_KERNEL_DISPATCH(SumCompensated<double>)(x.data(), x.size(), 1.0);
+  const double total = parts.sum + parts.rest;
+  if (std::isfinite(total)) return total;
+
+  // A part of the sum left the range of doubles; scaled down by more than there are elements none
+  // can, and what that takes from small elements is far below the last place of such large ones.
+  constexpr double kScale = 0x1p-40;
+  const SumParts scaled = VELA_KERNEL_DISPATCH(SumCompensated<double>)(x.data(), x.size(), kScale);
+  const double small = scaled.sum + scaled.rest;
+  if (!std::isfinite(small)) return LeftToRight(x, kScale);  // of infinities or NaN
+  const double large = small / kScale;
+  return std::isfinite(large) ? large : LeftToRight(x, 1);
+}
+
+// Converted, no element comes near the range of doubles.
 template <class T>
-double PairwiseSum(std::span<const T> x) {
-  if (x.size() > kBlockSize) {
-    const std::size_t half = (x.size() / 2 + kBlockSize - 1) / kBlockSize * kBlockSize;
-    return PairwiseSum(x.first(half)) + PairwiseSum(x.subspan(half));
-  }
-  double total = 0.0;
+double SumConverted(std::span<const T> x) {
+  SumParts total;
   ForEachLoadableBlock(x, [&]<class U>(std::span<const U> block, std::size_t /*offset*/) {
-    total = VELA_KERNEL_DISPATCH(SumBlock<U>)(block.data(), block.size());
+    const SumParts parts = VELA_KERNEL_DISPATCH(SumCompensated<U>)(block.data(), block.size(), 1.0);
+    const double sum = total.sum + parts.sum;
+    const double added = sum - total.sum;
+    total.rest += parts.rest + (total.sum - (sum - added)) + (parts.sum - added);
+    total.sum = sum;
     return true;
   });
-  return total;
+  return std::isfinite(total.sum) ? total.sum + total.rest : total.sum;
 }
 
 }  // namespace
 
 template <Element T>
 double Sum(std::span<const T> x) {
-  return PairwiseSum(x);
+  if constexpr (std::same_as<T, double>) {
+    return SumDoubles(x);
+  } else if constexpr (std::integral<T> && sizeof(T) <= 4) {
+    return static_cast<double>(VELA_KERNEL_DISPATCH(SumIntegers<T>)(x.data(), x.size()));
+  } else {
+    return SumConverted(x);
+  }
 }
 
 #define VELA_KERNEL_INSTANTIATE(T) template double Sum<T>(std::span<const T>);

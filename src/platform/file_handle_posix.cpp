@@ -6,9 +6,12 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <limits>
+#include <memory>
+#include <new>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include "platform/file_handle.h"
 #include "platform/file_sharing_posix.h"
@@ -110,11 +113,62 @@ const std::byte* At(const void* data, std::size_t offset) {
   return static_cast<const std::byte*>(data) + offset;
 }
 
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() { static_cast<void>(Close()); }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  bool IsOpen() const { return number_ >= 0; }
+  int Number() const { return number_; }
+  // A disk may be found full as late as here.
+  bool Close() { return number_ < 0 || close(std::exchange(number_, -1)) == 0; }
+
+ private:
+  int number_;
+};
+
+FileCause CopyBytes(int from, int to) {
+  constexpr std::size_t kBlock = std::size_t{1} << 20;
+  const auto block = std::make_unique_for_overwrite<char[]>(kBlock);
+  for (std::size_t got = kBlock, put = 0; got == kBlock;) {
+    FileCause cause = TransferAll(kBlock, got, [&](std::size_t at, std::size_t bytes) {
+      return read(from, block.get() + at, bytes);
+    });
+    if (cause != FileCause::kNone) return cause;
+    cause = TransferAll(got, put, [&](std::size_t at, std::size_t bytes) {
+      return write(to, block.get() + at, bytes);
+    });
+    if (cause != FileCause::kNone) return cause;
+    if (put < got) return FileCause::kDiskFull;
+  }
+  return FileCause::kNone;
+}
+
+// The copy has the times of its source.
+FileCause CopyFileTo(int from, const struct stat& found, int to) {
+  const FileCause cause = CopyBytes(from, to);
+  if (cause != FileCause::kNone) return cause;
+  const struct timespec times[] = {found.st_atim, found.st_mtim};
+  static_cast<void>(futimens(to, times));
+  return FileCause::kNone;
+}
+
+// All or nothing: what fails leaves nothing under the new name.
 FileCause MoveToOtherDisk(const std::string& from, const std::string& to) try {
-  std::error_code error;
-  if (fs::copy_file(from, to, error)) fs::remove(from, error);
-  return CauseOfSystemError(static_cast<unsigned long>(error.value()));
-} catch (...) {
+  const Descriptor source(OpenDescriptor(from.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat found;
+  if (!source.IsOpen() || fstat(source.Number(), &found) != 0) return CauseOfErrno();
+  if (!S_ISREG(found.st_mode)) return FileCause::kAccessDenied;
+  Descriptor copy(open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, found.st_mode & 0777));
+  if (!copy.IsOpen()) return CauseOfName(to);
+  FileCause cause = CopyFileTo(source.Number(), found, copy.Number());
+  if (!copy.Close() && cause == FileCause::kNone) cause = CauseOfErrno();
+  if (cause == FileCause::kNone && unlink(from.c_str()) != 0) cause = CauseOfErrno();
+  if (cause != FileCause::kNone) unlink(to.c_str());
+  return cause;
+} catch (const std::bad_alloc&) {
   return FileCause::kGeneric;
 }
 

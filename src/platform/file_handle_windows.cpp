@@ -82,6 +82,20 @@ FileCause TransferAll(std::size_t size, std::size_t& done, const Transfer& trans
   return FileCause::kNone;
 }
 
+// All or nothing: what fails leaves nothing under the new name.
+FileCause MoveToOtherDisk(const std::wstring& from, const std::wstring& to) {
+  if (IsFolder(from)) return FileCause::kAccessDenied;
+  if (!CopyFileW(from.c_str(), to.c_str(), TRUE)) {
+    const DWORD error = GetLastError();
+    if (error != ERROR_FILE_EXISTS && error != ERROR_ALREADY_EXISTS) DeleteFileW(to.c_str());
+    return CauseOfSystemError(error);
+  }
+  if (DeleteFileW(from.c_str())) return FileCause::kNone;
+  const FileCause cause = CauseOfLastError();
+  DeleteFileW(to.c_str());
+  return cause;
+}
+
 std::byte* At(void* data, std::size_t offset) { return static_cast<std::byte*>(data) + offset; }
 const std::byte* At(const void* data, std::size_t offset) {
   return static_cast<const std::byte*>(data) + offset;
@@ -189,7 +203,9 @@ FileCause RemoveFile(std::string_view name) {
 FileCause RenameFile(std::string_view from, std::string_view to) {
   const std::wstring old_path = WideName(from), new_path = WideName(to);
   if (old_path.empty() || new_path.empty()) return FileCause::kBadPath;
-  return MoveFileW(old_path.c_str(), new_path.c_str()) ? FileCause::kNone : CauseOfLastError();
+  if (MoveFileExW(old_path.c_str(), new_path.c_str(), 0)) return FileCause::kNone;
+  return GetLastError() == ERROR_NOT_SAME_DEVICE ? MoveToOtherDisk(old_path, new_path)
+                                                 : CauseOfLastError();
 }
 
 }  // namespace vela::platform

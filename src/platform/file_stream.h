@@ -41,6 +41,9 @@ class FileStream {
   int Get();
   int Peek();
 
+  // Whether the text operations translate.
+  bool Translates() const { return mode_.translates; }
+
   // As FileHandle::Seek. A read after a seek inside the buffer costs nothing.
   FileCause Seek(std::int64_t offset, SeekFrom from, std::int64_t& position);
   std::int64_t Position() const { return base_ + static_cast<std::int64_t>(at_); }

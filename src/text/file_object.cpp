@@ -48,7 +48,7 @@ const CClassMember kFileMembers[] = {
 };
 
 constexpr std::size_t kDetectedBytes = 51200;
-// What is read at once into a string when the size of the file says nothing, as with a device.
+// What is read at first into a string when the size of the file says nothing, as with a device.
 constexpr std::int64_t kUnknownRoom = std::int64_t{1} << 20;
 
 }  // namespace
@@ -104,8 +104,8 @@ bool CMSCFile::OpenHandle(const CStringUTF8& name, unsigned flags) {
 }
 
 FileCause CMSCFile::Encode(std::string_view text, std::string& encoded) const {
-  if (write_encoding_ >= vela::text::kEncodings) return FileCause::kGeneric;
-  encoded = vela::text::EncodeText(text, static_cast<TextEncoding>(write_encoding_));
+  if (WriteEncoding() >= vela::text::kEncodings) return FileCause::kGeneric;
+  encoded = vela::text::EncodeText(text, static_cast<TextEncoding>(WriteEncoding()));
   return FileCause::kNone;
 }
 
@@ -160,7 +160,12 @@ void CMSCFile::ReturnPosition(Arguments& args, FileCause cause, std::int64_t pos
 
 void CMSCFile::ReturnReached(Arguments& args, std::int64_t offset, SeekFrom from) {
   std::int64_t position = 0;
-  const FileCause cause = SeekTo(offset, from, position);
+  std::int64_t before = 0;
+  FileCause cause = SeekTo(0, SeekFrom::kCurrent, before);
+  if (cause == FileCause::kNone) cause = SeekTo(offset, from, position);
+  if (cause == FileCause::kNone && position > std::numeric_limits<std::uint32_t>::max()) {
+    cause = SeekTo(before, SeekFrom::kBegin, before);
+  }
   ReturnPosition(args, cause, position);
 }
 
@@ -203,7 +208,7 @@ int CMSCFile::Write(CTCall* call) {
     std::string encoded;
     std::string_view data = DataOf(args, text);
     FileCause cause = FileCause::kNone;
-    if (write_encoding_ != static_cast<unsigned>(TextEncoding::kUtf8)) {
+    if (WriteEncoding() != static_cast<unsigned>(TextEncoding::kUtf8)) {
       cause = Encode(data, encoded);
       data = encoded;
     }
@@ -216,18 +221,26 @@ int CMSCFile::Write(CTCall* call) {
   });
 }
 
-// The string becomes what was read; room is made for no more than the file has.
+// The string becomes what was read. Room is made for no more than the file has, as far as that is
+// known, and for as much again as long as there is more.
 std::size_t CMSCFile::ReadIntoString(Arguments& args, std::size_t count) {
   const tagMSOOBJVECT target = args.Object(0);
   std::int64_t room = 0;
   if (GetSize(room) == FileCause::kNone) room -= Position();
   if (room <= 0) room = kUnknownRoom;
-  const int most = static_cast<int>(std::min<std::int64_t>(
-      {static_cast<std::int64_t>(count), room, std::numeric_limits<int>::max()}));
+  count = std::min(count, static_cast<std::size_t>(CStringUTF8::kMostBytes));
   CStringUTF8 text;
   std::size_t done = 0;
-  Succeeds(ReadData(text.GetBuffer(most), static_cast<std::size_t>(most), done));
-  text.ReleaseBuffer(static_cast<int>(done));
+  while (done < count) {
+    const std::size_t most = std::min(count, done + std::max(done, static_cast<std::size_t>(room)));
+    std::size_t moved = 0;
+    char* const buffer = text.GetBuffer(static_cast<int>(most));
+    const bool succeeds = Succeeds(ReadData(buffer + done, most - done, moved));
+    done += moved;
+    text.ReleaseBuffer(static_cast<int>(done));
+    if (!succeeds || done < most) break;
+    room = kUnknownRoom;
+  }
   Check(target.object->SetStringValue(&target.indices, text));
   return done;
 }
@@ -282,14 +295,17 @@ int CMSCFile::IsOpen(CTCall* call) {
 }
 
 int CMSCFile::SetWriteEncoding(CTCall* call) {
-  return Run(call, Exactly(1), [&](Arguments& args) { write_encoding_ = args.Unsigned(0); });
+  return Run(call, Exactly(1), [&](Arguments& args) {
+    write_encoding_ = args.Unsigned(0);
+    file_encoding_.reset();
+  });
 }
 
 int CMSCFile::WriteBOM(CTCall* call) {
   return Run(call, NoArguments(), [&](Arguments& args) {
     std::size_t done = 0;
-    if (write_encoding_ < vela::text::kEncodings && handle_.IsOpen() && Position() == 0) {
-      const auto mark = vela::text::MarkOf(static_cast<TextEncoding>(write_encoding_));
+    if (WriteEncoding() < vela::text::kEncodings && handle_.IsOpen() && Position() == 0) {
+      const auto mark = vela::text::MarkOf(static_cast<TextEncoding>(WriteEncoding()));
       Succeeds(WriteBytes(mark.data(), mark.size(), done));
     }
     args.Return(static_cast<int>(done));
@@ -298,7 +314,8 @@ int CMSCFile::WriteBOM(CTCall* call) {
 
 int CMSCFile::DetectEncode(CTCall* call) {
   return Run(call, NoArguments(), [&](Arguments& args) {
-    std::string bytes(kDetectedBytes, '\0');
+    // One byte more tells whether that is all.
+    std::string bytes(kDetectedBytes + 1, '\0');
     std::size_t done = 0;
     const std::int64_t position = Position();
     std::int64_t reached = 0;
@@ -308,8 +325,9 @@ int CMSCFile::DetectEncode(CTCall* call) {
       Succeeds(SeekTo(position, SeekFrom::kBegin, reached));
     }
     Succeeds(cause);
-    bytes.resize(done);
-    args.Return(done == 0 ? vela::text::kUnknownEncoding
-                          : static_cast<int>(vela::text::DetectEncoding(bytes)));
+    bytes.resize(std::min(done, kDetectedBytes));
+    args.Return(done == 0
+                    ? vela::text::kUnknownEncoding
+                    : static_cast<int>(vela::text::DetectEncoding(bytes, done <= kDetectedBytes)));
   });
 }

@@ -1,6 +1,7 @@
 // The script class "file".
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -90,6 +91,10 @@ class CMSCFile : public vela::member::WithMembers<CMSCFile, TesselCObject> {
     if (cause != FileCause::kNone) last_error_ = static_cast<int>(cause);
     return cause == FileCause::kNone;
   }
+  // The number that "SetWriteEncoding" was given, unless the file itself has an encoding.
+  unsigned WriteEncoding() const {
+    return file_encoding_ ? static_cast<unsigned>(*file_encoding_) : write_encoding_;
+  }
   // The text in the write encoding. The converter refuses encodings that it does not know.
   FileCause Encode(std::string_view text, std::string& encoded) const;
   // The memory of a buffer argument, of which the member touches bytes.
@@ -99,6 +104,8 @@ class CMSCFile : public vela::member::WithMembers<CMSCFile, TesselCObject> {
 
   vela::platform::FileHandle handle_;
   CStringUTF8 name_;  // empty unless open
+  // Of the text of the open file, where it is known; "SetWriteEncoding" overrules it.
+  std::optional<vela::text::TextEncoding> file_encoding_;
 
  private:
   struct Items;

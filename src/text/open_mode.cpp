@@ -42,10 +42,17 @@ platform::FileStream::Mode StreamModeOf(unsigned flags) {
       .translates = kTextHasCarriageReturns && (flags & open_flag::kBinary) == 0};
 }
 
+bool IsText(unsigned flags) { return (flags & open_flag::kUnicodeText) != 0; }
+
+bool AddsText(unsigned flags) {
+  return IsText(flags) && !CanRead(AccessOf(flags)) &&
+         CreationOf(flags) != FileCreation::kCreateAlways;
+}
+
 bool IsUnicodeStream(unsigned flags) {
   const bool is_plain_output =
       (flags & open_flag::kBinary) == 0 && AccessOf(flags) == FileAccess::kWrite;
-  return (flags & open_flag::kUnicodeText) != 0 && !is_plain_output;
+  return IsText(flags) && !is_plain_output;
 }
 
 }  // namespace vela::text

@@ -28,8 +28,13 @@ platform::FileOptions OptionsOf(unsigned flags);
 // where that is the platform's custom.
 platform::FileStream::Mode StreamModeOf(unsigned flags);
 
-// Whether the stream knows the encoding of its text: asked for by flag, except for plain text that
-// is only written.
+// Whether the text is in the encoding of the file's mark; and whether it is added to a file that
+// may have one without being read.
+bool IsText(unsigned flags);
+bool AddsText(unsigned flags);
+
+// Whether the stream knows the encoding of its text without a mark too: asked for by flag, except
+// for plain text that is only written.
 bool IsUnicodeStream(unsigned flags);
 
 }  // namespace vela::text

@@ -51,6 +51,33 @@ FileCause Instead(FileCause cause, FileCause of_failure) {
   return cause == FileCause::kNone ? cause : of_failure;
 }
 
+bool IsWide(unsigned encoding) {
+  return encoding == static_cast<unsigned>(TextEncoding::kUtf16Little) ||
+         encoding == static_cast<unsigned>(TextEncoding::kUtf16Big);
+}
+
+std::string WithCarriageReturns(std::string_view text) {
+  std::string translated;
+  translated.reserve(text.size() + 1);
+  for (const char ch : text) {
+    if (ch == '\n') translated += '\r';
+    translated += ch;
+  }
+  return translated;
+}
+
+// Of a file that is opened for adding to it only, and so cannot be read afterwards.
+TextEncoding MarkOfFile(const CStringUTF8& name) {
+  vela::platform::FileHandle file;
+  char bytes[vela::text::kMostMarkBytes];
+  std::size_t done = 0;
+  const vela::platform::FileOptions options = {.shares_reading = true, .shares_writing = true};
+  if (file.Open(name.View(), options) == FileCause::kNone) {
+    static_cast<void>(file.ReadAt(0, bytes, sizeof bytes, done));
+  }
+  return vela::text::EncodingOfMark({bytes, done});
+}
+
 // The target becomes the line. A string keeps its memory from line to line.
 int StoreLine(const tagMSOOBJVECT& target, std::string_view line) {
   CScriptVelaObject& object = *target.object;
@@ -112,7 +139,10 @@ FileCause CMSCSTDIOFile::WriteBytes(const void* data, std::size_t size, std::siz
 
 FileCause CMSCSTDIOFile::ReadData(void* data, std::size_t size, std::size_t& done) {
   LeaveLines();
-  return Instead(stream_.ReadText(data, size, done), FileCause::kGeneric);
+  const FileCause cause = IsWide(static_cast<unsigned>(lines_.Encoding()))
+                              ? stream_.Read(data, size, done)
+                              : stream_.ReadText(data, size, done);
+  return Instead(cause, FileCause::kGeneric);
 }
 
 FileCause CMSCSTDIOFile::SeekTo(std::int64_t offset, SeekFrom from, std::int64_t& position) {
@@ -134,6 +164,7 @@ FileCause CMSCSTDIOFile::CloseFile() {
   lines_.Stop();
   const FileCause flushed = stream_.Detach();
   const FileCause closed = handle_.Close();
+  file_encoding_.reset();
   return Instead(flushed == FileCause::kNone ? closed : flushed, FileCause::kDiskFull);
 }
 
@@ -149,17 +180,20 @@ TextEncoding CMSCSTDIOFile::TakeMark() {
   return encoding;
 }
 
-void CMSCSTDIOFile::BeginUnicode(unsigned flags) {
-  if (!vela::text::IsUnicodeStream(flags)) return lines_.SetEncoding(TextEncoding::kBytes);
-  TextEncoding encoding = TakeMark();
-  if (encoding == TextEncoding::kBytes) encoding = TextEncoding::kUtf8;
-  lines_.SetEncoding(encoding);
+void CMSCSTDIOFile::BeginText(unsigned flags, TextEncoding mark) {
+  lines_.SetEncoding(TextEncoding::kBytes);
+  if (!vela::text::IsText(flags)) return;
+  if (CanRead(handle_.Access())) mark = TakeMark();
+  if (mark != TextEncoding::kBytes) file_encoding_ = mark;
+  if (!vela::text::IsUnicodeStream(flags)) return;
+  if (!file_encoding_) file_encoding_ = TextEncoding::kUtf8;
+  lines_.SetEncoding(*file_encoding_);
   std::int64_t size = 0;
   if ((flags & vela::text::open_flag::kCreate) != 0 && handle_.GetSize(size) == FileCause::kNone &&
       size == 0) {
-    const std::string_view mark = vela::text::MarkOf(TextEncoding::kUtf8);
+    const std::string_view new_mark = vela::text::MarkOf(TextEncoding::kUtf8);
     std::size_t done = 0;
-    static_cast<void>(WriteBytes(mark.data(), mark.size(), done));
+    static_cast<void>(WriteBytes(new_mark.data(), new_mark.size(), done));
   }
 }
 
@@ -167,11 +201,14 @@ int CMSCSTDIOFile::Open(CTCall* call) {
   return Run(call, Exactly(2), [&](Arguments& args) {
     const CStringUTF8 name = args.Text(0);
     const unsigned flags = args.Unsigned(1);
+    // What cannot be written stays where it is, so that nothing is lost without a word.
+    if (handle_.IsOpen() && !Succeeds(FlushFile())) return args.Return(0);
     static_cast<void>(CloseFile());
+    const TextEncoding mark = vela::text::AddsText(flags) ? MarkOfFile(name) : TextEncoding::kBytes;
     const bool opens = OpenHandle(name, flags);
     if (opens) {
       stream_.Attach(handle_, vela::text::StreamModeOf(flags));
-      BeginUnicode(flags);
+      BeginText(flags, mark);
     }
     args.Return(opens ? 1 : 0);
   });
@@ -183,24 +220,29 @@ int CMSCSTDIOFile::Write(CTCall* call) {
     const std::string_view data = DataOf(args, text);
     LeaveLines();
     std::size_t done = 0;
-    Succeeds(Instead(stream_.WriteText(data.data(), data.size(), done), FileCause::kGeneric));
+    const FileCause cause = IsWide(WriteEncoding())
+                                ? stream_.Write(data.data(), data.size(), done)
+                                : stream_.WriteText(data.data(), data.size(), done);
+    Succeeds(Instead(cause, FileCause::kGeneric));
     args.Return(static_cast<unsigned>(done));
   });
 }
 
 int CMSCSTDIOFile::WriteString(CTCall* call) {
   return Run(call, Exactly(1), [&](Arguments& args) {
-    CStringUTF8 line = args.Text(0);
-    line += '\n';
+    CStringUTF8 text = args.Text(0);
+    text += '\n';
+    const std::string line =
+        stream_.Translates() ? WithCarriageReturns(text.View()) : std::string(text.View());
     std::string encoded;
-    FileCause cause = Encode(line.View(), encoded);
+    FileCause cause = Encode(line, encoded);
     if (cause == FileCause::kNone) {
-      LeaveLines();
       std::size_t done = 0;
-      cause =
-          Instead(stream_.WriteText(encoded.data(), encoded.size(), done), FileCause::kDiskFull);
+      cause = WriteBytes(encoded.data(), encoded.size(), done);
     }
-    args.Return(Succeeds(cause) ? static_cast<unsigned>(encoded.size()) : 0u);
+    const std::size_t unit_bytes = IsWide(WriteEncoding()) ? 2 : 1;
+    const std::size_t added = (line.size() - text.View().size()) * unit_bytes;
+    args.Return(Succeeds(cause) ? static_cast<unsigned>(encoded.size() - added) : 0u);
   });
 }
 
@@ -209,6 +251,7 @@ int CMSCSTDIOFile::ReadString(CTCall* call) {
     if (!handle_.IsOpen()) Fail(status::kNotOpen);
     const tagMSOOBJVECT target = args.Reference(0);
     if (target.object == nullptr) Fail(status::kUnresolved);
+    if ((args.TypeId(0) & (kFlagAnyVector | kFlagAnyMatrix)) != 0) Fail(status::kBadArguments);
     const bool keeps_end = (args.Dword(1) & kKeepLineEnd) != 0;
     if (!lines_.IsActive()) BeginLines();
     std::string_view line;

@@ -10,11 +10,13 @@
 // A file with a buffered stream: text is read by lines and written as text. The members of "file"
 // that move bytes work on the stream too, so they can be mixed with reading lines in any order.
 //
-// Read, Write, WriteString and Scan take a line feed for the platform's line end, unless the file
-// is opened as binary: on Windows, CR LF. Everything else is bytes as they are.
+// Read, Write and WriteString take a line feed for the platform's line end, unless the file is
+// opened as binary: on Windows, CR LF. WriteString does so before it encodes, Read and Write of
+// bytes in UTF-16 not at all. Everything else is bytes as they are.
 //
-// Opened as Unicode text, lines are read in the encoding of the file's byte-order mark, or as UTF-8
-// without one; a new file begins with the mark of UTF-8, unless it is only written and not binary.
+// Opened as Unicode text, a file is read by lines and written by WriteString in the encoding of its
+// byte-order mark, or in UTF-8 without one; a new file begins with the mark of UTF-8. One that is
+// only written and not binary gets no mark, and without one is written in the write encoding.
 class CMSCSTDIOFile : public vela::member::WithMembers<CMSCSTDIOFile, CMSCFile> {
  public:
   explicit CMSCSTDIOFile(unsigned type_id);
@@ -23,7 +25,8 @@ class CMSCSTDIOFile : public vela::member::WithMembers<CMSCSTDIOFile, CMSCFile> 
   const char* GetTCTypeName() const override { return "stdioFile"; }
   static const CClassMember* MemberTable();
 
-  // (string name, uint flags): 1, or 0 with the cause stored. See open_mode.h.
+  // (string name, uint flags): 1, or 0 with the cause stored. See open_mode.h. A file that was open
+  // stays so, with the cause disk full, when what is buffered for it cannot be written.
   int Open(CTCall* call);
   // (buffer, uint count): bytes written, in no encoding but their own; the cause of a failure is
   // generic.
@@ -34,7 +37,7 @@ class CMSCSTDIOFile : public vela::member::WithMembers<CMSCSTDIOFile, CMSCFile> 
   // (string& s, uint options): the next line, without its end (LF, CR LF or a lone CR) unless bit 0
   // of options is set; 1, or 0 at the end. At most 204160 bytes of a line at a time; see
   // line_reader.h. A file that cannot be read on is at its end, with the cause. Status 290
-  // when the file is not open.
+  // when the file is not open, 3 for a whole array or vector.
   int ReadString(CTCall* call);
   // The encoding of the byte-order mark at the position, in which lines are read from now on,
   // behind it; 0 without one.
@@ -70,7 +73,8 @@ class CMSCSTDIOFile : public vela::member::WithMembers<CMSCSTDIOFile, CMSCFile> 
     FileCause failure_ = FileCause::kNone;
   };
 
-  void BeginUnicode(unsigned flags);
+  // mark: the encoding of a file that is only added to, from its mark.
+  void BeginText(unsigned flags, vela::text::TextEncoding mark);
   // The encoding of the mark at the position, which moves behind it.
   vela::text::TextEncoding TakeMark();
   void BeginLines();

@@ -250,6 +250,7 @@ int CScriptVelaString::SetExternalData(void* address) {
 }
 
 int CScriptVelaString::GetExternalData(void** address) {
+  if (address == nullptr) return status::kBadArguments;
   *address = Element(nullptr);
   return status::kOk;
 }
@@ -271,6 +272,7 @@ int CScriptVelaString::SetBufferSize(const MSOINDICES* at, unsigned bytes) {
 }
 
 int CScriptVelaString::GetBufferMSO(const MSOINDICES* at, void** buffer) {
+  if (buffer == nullptr) return status::kBadArguments;
   CStringUTF8* text = Element(at);
   if (text == nullptr) return status::kUnresolved;
   return Guarded([&] {

@@ -103,13 +103,13 @@ TextEncoding EncodingOfMark(std::string_view bytes) {
   return TextEncoding::kBytes;
 }
 
-TextEncoding DetectEncoding(std::string_view bytes) {
+TextEncoding DetectEncoding(std::string_view bytes, bool is_whole) {
   TextEncoding encoding = EncodingOfMark(bytes);
   if (encoding == TextEncoding::kBytes) encoding = EncodingOfZeros(bytes);
   if (encoding != TextEncoding::kBytes) return encoding;
   const std::size_t invalid = FindInvalidUtf8(bytes);
-  return invalid == bytes.size() || MayBeCut(bytes.substr(invalid)) ? TextEncoding::kUtf8
-                                                                    : TextEncoding::kBytes;
+  const bool is_valid = invalid == bytes.size() || (!is_whole && MayBeCut(bytes.substr(invalid)));
+  return is_valid ? TextEncoding::kUtf8 : TextEncoding::kBytes;
 }
 
 std::size_t FindInvalidUtf8(std::string_view text) {

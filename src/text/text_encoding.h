@@ -23,10 +23,10 @@ std::string_view MarkOf(TextEncoding encoding);
 // The encoding whose mark the bytes begin with; kBytes without one.
 TextEncoding EncodingOfMark(std::string_view bytes);
 
-// Guesses from the first bytes of a text, which may end inside a character: by the mark, then the
-// zero bytes that UTF-16 leaves in every second place, then by whether it is valid UTF-8, as plain
-// ASCII is.
-TextEncoding DetectEncoding(std::string_view bytes);
+// Guesses from a text, or from its first bytes, which may end inside a character: by the mark, then
+// the zero bytes that UTF-16 leaves in every second place, then by whether it is valid UTF-8, as
+// plain ASCII is.
+TextEncoding DetectEncoding(std::string_view bytes, bool is_whole);
 
 // UTF-8 text in the given encoding; invalid sequences become U+FFFD in UTF-16. No mark is added.
 std::string EncodeText(std::string_view text, TextEncoding encoding);

@@ -2,6 +2,7 @@
 
 #include "frame/interface/string_utf8.h"
 #include "text/utf8_character.h"
+#include "text/wildcard_pieces.h"
 
 namespace vela::text {
 namespace {
@@ -42,7 +43,10 @@ bool MatchesWildcards(std::string_view text, std::string_view pattern, bool case
   std::size_t at = 0, in_pattern = 0;
   // Where to go on when what follows the last * does not fit: with that * one character longer.
   std::size_t retry_at = 0, retry_pattern = kNone;
+  // Going back is quick while it is rare.
+  std::size_t patience = 16 * (text.size() + pattern.size());
   while (at < text.size()) {
+    if (patience-- == 0) return MatchesPieces(text, pattern, case_sensitive);
     if (in_pattern < pattern.size()) {
       const char expected = pattern[in_pattern];
       if (expected == '*') {

@@ -108,7 +108,7 @@ void AppendMarked(const Layer& row, std::span<const T> candidates, const std::ve
 void TCAllVectorNonTemplBase::SetElement(int row, std::size_t index, Arguments& args,
                                          unsigned arg) {
   const AnyElement value = vela::ElementArgument(args, arg, GetInternalDataTypeID());
-  if (index >= RowSize(row)) Check(RawGrow(row, static_cast<std::int64_t>(index) + 1));
+  if (index >= RowSize(row)) Check(GrowLayer(row, static_cast<std::int64_t>(index) + 1));
   Check(StoreElements(row, index, value.Span()));
   AnnounceChange(row);
 }

@@ -172,7 +172,7 @@ int TCAllVectorNonTemplBase::AssignLayer(int row, const Layer& source, unsigned 
   std::optional<LayerElements> values;
   if (source != own) values.emplace(source);
   const auto size = static_cast<std::int64_t>(offset + count);
-  Check(append ? RawGrow(row, size) : ResizeWithLowerBound(row, size, source.LowerBound()));
+  Check(append ? GrowLayer(row, size) : ResizeWithLowerBound(row, size, source.LowerBound()));
   SetSizeFixed(row);
   if (!values) values.emplace(source);
   const LayerElements elements(own);

@@ -7,7 +7,8 @@
 
 namespace vela {
 
-OwnedRows::OwnedRows(unsigned element_type, unsigned count) : element_type_(element_type) {
+OwnedRows::OwnedRows(unsigned element_type, unsigned count)
+    : element_type_(element_type), count_(static_cast<int>(count)) {
   rows_.reserve(count);
   for (unsigned row = 0; row < count; ++row) {
     rows_.push_back({ElementBuffer(ElementWidth(element_type))});

@@ -56,7 +56,7 @@ class OwnedRows {
   // Throws std::bad_alloc.
   OwnedRows(const OwnedRows& other);
 
-  int Count() const { return static_cast<int>(rows_.size()); }
+  int Count() const { return count_; }
   std::size_t Size(int row) const { return rows_[row].elements.size(); }
   int LowerBound(int row) const { return rows_[row].lower; }
   bool IsSizeFixed(int row) const { return rows_[row].size_fixed; }
@@ -77,6 +77,7 @@ class OwnedRows {
     bool size_fixed = false;
   };
   unsigned element_type_;
+  int count_;
   std::vector<Row> rows_;
 };
 
@@ -104,6 +105,7 @@ class TCVectorBase : public TCAllVectorsBase<T> {
   vela::LayerShape ShapeOf(int row) const override {
     return vela::LayerShape::OneRow(static_cast<std::int64_t>(rows_.Size(row)));
   }
+  std::size_t SizeOf(int row) const override { return rows_.Size(row); }
   int LowerBoundOf(int row) const override { return rows_.LowerBound(row); }
   vela::ElementSpan BufferOf(int row) override { return rows_.Elements(row); }
   int ResizeLayer(int row, const vela::LayerShape& shape, vela::Contents contents) override {
@@ -112,8 +114,8 @@ class TCVectorBase : public TCAllVectorsBase<T> {
   int RawResize(int row, std::int64_t size) override {
     return rows_.Resize(row, size, vela::Contents::kKeep);
   }
-  int RawGrow(int row, std::int64_t size) override { return rows_.Grow(row, size); }
-  int RawReserve(int row, std::int64_t size) override { return rows_.Reserve(row, size); }
+  int GrowLayer(int row, std::int64_t size) override { return rows_.Grow(row, size); }
+  int ReserveLayer(int row, std::int64_t size) override { return rows_.Reserve(row, size); }
   int ResizeWithLowerBound(int row, std::int64_t size, int lower) override {
     return rows_.ResizeWithLowerBound(row, size, lower);
   }

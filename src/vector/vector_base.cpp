@@ -89,18 +89,22 @@ int TCAllVectorNonTemplBase::ResizeLayer(int row, const vela::LayerShape& shape,
 }
 
 int TCAllVectorNonTemplBase::Row(Arguments& args) const {
-  const int rows = LayerCount();
-  if (rows == 0) Fail(status::kUnsupported);
   const int row = GetVecArrayIndex(&args.Indices());
-  if (row < 0) Fail(status::kUnresolved);
-  if (row >= rows) Fail(status::kOutOfRange);
-  return row;
+  const int rows = LayerCount();
+  if (row >= 0 && row < rows) [[likely]]
+    return row;
+  if (rows == 0) Fail(status::kUnsupported);
+  Fail(row < 0 ? status::kUnresolved : status::kOutOfRange);
 }
 
 Layer TCAllVectorNonTemplBase::AddressedNumbers(Arguments& args) {
   const Layer row = Addressed(args);
   if (!vela::IsNumeric(row)) Fail(status::kUnsupported);
   return row;
+}
+
+vela::LayerElements TCAllVectorNonTemplBase::AddressedElements(Arguments& args) {
+  return vela::LayerElements(Addressed(args), status::kUnsupported);
 }
 
 Layer TCAllVectorNonTemplBase::AddressedComplex(Arguments& args) {

@@ -118,10 +118,6 @@ class TCAllVectorNonTemplBase
 
   std::size_t RowSize(int row) const { return SizeOf(row); }
   int ResizeLayer(int row, const vela::LayerShape& shape, vela::Contents contents) override;
-  // As RawResize, but may keep memory for more, so that growing by one at a time is linear overall.
-  virtual int RawGrow(int row, std::int64_t size) { return RawResize(row, size); }
-  // Makes room for size elements, so that growing up to it cannot fail for want of memory.
-  virtual int RawReserve(int /*row*/, std::int64_t /*size*/) { return status::kOk; }
 
   // --- For the host ---
 
@@ -218,6 +214,7 @@ class TCAllVectorNonTemplBase
   vela::Layer Addressed(vela::member::Arguments& args) { return {this, Row(args)}; }
   // As Addressed, for members that only numbers have: 12291 for other elements.
   vela::Layer AddressedNumbers(vela::member::Arguments& args);
+  vela::LayerElements AddressedElements(vela::member::Arguments& args);
   vela::Layer AddressedComplex(vela::member::Arguments& args);
   // Members that change size or layout refuse when the indices pick one of several rows.
   void RefuseOneRowOfMany(vela::member::Arguments& args, int code) const;

@@ -1,9 +1,29 @@
 #include "host/library.h"
 
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <new>
 
 #include "frame/interface/type_words.h"
+#include "host/object_ref.h"
+
+#if !defined(_WIN32)
+#include <dlfcn.h>
+#endif
+
+#if !defined(_WIN32) && !defined(__SANITIZE_ADDRESS__)
+// Allocation as the library under test sees it too.
+static thread_local bool memory_is_out = false;
+
+void* operator new(std::size_t bytes) {
+  void* const memory = memory_is_out ? nullptr : std::malloc(bytes);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#endif
 
 namespace {
 
@@ -35,5 +55,24 @@ TEST(Library, CreatesNothingWhileUnloaded) {
   EXPECT_EQ(library.Create(kTypeInt), nullptr);
   EXPECT_EQ(Library::TakeErrorReport(), 0);
 }
+
+#if !defined(_WIN32) && !defined(__SANITIZE_ADDRESS__)
+TEST(Library, LoadsAndAnswersWithoutMemory) {
+  Library library;
+  memory_is_out = true;
+  EXPECT_NE(dlopen("libVELABaseTypes.so", RTLD_NOW), nullptr);
+  memory_is_out = false;
+  ASSERT_TRUE(library.Load()) << library.GetError();
+  constexpr unsigned kVector = kTypeDouble | kFlagVector;
+  memory_is_out = true;
+  library.Configure();
+  EXPECT_EQ(library.Create(kVector), nullptr);
+  memory_is_out = false;
+  const vela::host::ObjectRef vector(library.Create(kVector));
+  ASSERT_TRUE(vector);
+  CTypeBase* owner = nullptr;
+  EXPECT_NE(vector->FindMember("Sum", 0, &owner, 0), nullptr);
+}
+#endif
 
 }  // namespace

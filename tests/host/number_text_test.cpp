@@ -94,8 +94,9 @@ TEST(NumberText, TextToDouble) {
       {"+0x10", 16},
       {"0xFFFFFFFFFFFFFFFF", 18446744073709551616.0},
       {"0x1000000000000000000000", 0x1p84},
-      {"inf", kInf},
-      {"-Infinity", -kInf},
+      {"inf", kMissingValue},
+      {"-Infinity", kMissingValue},
+      {"nan", kMissingValue},
       {"NANUM", kMissingValue},
       {"-1.23456789e-300", kMissingValue},
       {"-NANUM", kMissingValue},
@@ -121,7 +122,6 @@ TEST(NumberText, TextToDouble) {
   for (const auto& row : rows) {
     EXPECT_EQ(VELAObj::ParleyStr2double(row.text), row.value) << (row.text ? row.text : "null");
   }
-  EXPECT_TRUE(std::isnan(VELAObj::ParleyStr2double("nan")));
   EXPECT_TRUE(std::signbit(VELAObj::ParleyStr2double("-0")));
 }
 

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cfloat>
+#include <random>
 
 #include "kernel/min_max.h"
 #include "kernel/product.h"
@@ -32,9 +34,35 @@ TYPED_TEST(ReductionTest, SumIsAsAccurateAsALoop) {
   }
 }
 
-TEST(SumTest, ErrorDoesNotGrowWithLength) {
-  const std::vector<double> x(3'000'000, 0.1);
-  EXPECT_NEAR(Sum(std::span<const double>(x)), 300'000.0, 1e-9);
+// Numbers that cancel each other but for a small total: adding them one by one loses it.
+TEST(SumTest, KeepsWhatCancellationLeaves) {
+  for (const std::size_t pairs : {10u, 1000u, 50'000u}) {
+    std::mt19937_64 engine(pairs);
+    std::vector<double> x = {1.0, 0x1p-20};
+    for (std::size_t k = 0; k < pairs; ++k) {
+      x.push_back(std::ldexp(static_cast<float>(engine()), static_cast<int>(engine() % 40) - 64));
+      x.push_back(-x.back());
+    }
+    std::shuffle(x.begin(), x.end(), engine);
+    EXPECT_NEAR(Sum(std::span<const double>(x)), 1.0 + 0x1p-20, 1e-12) << pairs;
+    const std::vector<float> floats(x.begin(), x.end());
+    EXPECT_NEAR(Sum(std::span<const float>(floats)), 1.0 + 0x1p-20, 1e-12) << pairs;
+  }
+}
+
+TEST(SumTest, IsFiniteWhereTheTotalIs) {
+  std::vector<double> x;
+  for (int k = 0; k < 1000; ++k) x.insert(x.end(), {1e308, -1e308});
+  EXPECT_EQ(Sum(std::span<const double>(x)), 0.0);
+  x.push_back(3.5e300);
+  EXPECT_EQ(Sum(std::span<const double>(x)), 3.5e300);
+  x[500] = kMissing;
+  EXPECT_EQ(Sum(std::span<const double>(x)), -1e308 + 3.5e300);
+  x.resize(20, 1e308);
+  std::fill(x.begin(), x.end(), 1e308);
+  EXPECT_EQ(Sum(std::span<const double>(x)), kInf);
+  x[7] = -kInf;
+  EXPECT_EQ(Sum(std::span<const double>(x)), -kInf);
 }
 
 TEST(SumTest, FloatsNearTheMissingValueAreNumbers) {

@@ -48,7 +48,12 @@ TEST(Factory, MakesTheTableAndNothingElse) {
     cases.push_back({id | kFlagMatrixObject, DatasetElement<T>});
   });
   for (const Case& c : cases) {
-    EXPECT_EQ(static_cast<bool>(Make(c.type_word, 3)), c.exists) << std::hex << c.type_word;
+    const ObjectRef object = Make(c.type_word, 3);
+    EXPECT_EQ(static_cast<bool>(object), c.exists) << std::hex << c.type_word;
+    if (!object) continue;
+    EXPECT_EQ(object->GetExternalData(nullptr), status::kBadArguments) << std::hex << c.type_word;
+    EXPECT_EQ(object->GetBufferMSO(nullptr, nullptr), status::kBadArguments) << c.type_word;
+    EXPECT_STRNE(object->GetRuntimeClass()->m_lpszClassName, "CPLBase") << c.type_word;
   }
 }
 

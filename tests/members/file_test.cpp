@@ -72,6 +72,15 @@ TEST_F(File, PositionsAreThirtyTwoBit) {
   resize(std::uintmax_t{5} << 30);
   EXPECT_EQ(Call(file_, "GetLength").Int(), 0);
   EXPECT_EQ(LastError(), 9);
+  for (const unsigned type : {kTypeFile, kTypeStdioFile}) {
+    file_ = Make(type);
+    ASSERT_EQ(Call(file_, "Open", path, 0).Int(), 1);
+    EXPECT_EQ(Call(file_, "Seek", 7, 0).Int(), 7);
+    EXPECT_EQ(Call(file_, "SeekToEnd").Int(), 0);
+    EXPECT_EQ(LastError(), 9);
+    EXPECT_EQ(Call(file_, "GetPosition").Int(), 7) << "what fails does not move";
+    Call(file_, "Close");
+  }
 }
 
 TEST_F(File, BuffersAreNeverOverrun) {
@@ -189,7 +198,8 @@ TEST_F(File, EncodingsAreDetected) {
       {"\xEF\xBB\xBF\xFF", 1},
       {cut, 1},
       {"gr\xFC\xDF", 0},
-      {"gr\xC3", 1},
+      {"gr\xC3", 0},
+      {cut.substr(0, 51200), 0},
       {"\xFF", 0},
       {"\xFF\xFE\x41", 2},
       {"\xFE\xFF\x41", 3},
@@ -307,6 +317,8 @@ TEST_F(File, WhatIsNoOrdinaryFile) {
   EXPECT_EQ(Call(file_, "Read", text, 5).Int(), 5);
   EXPECT_EQ(TextOf(text), std::string(5, '\0'));
   EXPECT_EQ(Call(file_, "GetLength").Int(), 0);
+  EXPECT_EQ(Call(file_, "Read", text, 5 << 20).Int(), 5 << 20) << "however much is asked";
+  EXPECT_EQ(TextOf(text).size(), std::size_t{5} << 20);
 }
 
 TEST_F(File, ChangesThatOthersMakeAreSeen) {

@@ -247,6 +247,49 @@ TEST_F(StdioFile, ModesOfWriting) {
   EXPECT_EQ(Call(file_, "GetLastError").Int(), 9);
 }
 
+TEST_F(StdioFile, TextIsWrittenInTheEncodingOfTheMark) {
+#if defined(_WIN32)
+  const std::u16string end = u"\r\n";
+#else
+  const std::u16string end = u"\n";
+#endif
+  const std::string little = "\xFF\xFE" + Utf16(u"1\n"), big = "\xFE\xFF" + Utf16(u"1\n", true);
+  const struct {
+    std::string before;
+    int flags;
+    std::string after;
+    int bytes = 6;
+  } cases[] = {
+      {little, mode::kWrite, little + Utf16(u"a\u00E9" + end)},
+      {little, mode::kCreate | mode::kNoTruncate | mode::kWrite, little + Utf16(u"a\u00E9" + end)},
+      {big, mode::kCreate | mode::kNoTruncate | mode::kReadWrite,
+       big + Utf16(u"a\u00E9" + end, true)},
+      {big, mode::kReadWrite | mode::kBinary, "\xFE\xFF" + Utf16(u"a\u00E9\n", true)},
+      {"1\n", mode::kWrite | mode::kBinary, "1\na\u00E9\n", 4},
+      {little, mode::kCreate | mode::kReadWrite | mode::kBinary,
+       "\xEF\xBB\xBF"
+       "a\u00E9\n",
+       4},
+  };
+  for (const auto& c : cases) {
+    OpenOn(c.before, c.flags | mode::kUnicode);
+    EXPECT_EQ(Call(file_, "WriteString", "a\u00E9").Int(), c.bytes);
+    Call(file_, "Close");
+    EXPECT_EQ(ContentOf(PathOf("content")), c.after) << c.flags;
+    OpenOn("", mode::kWrite | mode::kBinary);
+    Call(file_, "WriteString", "a");
+    Call(file_, "Close");
+    EXPECT_EQ(ContentOf(PathOf("content")), "a\n") << "the mark counts for its file only";
+  }
+  OpenOn("", mode::kWrite);
+  Call(file_, "SetWriteEncoding", 2);
+  EXPECT_EQ(Call(file_, "WriteString", "a\nb").Int(), 8);
+  const std::string raw = Utf16(u"c\n");
+  EXPECT_EQ(Call(file_, "Write", StringOf(raw), 4).Int(), 4);
+  Call(file_, "Close");
+  EXPECT_EQ(ContentOf(PathOf("content")), Utf16(u"a" + end + u"b" + end) + raw);
+}
+
 TEST_F(StdioFile, FilesThatChangeWhileTheyAreRead) {
   const std::string path = Write("changing", "one\ntwo\n");
   ASSERT_EQ(Call(file_, "Open", path, mode::kRead | mode::kDenyNone).Int(), 1);
@@ -285,6 +328,11 @@ TEST_F(StdioFile, FailuresLeaveACause) {
   OpenOn("x");
   EXPECT_EQ(Call(file_, "ReadString", Null{}, 0).status, status::kUnresolved);
   EXPECT_EQ(Call(file_, "ReadString", "literal", 0).status, status::kBadArguments);
+  const ObjectRef texts = ArrayOf({"a", "b"});
+  EXPECT_EQ(Call(file_, "ReadString", texts, 0).status, status::kBadArguments);
+  EXPECT_EQ(Call(file_, "ReadString", VectorOf<double>({1}), 0).status, status::kBadArguments);
+  EXPECT_EQ(Call(file_, "ReadString", Part{texts, MSOINDICES::Element(1)}, 0).Int(), 1);
+  EXPECT_EQ(TextsOf(texts), (Texts{"a", "x"}));
 }
 
 #if !defined(_WIN32)
@@ -305,6 +353,9 @@ TEST_F(StdioFile, AFullDeviceIsAFullDisk) {
   EXPECT_EQ(Call(file_, "WriteString", "x").Int(), 2) << "buffered";
   EXPECT_EQ(Call(file_, "Flush").Int(), 0);
   EXPECT_EQ(Call(file_, "GetLastError").Int(), 13);
+  EXPECT_EQ(Call(file_, "Open", folder_, 0).Int(), 0);
+  EXPECT_EQ(Call(file_, "GetLastError").Int(), 13) << "nothing is dropped without a word";
+  EXPECT_EQ(TextOf(file_), "/dev/full (open)");
   EXPECT_EQ(Call(file_, "Close").Int(), 0);
   EXPECT_EQ(Call(file_, "IsOpen").Int(), 0);
 }

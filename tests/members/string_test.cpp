@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <limits>
 
@@ -469,6 +470,7 @@ TEST(String, Wildcards) {
       {"abc", "ab", 1, 0},
       {"\xFF\xFE", "??", 1, 1},
       {"é", "\xC3*", 1, 0},  // a byte that is no character is not the beginning of one
+      {"é", "*\xA9", 1, 0},  // nor its end
       {"ΟΔΟΣΑ", "οδος*", 0, 1},
       {"ΟΔΟΣ", "οδοσ", 0, 1},
       {"straße", "stra?e", 0, 1},
@@ -479,6 +481,33 @@ TEST(String, Wildcards) {
     EXPECT_EQ(Call(StringOf(c.text), "Match", c.pattern, c.case_sensitive).Int(), c.matches)
         << c.text << " ~ " << c.pattern;
   }
+}
+
+// In a second, which going back for every character would take many times over.
+TEST(String, WildcardsInLongTexts) {
+  const auto times = [](std::string_view piece, int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += piece;
+    return text;
+  };
+  constexpr int kMany = 50'000;
+  const struct {
+    std::string text, pattern;
+    int matches;
+  } cases[] = {
+      {times("a", 4 * kMany), "*" + times("a", kMany) + "b*", 0},
+      {times("a", 4 * kMany), "*" + times("a?", kMany) + "b*", 0},
+      {times("a", 4 * kMany), "*a*" + times("a?", kMany) + "*b", 0},
+      {times("a", 4 * kMany) + "b-é", "*" + times("a", kMany) + "B*?É", 1},
+      {times("a", 4 * kMany) + "\u212Ab", "a*" + times("a?", kMany) + "kB", 1},
+      {times("a", 4 * kMany) + "b", times("a", 4 * kMany) + "b*?", 0},
+  };
+  const auto start = std::chrono::steady_clock::now();
+  for (const auto& c : cases) {
+    EXPECT_EQ(Call(StringOf(c.text), "Match", c.pattern, 0).Int(), c.matches)
+        << c.pattern.substr(0, 4);
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 
 TEST(String, NamesAndShortTexts) {

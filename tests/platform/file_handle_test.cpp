@@ -9,6 +9,8 @@
 #include "platform/file_stream.h"
 
 #if !defined(_WIN32)
+#include <csignal>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #endif
 
@@ -183,6 +185,34 @@ TEST_F(FileHandleTest, MovesTakeTheHandleAlong) {
 }
 
 #if !defined(_WIN32)
+TEST_F(FileHandleTest, AMoveToAnotherDiskIsAllOrNothing) {
+  const std::string other = "/dev/shm/vela moved";
+  struct stat here, there;
+  if (stat("/dev/shm", &there) != 0 || stat(folder_.c_str(), &here) != 0 ||
+      here.st_dev == there.st_dev) {
+    GTEST_SKIP() << "there is one disk only";
+  }
+  fs::remove(other);
+  const std::string path = Write("mover", std::string(3'000'000, 'm'));
+  // A limit on what a file may have stands for a full disk.
+  struct rlimit limit;
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
+  const struct rlimit small = {1'000'000, limit.rlim_max};
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  EXPECT_EQ(RenameFile(path, other), FileCause::kDiskFull);
+  setrlimit(RLIMIT_FSIZE, &limit);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_TRUE(fs::exists(path));
+  EXPECT_FALSE(fs::exists(other));
+  EXPECT_EQ(RenameFile(path, other), FileCause::kNone);
+  EXPECT_FALSE(fs::exists(path));
+  EXPECT_EQ(fs::file_size(other), 3'000'000u);
+  EXPECT_EQ(RenameFile(other, Write("taken", "x")), FileCause::kAccessDenied);
+  EXPECT_EQ(fs::file_size(PathOf("taken")), 1u);
+  fs::remove(other);
+}
+
 TEST_F(FileHandleTest, PipesAreRefusedWithoutWaiting) {
   const std::string path = PathOf("pipe");
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);

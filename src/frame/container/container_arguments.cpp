@@ -87,12 +87,14 @@ void SetTotal(Arguments& args, unsigned arg, unsigned type_id, const OneTCcomple
 
 void SetPosition(Arguments& args, unsigned arg, std::ptrdiff_t position) {
   if (args.IsNull(arg)) return;
-  const unsigned type_id = args.TypeId(arg);
-  const bool is_unsigned =
-      WithElementType(type_id, []<class T>() { return std::is_unsigned_v<T>; });
+  const auto is_unsigned = [](unsigned type_id) {
+    return WithElementType(type_id, []<class T>() { return std::is_unsigned_v<T>; });
+  };
+  if (position >= 0 || !is_unsigned(args.TypeId(arg))) {
+    return args.Set(arg, static_cast<double>(position));
+  }
   // The number -1 would be stored as 0; the largest number of any type saturates to all bits set.
-  const auto all_bits = static_cast<double>(std::numeric_limits<std::uint64_t>::max());
-  args.Set(arg, position < 0 && is_unsigned ? all_bits : static_cast<double>(position));
+  args.Set(arg, static_cast<double>(std::numeric_limits<std::uint64_t>::max()));
 }
 
 }  // namespace vela

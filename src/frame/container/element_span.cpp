@@ -8,10 +8,6 @@
 
 namespace vela {
 
-std::size_t ElementWidth(unsigned type_id) {
-  return WithElementType(type_id, []<class T>() { return sizeof(T); });
-}
-
 ElementMemory::ElementMemory(unsigned type_id, std::size_t count)
     : type_id_(type_id),
       count_(count),

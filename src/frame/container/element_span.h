@@ -1,8 +1,10 @@
 // Elements of a type that is known only when the program runs.
 #pragma once
 
+#include <array>
 #include <concepts>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <type_traits>
@@ -12,8 +14,20 @@
 
 namespace vela {
 
+namespace detail {
+
+inline constexpr auto kElementWidths = [] {
+  std::array<std::uint8_t, kLastTypeId + 1> widths{};
+  ForEachElementType([&]<class T>() { widths[kElement<T>.type_id] = sizeof(T); });
+  return widths;
+}();
+
+}  // namespace detail
+
 // Bytes of one element of the type; 0 for an id that is no element type.
-std::size_t ElementWidth(unsigned type_id);
+constexpr std::size_t ElementWidth(unsigned type_id) {
+  return type_id <= kLastTypeId ? detail::kElementWidths[type_id] : 0;
+}
 
 // Borrowed memory with its element type. Type id kTypeNone stands for no such memory.
 template <class Memory>

@@ -2,19 +2,16 @@
 
 namespace vela {
 
-bool IsNumeric(const Layer& layer) {
-  return WithElementType(layer.TypeId(), []<class T>() { return true; });
-}
-
 bool IsReal(const Layer& layer) {
   return WithElementType(layer.TypeId(), []<class T>() { return SimpleElement<T>; });
 }
 
-LayerElements::LayerElements(const Layer& layer) : layer_(layer), span_(layer.Buffer()) {
-  if (span_) return;
-  copy_.emplace(IsNumeric(layer) ? layer.TypeId() : unsigned{kTypeDouble}, layer.Size());
-  span_ = copy_->Span();
-  member::Check(layer.container->ReadElements(layer.number, 0, span_));
+void LayerElements::Copy() {
+  const unsigned type_id = IsNumeric(layer_) ? layer_.TypeId() : unsigned{kTypeDouble};
+  const std::size_t size = layer_.Size();
+  copy_ = std::make_unique_for_overwrite<std::byte[]>(size * ElementWidth(type_id));
+  span_ = {type_id, copy_.get(), size};
+  member::Check(layer_.container->ReadElements(layer_.number, 0, span_));
 }
 
 void LayerElements::Commit() const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -41,14 +42,24 @@ struct Layer {
 };
 
 // Whether the layer's elements are numbers of any type, or real ones.
-bool IsNumeric(const Layer& layer);
+inline bool IsNumeric(const Layer& layer) { return ElementWidth(layer.TypeId()) != 0; }
 bool IsReal(const Layer& layer);
 
 // A layer's elements in memory: its own buffer, or a copy that Commit writes back. Elements that
 // are no numbers (texts) are copied as doubles. Throws std::bad_alloc.
 class LayerElements {
  public:
-  explicit LayerElements(const Layer& layer);
+  explicit LayerElements(const Layer& layer) : layer_(layer), span_(layer.Buffer()) {
+    if (!span_) [[unlikely]]
+      Copy();
+  }
+  // For numbers only: ends the handler with the status for elements that are none.
+  LayerElements(const Layer& layer, int otherwise) : layer_(layer), span_(layer.Buffer()) {
+    if (span_) [[likely]]
+      return;
+    if (!IsNumeric(layer)) member::Fail(otherwise);
+    Copy();
+  }
 
   const ElementSpan& Span() const { return span_; }
   template <class T>
@@ -56,15 +67,22 @@ class LayerElements {
     return span_.As<T>();
   }
   // The elements from the lower bound on.
-  ElementSpan Data() const { return span_.From(layer_.FirstOfData()); }
+  ElementSpan Data() const {
+    const int lower = layer_.LowerBound();
+    if (lower <= 0) [[likely]]
+      return span_;
+    return span_.From(std::min(static_cast<std::size_t>(lower), span_.size));
+  }
 
   // Writes a copy back and announces the change.
   void Commit() const;
 
  private:
+  void Copy();
+
   Layer layer_;
   ElementSpan span_;
-  std::optional<ElementMemory> copy_;
+  std::unique_ptr<std::byte[]> copy_;
 };
 
 // A layer's elements to read as type T: its own buffer when it is of that type, else a converted

@@ -32,7 +32,9 @@ class TCAllTensorsBase : public TesselCObject {
  public:
   virtual int LayerCount() const { return 0; }
   virtual vela::LayerShape ShapeOf(int /*layer*/) const { return {}; }
-  std::size_t SizeOf(int layer) const { return static_cast<std::size_t>(ShapeOf(layer).Size()); }
+  virtual std::size_t SizeOf(int layer) const {
+    return static_cast<std::size_t>(ShapeOf(layer).Size());
+  }
   // The first element that is valid; the elements below are no part of the data.
   virtual int LowerBoundOf(int /*layer*/) const { return 0; }
   // The elements when they are one buffer that may be written in place, else an empty span. Valid
@@ -42,6 +44,13 @@ class TCAllTensorsBase : public TesselCObject {
   // A status; on failure the layer is as it was. A vector takes the elements of any shape in one
   // row.
   virtual int ResizeLayer(int layer, const vela::LayerShape& shape, vela::Contents contents);
+  // As ResizeLayer to one row of size elements, keeping what fits, but may keep memory for more, so
+  // that growing by one at a time is linear overall.
+  virtual int GrowLayer(int layer, std::int64_t size) {
+    return ResizeLayer(layer, vela::LayerShape::OneRow(size), vela::Contents::kKeep);
+  }
+  // Makes room for size elements, so that growing up to it cannot fail for want of memory.
+  virtual int ReserveLayer(int /*layer*/, std::int64_t /*size*/) { return status::kOk; }
   // Copy elements from offset on, row-major and converted, out of the layer or into it; it has them
   // all. The memory may be the layer's own where the types are equal. A status.
   virtual int ReadElements(int layer, std::size_t offset, const vela::ElementSpan& to);

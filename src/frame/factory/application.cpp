@@ -1,5 +1,8 @@
 #include "frame/factory/application.h"
 
+#include <atomic>
+#include <mutex>
+
 #include "frame/member/table.h"
 #include "matrix/matrix_base.h"
 #include "scalar/complex_object.h"
@@ -26,23 +29,36 @@ void ForEachTypeTable(F&& f) {
   f.template operator()<tcCategoricalData<int>>();
 }
 
-// Loading the library constructs it, unloading destroys it, on both platforms.
+// Loading the library starts it, unloading ends it, on both platforms.
 class LoadedApplication {
  public:
-  LoadedApplication() { application_.InitInstance(); }
+  LoadedApplication() { Start(); }
   ~LoadedApplication() { application_.ExitInstance(); }
+
+  bool Start() {
+    if (is_started_.load(std::memory_order_acquire)) return true;
+    const std::lock_guard lock(mutex_);
+    const bool starts = application_.InitInstance() != 0;
+    is_started_.store(starts, std::memory_order_release);
+    return starts;
+  }
 
  private:
   CVELABaseTypesApp application_;
+  std::mutex mutex_;
+  std::atomic<bool> is_started_ = false;
 };
 
-const LoadedApplication application;
+LoadedApplication application;
 
 }  // namespace
 
+bool vela::StartApplication() { return application.Start(); }
+
 BOOL CVELABaseTypesApp::InitInstance() {
-  ForEachTypeTable([]<class Owner>() { TypeTable<Owner>::Build(); });
-  return CWinApp::InitInstance();
+  bool is_complete = true;
+  ForEachTypeTable([&]<class Owner>() { is_complete = TypeTable<Owner>::Build() && is_complete; });
+  return is_complete ? CWinApp::InitInstance() : 0;
 }
 
 int CVELABaseTypesApp::ExitInstance() {

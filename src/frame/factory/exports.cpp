@@ -1,4 +1,5 @@
 // The functions that the library exports.
+#include "frame/factory/application.h"
 #include "frame/factory/create.h"
 #include "frame/interface/call.h"
 #include "frame/interface/entry_points.h"
@@ -46,6 +47,7 @@ std::uint64_t VELA_CRT_OBJ(std::uint64_t type_word, void** args, unsigned n, uns
   if (request.TypeId() == kTypeNone) return 0;
   vela::ReportError(status::kReportClear, args);
   if (request.TypeId() < kTypeCharAlias || request.TypeId() > kLastTypeId) return 0;
+  if (!vela::StartApplication()) return 0;
   try {
     const bool is_matrix = request.Has(kFlagAnyMatrix) || type_word == kTypeMatrixBase;
     CScriptVelaObject* object =

@@ -30,6 +30,8 @@ class VELAHOST_API CScriptVelaObject : public CTypeBase {
   CScriptVelaObject(const CScriptVelaObject&) = delete;
   CScriptVelaObject& operator=(const CScriptVelaObject&) = delete;
 
+  const CRuntimeClass* GetRuntimeClass() const override;
+
   // Reference counting. An object starts with no references; Release destroys it when the count
   // falls to 0. The registry knows every object from its construction to its destruction.
   int AddRef();

@@ -13,6 +13,8 @@ class VELAHOST_API TesselCObject : public CScriptVelaObject {
   using CScriptVelaObject::GetUpperBound;
   using CScriptVelaObject::SetBufferSize;
 
+  const CRuntimeClass* GetRuntimeClass() const override;
+
   virtual int TCAttach(CTCall* call);
   virtual int TCDetach(CTCall* call);
   virtual int TCGetName(CTCall* call);

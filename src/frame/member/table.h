@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <new>
 
 #include "frame/interface/type_base.h"
 
@@ -25,19 +26,22 @@ CClassMember UnbuiltProperty(const char* name);
 bool IsUnbuilt(const CClassMember& row);
 
 // The table of a class that exists once per element type: made by the application object when the
-// library is loaded, freed when it is unloaded; null in between times. Owner::MemberRows() returns
-// the rows in order, the end row not included.
+// library is loaded, freed when it is unloaded; null in between times, and while there is no memory
+// for it. Owner::MemberRows() returns the rows in order, the end row not included.
 template <class Owner>
 class TypeTable {
  public:
   static const CClassMember* Rows() { return rows_; }
 
-  static void Build() {
-    if (rows_ != nullptr) return;
+  // False when memory runs out.
+  static bool Build() {
+    if (rows_ != nullptr) return true;
     const auto rows = Owner::MemberRows();
-    auto* table = new CClassMember[rows.size() + 1];
+    auto* table = new (std::nothrow) CClassMember[rows.size() + 1];
+    if (table == nullptr) return false;
     std::copy(rows.begin(), rows.end(), table);
     rows_ = table;
+    return true;
   }
 
   static void Free() {

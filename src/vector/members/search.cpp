@@ -86,9 +86,10 @@ int FindFirst(Arguments& args, std::span<const T> x) {
 // reserved for the worst case is used only as far as there are positions.
 template <class T>
 std::size_t StorePositions(std::span<const T> x, const Wanted<T>& wanted, kernel::FindScope scope,
-                           TCAllVectorNonTemplBase& positions, int row) {
+                           const Layer& found) {
+  TCAllTensorsBase& positions = *found.container;
   const std::size_t end = std::min(scope.end, x.size());
-  Check(positions.RawReserve(row, static_cast<std::int64_t>(end - scope.start)));
+  Check(positions.ReserveLayer(found.number, static_cast<std::int64_t>(end - scope.start)));
   std::array<std::uint32_t, 4096> block;
   std::size_t count = 0;
   for (; scope.start < end && !(scope.first_only && count > 0); scope.start = scope.end) {
@@ -96,14 +97,14 @@ std::size_t StorePositions(std::span<const T> x, const Wanted<T>& wanted, kernel
     const std::span<const unsigned> matches = std::span(block).first(wanted.Find(x, scope, block));
     if (matches.empty()) continue;
     const std::size_t size = count + matches.size();
-    if (size > positions.RowSize(row)) {
-      Check(positions.RawGrow(row, static_cast<std::int64_t>(size)));
+    if (size > found.Size()) {
+      Check(positions.GrowLayer(found.number, static_cast<std::int64_t>(size)));
     }
-    Check(positions.StoreElements(row, count, vela::ConstElementSpan(matches)));
+    Check(positions.StoreElements(found.number, count, vela::ConstElementSpan(matches)));
     count = size;
   }
-  Check(positions.RawResize(row, static_cast<std::int64_t>(count)));
-  positions.AnnounceChange(row);
+  found.Resize(count);
+  found.AnnounceChange();
   return count;
 }
 
@@ -125,8 +126,7 @@ int FindAll(Arguments& args, const Layer& row, std::span<const T> x) {
   // The positions may replace the very elements that are searched.
   std::optional<vela::LayerValues<T>> copy;
   if (found == row) x = copy.emplace(row, true).Span();
-  auto& positions = dynamic_cast<TCAllVectorNonTemplBase&>(*found.container);
-  return static_cast<int>(StorePositions(x, wanted, scope, positions, found.number));
+  return static_cast<int>(StorePositions(x, wanted, scope, found));
 }
 
 // Overwrites the elements wanted; how many. Found a block at a time, so that no memory is needed.
@@ -163,7 +163,7 @@ int TCAllVectorNonTemplBase::Find(CTCall* call) {
 // many. A missing old replaces the missing elements. Points: status 12291.
 int TCAllVectorNonTemplBase::Replace(CTCall* call) {
   return Run(call, Between(2, 3), [&](Arguments& args) {
-    const LayerElements elements(AddressedNumbers(args));
+    const LayerElements elements = AddressedElements(args);
     const std::size_t replaced = vela::WithElements(
         elements.Span(), [&]<class T>(std::span<T> x) requires Searchable<T> {
           Wanted<T> wanted;

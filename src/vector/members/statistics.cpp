@@ -27,7 +27,7 @@ namespace kernel = vela::kernel;
 // Sum(total&): the sum of the elements that are not missing, stored by the reference's type; 0.
 int TCAllVectorNonTemplBase::Sum(CTCall* call) {
   return Run(call, Exactly(1), [&](Arguments& args) {
-    const LayerElements x(AddressedNumbers(args));
+    const LayerElements x = AddressedElements(args);
     const OneTCcomplex total = WithElements(
         vela::ConstElementSpan(x.Span()),
         vela::Overloaded{
@@ -41,7 +41,7 @@ int TCAllVectorNonTemplBase::Sum(CTCall* call) {
 // Product(product&, int skipMissing): stored in a reference to int, double or complex; 0.
 int TCAllVectorNonTemplBase::Product(CTCall* call) {
   return Run(call, Exactly(2), [&](Arguments& args) {
-    const LayerElements x(AddressedNumbers(args));
+    const LayerElements x = AddressedElements(args);
     const bool skip_missing = args.Int(1) != 0;
     vela::RefuseNarrowReference(args, 0, x.Span().type_id);
     const OneTCcomplex product = WithElements(
@@ -74,7 +74,7 @@ int TCAllVectorNonTemplBase::Product(CTCall* call) {
 // first positions, either of which may be NULL; how many are not missing.
 int TCAllVectorNonTemplBase::GetMinMax(CTCall* call) {
   return Run(call, Exactly(4), [&](Arguments& args) {
-    const LayerElements x(AddressedNumbers(args));
+    const LayerElements x = AddressedElements(args);
     vela::RefuseNarrowReference(args, 0, x.Span().type_id);
     vela::RefuseNarrowReference(args, 1, x.Span().type_id);
     const kernel::MinMaxResult result =
@@ -164,7 +164,7 @@ int TCAllVectorNonTemplBase::FrequencyCount(CTCall* call) {
 int TCAllVectorNonTemplBase::Abs(CTCall* call) {
   return Run(call, NoArguments(), [&](Arguments& args) {
     RefuseOneRowOfMany(args, status::kNotOnOneRow);
-    const LayerElements x(AddressedNumbers(args));
+    const LayerElements x = AddressedElements(args);
     WithElements(x.Data(), []<SimpleElement T>(std::span<T> v) { kernel::Abs<T>(v); });
     x.Commit();
     args.Return(0);
