@@ -96,7 +96,7 @@ void Compiler::DeclareScalar(const Variable& variable, const StaticType& type,
 void Compiler::DeclareObject(const Variable& variable, const StaticType& type,
                              std::vector<PlacedStatement>& out) {
   const SourceRange& range = variable.name.range;
-  if (type.is_array && (type.name == TypeName::kFile || type.name == TypeName::kStdioFile)) {
+  if (type.is_array && !CanBeArray(type.Item())) {
     Fail(range, "there are no arrays of " + Spelling(type.Item()));
   }
   const InitializerList* list = nullptr;

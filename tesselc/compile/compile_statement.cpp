@@ -123,6 +123,26 @@ NodePtr Compiler::Visit(const For& statement, const SourceRange&) {
       MakeFor(std::move(initializer), std::move(condition), std::move(step), std::move(body)));
 }
 
+// The loop's own variable takes the element, and gives it back in a loop by reference.
+void Compiler::CompileRound(const RangeFor& statement, const Symbol& symbol,
+                            const std::function<Place()>& element, RangeLoop& loop) {
+  const SourceRange& where = statement.range->range;
+  Place variable = Visit(Name{statement.name.text}, statement.name.range);
+  variable.is_const = false;
+  std::vector<PlacedStatement> load;
+  if (symbol.type.IsObject()) {
+    load.push_back(
+        {MakeDeclareObject(symbol.object, ObjectTypeOf(symbol.type), nullptr, where), where});
+  }
+  load.push_back(
+      {AssignTo(std::move(variable), std::nullopt, Load(element(), where), where).node, where});
+  loop.load = MakeBlock(std::move(load));
+  if (statement.type.is_reference && !statement.type.is_const) {
+    Value value = Load(Visit(Name{statement.name.text}, statement.name.range), where);
+    loop.store = AssignTo(element(), std::nullopt, std::move(value), where).node;
+  }
+}
+
 NodePtr Compiler::Visit(const RangeFor& statement, const SourceRange&) {
   ScopeGuard scope(*this);
   const SourceRange& where = statement.range->range;
@@ -132,41 +152,41 @@ NodePtr Compiler::Visit(const RangeFor& statement, const SourceRange&) {
   }
   Value container = Load(std::move(range_place), where);
   const StaticType walked = container.type;
-  const bool texts = walked.name == TypeName::kStringArray && !walked.is_array;
-  if (!walked.IsVector() && !texts) Fail(where, Spelling(walked) + " cannot be walked over");
+  const bool texts = walked.name == TypeName::kStringArray;
+  if (!walked.is_array && !walked.IsVector() && !texts) {
+    Fail(where, Spelling(walked) + " cannot be walked over");
+  }
 
   RangeLoop loop;
   loop.container = std::move(container.node);
   loop.object = context_.layout->Allocate(sizeof(ObjectReference));
   loop.position = context_.layout->Allocate(sizeof(std::int64_t));
+  loop.over_array = walked.is_array;
   loop.where = where;
   const auto element = [&] {
     NodePtr object = MakeLoadObject(ObjectPlace::Reference(loop.object), {}, where);
     NodePtr index = MakeLoad(TypeName::kInt64, VariablePlace::Local(loop.position));
-    return ElementOf(walked, std::move(object), std::move(index), where);
+    if (!walked.is_array) return ElementOf(walked, std::move(object), std::move(index), where);
+    Place array{walked, false, Place::Object{std::move(object), nullptr}};
+    return IndexArray(std::move(array), std::move(index), where);
   };
 
   const StaticType type = Resolve(statement.type);
-  if (!type.IsScalar() && !type.IsString()) {
+  if (!type.IsScalar() && !type.IsString() && type != element().type) {
     Fail(statement.type.range, "the elements are not of type " + Spelling(type));
   }
   if (statement.type.is_reference && type != element().type) {
     Fail(statement.type.range,
          "the elements are of type " + Spelling(element().type) + ", not " + Spelling(type));
   }
-  Symbol& symbol = DeclareVariable(statement.name, type, statement.type.is_const, false);
-  Place variable = Visit(Name{statement.name.text}, statement.name.range);
-  variable.is_const = false;
-  std::vector<PlacedStatement> load;
-  if (type.IsString()) {
-    load.push_back({MakeDeclareObject(symbol.object, ObjectTypeOf(type), nullptr, where), where});
-  }
-  load.push_back(
-      {AssignTo(std::move(variable), std::nullopt, Load(element(), where), where).node, where});
-  loop.load = MakeBlock(std::move(load));
-  if (statement.type.is_reference && !statement.type.is_const) {
-    Value value = Load(Visit(Name{statement.name.text}, statement.name.range), where);
-    loop.store = AssignTo(element(), std::nullopt, std::move(value), where).node;
+  const bool refers = statement.type.is_reference && type.IsScalar();
+  Symbol& symbol = DeclareVariable(statement.name, type, statement.type.is_const, refers);
+  if (refers) {
+    loop.reference = context_.layout->Allocate(sizeof(ScalarReference));
+    symbol.variable = VariablePlace::Reference(loop.reference);
+    loop.element = AsReferable(type.name, std::move(std::get<Place::Element>(element().what).node));
+  } else {
+    CompileRound(statement, symbol, element, loop);
   }
   loop.body = CompileLoopBody(*statement.body);
   return scope.Close(MakeRangeLoop(std::move(loop)));

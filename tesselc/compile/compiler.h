@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -18,6 +19,7 @@
 #include "tesselc/run/function.h"
 #include "tesselc/run/member_call.h"
 #include "tesselc/run/print.h"
+#include "tesselc/run/range_loop.h"
 
 namespace tesselc {
 
@@ -134,6 +136,8 @@ class Compiler {
   NodePtr Visit(const DoWhile& statement, const SourceRange& range);
   NodePtr Visit(const For& statement, const SourceRange& range);
   NodePtr Visit(const RangeFor& statement, const SourceRange& range);
+  void CompileRound(const RangeFor& statement, const Symbol& symbol,
+                    const std::function<Place()>& element, RangeLoop& loop);
   NodePtr Visit(const Switch& statement, const SourceRange& range);
   NodePtr Visit(const Break& statement, const SourceRange& range);
   NodePtr Visit(const Continue& statement, const SourceRange& range);

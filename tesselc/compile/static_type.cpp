@@ -131,6 +131,20 @@ bool CanReferTo(const StaticType& parameter, const StaticType& argument) {
   }
 }
 
+bool CanBeArray(const StaticType& item) {
+  switch (item.name) {
+    case TypeName::kVector:
+    case TypeName::kMatrix:
+    case TypeName::kString:
+    case TypeName::kStringArray:
+    case TypeName::kVariant:
+    case TypeName::kPicture:
+      return true;
+    default:
+      return item.IsScalar();
+  }
+}
+
 TypeName Promoted(TypeName number) { return Rank(number) == 0 ? TypeName::kInt : number; }
 
 TypeName CommonNumber(TypeName a, TypeName b) {

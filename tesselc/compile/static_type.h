@@ -51,6 +51,9 @@ ObjectType ObjectTypeOf(const StaticType& type);
 // Whether a reference to `parameter` can refer to an object of type `argument`.
 bool CanReferTo(const StaticType& parameter, const StaticType& argument);
 
+// Whether the objects of a type can be arrays of several.
+bool CanBeArray(const StaticType& item);
+
 // How the language's rules for arithmetic widen numbers.
 TypeName Promoted(TypeName number);
 TypeName CommonNumber(TypeName a, TypeName b);

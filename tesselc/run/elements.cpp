@@ -54,6 +54,10 @@ class RowIndex {
     if (!IsIndex(index)) return nullptr;
     return row.object->GetArrayElement(row.At(), static_cast<int>(index));
   }
+  static void* AddressOf(CScriptVelaObject& object, const MSOINDICES& at) {
+    const MSOINDICES row = {at.ObjectKind(), at.index, 0, 0};
+    return object.GetArrayElement(&row, at.element);
+  }
   const SourceRange& where() const { return where_; }
 
  private:
@@ -70,6 +74,9 @@ class ArrayIndex : public RowIndex {
   }
   void Check(const ObjectValue& array, Index index) const {
     CheckIndex(index, array.object->GetArraySize(), where());
+  }
+  static void* AddressOf(CScriptVelaObject& object, const MSOINDICES& at) {
+    return object.GetArrayElement(nullptr, at.index);
   }
 };
 
@@ -110,6 +117,10 @@ class CellIndex {
     if (!IsIndex(cell.row) || !IsIndex(cell.column)) return nullptr;
     const MSOINDICES row = layer.at.WithElement(static_cast<std::int32_t>(cell.row));
     return layer.object->GetArrayElement(&row, static_cast<int>(cell.column));
+  }
+  static void* AddressOf(CScriptVelaObject& object, const MSOINDICES& at) {
+    const MSOINDICES row = at.WithElement(at.element);
+    return object.GetArrayElement(&row, at.column);
   }
   const SourceRange& where() const { return where_; }
 
@@ -214,8 +225,37 @@ class Element final : public ElementNode<typename Content::Value> {
       Content::Store(*spot.object, spot.at, value, pick_.where());
     }
   }
+  std::unique_ptr<ElementReference> MakeReference() final {
+    return std::make_unique<Reference>(*this);
+  }
 
  private:
+  class Reference final : public ElementReference {
+   public:
+    explicit Reference(Element& element) : element_(element) {}
+    void Bind(Frame& frame) override {
+      spot_ = element_.Find(frame);
+      if (!spot_.keep) spot_.keep = vela::host::ObjectRef(spot_.object);
+    }
+    void Load(void* value) override {
+      Refresh();
+      *static_cast<T*>(value) = element_.Load(spot_);
+    }
+    void Store(const void* value) override {
+      Refresh();
+      element_.Store(spot_, *static_cast<const T*>(value));
+    }
+
+   private:
+    // Storage may have moved; null when the element is gone, which the object then answers.
+    void Refresh() {
+      spot_.address = element_.in_memory_ ? Pick::AddressOf(*spot_.object, spot_.at) : nullptr;
+    }
+
+    Element& element_;
+    ElementSpot spot_;
+  };
+
   ObjectPtr object_;
   Pick pick_;
   bool in_memory_;
@@ -452,6 +492,12 @@ NodePtr MakeTextChar(NodePtr object, NodePtr index, SourceRange where) {
 
 NodePtr MakeTextElement(NodePtr object, NodePtr index, SourceRange where) {
   return MakeElement<Text>(std::move(object), Picking<RowIndex>(std::move(index), where), false);
+}
+
+std::unique_ptr<Referable> AsReferable(TypeName type, NodePtr element) {
+  return WithScalar(type, [&](auto t) -> std::unique_ptr<Referable> {
+    return AsElement<typename decltype(t)::type>(std::move(element));
+  });
 }
 
 NodePtr MakeStoreElement(Carrier carrier, NodePtr element, NodePtr value) {

@@ -5,6 +5,7 @@
 #include "frame/interface/indices.h"
 #include "host/object_ref.h"
 #include "tesselc/run/carrier.h"
+#include "tesselc/run/variables.h"
 #include "tesselc/source.h"
 
 namespace tesselc {
@@ -17,15 +18,32 @@ struct ElementSpot {
   vela::host::ObjectRef keep;
 };
 
+// What a reference to an element holds; each use of one makes its own.
+class ElementReference : public ElementLink {
+ public:
+  // Refers to the element that the indices pick now.
+  virtual void Bind(Frame& frame) = 0;
+};
+
+class Referable {
+ public:
+  virtual ~Referable() = default;
+  // Not bound yet; this must outlive it.
+  virtual std::unique_ptr<ElementReference> MakeReference() = 0;
+};
+
 // T is a scalar type, or CStringUTF8 for an element that is a text.
 template <class T>
-class ElementNode : public ValueNode<T> {
+class ElementNode : public ValueNode<T>, public Referable {
  public:
   // Throws a ScriptError for an index outside.
   virtual ElementSpot Find(Frame& frame) = 0;
   virtual T Load(const ElementSpot& spot) = 0;
   virtual void Store(const ElementSpot& spot, const T& value) = 0;
 };
+
+// An element of a scalar type, to refer to.
+std::unique_ptr<Referable> AsReferable(TypeName type, NodePtr element);
 
 // `object` is the container, `index` an int64; the element type is that of the container, or
 // double for one whose element type is known only at run time.

@@ -85,34 +85,21 @@ class ReferenceParameter final : public ParameterNode {
   BindingPtr binding_;
 };
 
-template <class T>
 class ElementParameter final : public ParameterNode {
  public:
-  ElementParameter(std::uint32_t offset, std::unique_ptr<ElementNode<T>> element)
+  ElementParameter(std::uint32_t offset, std::unique_ptr<Referable> element)
       : offset_(offset), element_(std::move(element)) {}
   bool UsesPassed() const override { return true; }
   void Pass(Frame& caller, Passed* passed, std::byte* callee) override {
-    passed->link = std::make_unique<Link>(*element_, element_->Find(caller));
-    *reinterpret_cast<ScalarReference*>(callee + offset_) = {nullptr, passed->link.get()};
+    std::unique_ptr<ElementReference> reference = element_->MakeReference();
+    reference->Bind(caller);
+    *reinterpret_cast<ScalarReference*>(callee + offset_) = {nullptr, reference.get()};
+    passed->link = std::move(reference);
   }
 
  private:
-  class Link final : public ElementLink {
-   public:
-    Link(ElementNode<T>& element, ElementSpot spot) : element_(element), spot_(std::move(spot)) {
-      spot_.address = nullptr;
-      spot_.keep = vela::host::ObjectRef(spot_.object);
-    }
-    void Load(void* value) override { *static_cast<T*>(value) = element_.Load(spot_); }
-    void Store(const void* value) override { element_.Store(spot_, *static_cast<const T*>(value)); }
-
-   private:
-    ElementNode<T>& element_;
-    ElementSpot spot_;
-  };
-
   std::uint32_t offset_;
-  std::unique_ptr<ElementNode<T>> element_;
+  std::unique_ptr<Referable> element_;
 };
 
 // Releases the objects that a frame owns.
@@ -238,11 +225,7 @@ ParameterPtr MakeReferenceParameter(std::uint32_t offset, BindingPtr binding) {
 }
 
 ParameterPtr MakeElementParameter(TypeName type, std::uint32_t offset, NodePtr element) {
-  return WithScalar(type, [&](auto t) -> ParameterPtr {
-    using T = typename decltype(t)::type;
-    auto typed = std::unique_ptr<ElementNode<T>>(static_cast<ElementNode<T>*>(element.release()));
-    return std::make_unique<ElementParameter<T>>(offset, std::move(typed));
-  });
+  return std::make_unique<ElementParameter>(offset, AsReferable(type, std::move(element)));
 }
 
 NodePtr MakeCall(const CompiledFunction& function, std::vector<ParameterPtr> parameters,

@@ -14,9 +14,15 @@ class RangeLoopNode final : public Node {
   Flow Exec(Frame& frame) override {
     const ObjectValue container = container_->Eval(frame);
     frame.At<ObjectReference>(loop_.object) = {container.object, container.at};
+    const auto reference = loop_.element ? loop_.element->MakeReference() : nullptr;
     for (std::int64_t i = 0; i < Size(container); ++i) {
       frame.At<std::int64_t>(loop_.position) = i;
-      loop_.load->Exec(frame);
+      if (reference) {
+        reference->Bind(frame);
+        frame.At<ScalarReference>(loop_.reference) = {nullptr, reference.get()};
+      } else {
+        loop_.load->Exec(frame);
+      }
       const Flow flow = loop_.body->Exec(frame);
       // The body may have made the container shorter than the element's index.
       if (loop_.store && i < Size(container)) loop_.store->Exec(frame);
@@ -28,6 +34,7 @@ class RangeLoopNode final : public Node {
 
  private:
   std::int64_t Size(const ObjectValue& container) const {
+    if (loop_.over_array) return container.object->GetArraySize();
     int upper = -1;
     CheckStatus(container.object->GetUpperBound(container.At(), upper), "get the size",
                 loop_.where);
