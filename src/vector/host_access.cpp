@@ -74,12 +74,11 @@ int TCAllVectorNonTemplBase::IsSameTypeAndMemoryModel(const CScriptVelaObject* o
 }
 
 void* TCAllVectorNonTemplBase::GetArrayElement(const MSOINDICES* at, int index) {
-  const MSOINDICES indices = (at == nullptr ? MSOINDICES{} : *at).WithElement(index);
   int row;
-  std::size_t place;
-  if (Locate(&indices, row, place) != status::kOk) return nullptr;
+  if (LocateRow(at, row) != status::kOk) return nullptr;
   const ElementSpan elements = BufferOf(row);
-  return elements ? elements.Part(place, 1).data : nullptr;
+  const auto place = static_cast<std::size_t>(index);  // below 0: beyond every size
+  return place < elements.size ? elements.Part(place, 1).data : nullptr;
 }
 
 int TCAllVectorNonTemplBase::GetUpperBound(const MSOINDICES* at, int& upper) {

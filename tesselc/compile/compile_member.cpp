@@ -40,6 +40,7 @@ bool IsRuledOut(const Parameter& parameter, const StaticType& argument) {
   if (given == Family::kAnything || family == Family::kAnything) return false;
   if (CanReferTo(wanted, argument)) return false;
   if (wanted.name == TypeName::kNumeric && given == Family::kPoint) return false;
+  if (family == Family::kText && argument.name == TypeName::kChar) return false;
   return given != family || given == Family::kOther;
 }
 

@@ -1,6 +1,6 @@
 #include "tesselc/run/function.h"
 
-#include <cstring>
+#include <array>
 
 #include "frame/interface/script_object.h"
 #include "tesselc/run/run.h"
@@ -148,7 +148,17 @@ class CallBase {
 
  private:
   void RunTidily(Frame& caller, std::byte* base, void* result) {
-    const std::unique_ptr<Passed[]> passed(new Passed[parameters_.size()]);
+    constexpr std::size_t kFewParameters = 3;
+    if (parameters_.size() <= kFewParameters) {
+      std::array<Passed, kFewParameters> passed;
+      RunWith(caller, base, result, passed.data());
+    } else {
+      const std::unique_ptr<Passed[]> passed(new Passed[parameters_.size()]);
+      RunWith(caller, base, result, passed.get());
+    }
+  }
+
+  void RunWith(Frame& caller, std::byte* base, void* result, Passed* passed) {
     for (std::size_t i = 0; i < parameters_.size(); ++i) {
       if (i > 0) passed[i].previous = &passed[i - 1];
       parameters_[i]->Pass(caller, &passed[i], base);
