@@ -50,8 +50,6 @@ FileCause FileStream::BeginReading() {
 }
 
 FileCause FileStream::BeginWriting() {
-  if (file_ == nullptr) return FileCause::kInvalidFile;
-  if (!CanWrite(file_->Access())) return FileCause::kAccessDenied;
   if (is_writing_) return FileCause::kNone;
   base_ = Position();
   at_ = filled_ = 0;
@@ -87,6 +85,10 @@ FileCause FileStream::Read(void* data, std::size_t size, std::size_t& done) {
 
 FileCause FileStream::Write(const void* data, std::size_t size, std::size_t& done) {
   done = 0;
+  if (file_ == nullptr) return FileCause::kInvalidFile;
+  if (!CanWrite(file_->Access())) return FileCause::kAccessDenied;
+  // To write nothing does not move, not to the end of a file that is added to either.
+  if (size == 0) return FileCause::kNone;
   if (const FileCause cause = BeginWriting(); cause != FileCause::kNone) return cause;
   if (size > kBufferBytes - at_) {
     if (const FileCause cause = Flush(); cause != FileCause::kNone) return cause;
@@ -97,7 +99,7 @@ FileCause FileStream::Write(const void* data, std::size_t size, std::size_t& don
       return cause;
     }
   }
-  if (size != 0) std::memcpy(buffer_.get() + at_, data, size);
+  std::memcpy(buffer_.get() + at_, data, size);
   at_ += size;
   done = size;
   return FileCause::kNone;

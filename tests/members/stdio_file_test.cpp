@@ -238,6 +238,9 @@ TEST_F(StdioFile, ModesOfWriting) {
   EXPECT_EQ(write(mode::kCreate | mode::kNoTruncate | mode::kWrite, "3"), "2\n3\n") << "appended";
   EXPECT_EQ(write(mode::kWrite, "4"), "2\n3\n4\n") << "appended";
   EXPECT_EQ(write(mode::kReadWrite, "5"), "5\n3\n4\n") << "over what is there";
+  ASSERT_EQ(Call(file_, "Open", path, mode::kWrite | mode::kBinary).Int(), 1);
+  EXPECT_EQ(Call(file_, "Write", "", 0).Int(), 0);
+  EXPECT_EQ(Call(file_, "GetPosition").Int(), 0) << "to write nothing does not move";
   EXPECT_EQ(write(mode::kCreate | mode::kReadWrite | mode::kUnicode, "é").substr(0, 3), "é\n")
       << "the mark was there, and was written over";
   ASSERT_EQ(
