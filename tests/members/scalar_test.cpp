@@ -6,24 +6,6 @@
 namespace vela::testing {
 namespace {
 
-TEST(Scalar, DoublesReadAsIntTruncateAndSaturate) {
-  const struct {
-    double value;
-    int expected;
-  } cases[] = {{3e9, INT32_MAX},          {-3e9, INT32_MIN}, {-2.7, -2},        {2.9, 2},
-               {2147483647.0, INT32_MAX}, {std::nan(""), 0}, {kMissingValue, 0}};
-  const ObjectRef scalar = Make(kTypeDouble);
-  for (const auto& c : cases) {
-    ASSERT_EQ(scalar->SetDouble(c.value), 1);
-    int by_value = -1;
-    int by_code = -1;
-    EXPECT_EQ(scalar->GetInt(by_value), 1);
-    EXPECT_EQ(scalar->GetInt(nullptr, by_code), 0);
-    EXPECT_EQ(by_value, c.expected) << c.value;
-    EXPECT_EQ(by_code, c.expected) << c.value;
-  }
-}
-
 TEST(Scalar, RoundDoubleKeepsTheUnsignedAsymmetry) {
   const ObjectRef unsigned_int = Make(kTypeUnsignedInt);
   EXPECT_EQ(static_cast<unsigned>(unsigned_int->RoundDouble(5e9)), 0xFFFFFFFFu);
