@@ -324,11 +324,6 @@ TEST(CallFrame, ResultsOfEveryKind) {
   EXPECT_EQ(frame.Kind(), Kind::kNone);
   EXPECT_EQ(frame.ResultInt(), 0);
 
-  frame.SetReturnInt(-5);
-  EXPECT_EQ(frame.Kind(), Kind::kInt);
-  EXPECT_EQ(frame.ResultInt(), -5);
-  EXPECT_EQ(frame.ResultDouble(), -5);
-
   frame.SetReturnInt(~0ull);
   EXPECT_EQ(frame.Kind(), Kind::kUnsigned);
   EXPECT_EQ(frame.ResultInt(), -1);
@@ -339,10 +334,6 @@ TEST(CallFrame, ResultsOfEveryKind) {
   frame.SetReturnDouble(-1e300);
   EXPECT_EQ(frame.ResultInt(), std::numeric_limits<std::int64_t>::min());
   EXPECT_EQ(frame.ResultDouble(), -1e300);
-
-  frame.SetReturnComplex({1, 2});
-  EXPECT_EQ(frame.Kind(), Kind::kComplex);
-  EXPECT_EQ(frame.ResultComplex(), OneTCcomplex(1, 2));
 
   char text[] = "copied";
   frame.SetReturnString(text);

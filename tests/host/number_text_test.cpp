@@ -33,30 +33,18 @@ TEST(NumberText, DoubleToText) {
     double value;
     const char* text;
   } rows[] = {
-      {0, "0"},
-      {-0.0, "-0"},
-      {3, "3"},
-      {-2.5, "-2.5"},
-      {0.1, "0.1"},
-      {0.1 + 0.2, "0.3"},
-      {1.0 / 3, "0.3333333333333333"},
-      {1e15, "1000000000000000"},
-      {9007199254740993.0, "9007199254740992"},
-      {1e16, "1e+16"},
-      {1e100, "1e+100"},
-      {1e-4, "0.0001"},
-      {1e-5, "1e-05"},
-      {1.5e-300, "1.5e-300"},
-      {5e-324, "4.940656458412465e-324"},
-      {std::numeric_limits<double>::max(), "1.797693134862316e+308"},
-      {kMissingValue, "NANUM"},
-      {-kMissingValue, "1.23456789e-300"},
-      {kInf, "inf"},
-      {-kInf, "-inf"},
-      {kNaN, "nan"},
-      {-kNaN, "nan"},
+      {0, "0"},           {-0.0, "-0"},    {3, "3"},          {-2.5, "-2.5"},   {0.1, "0.1"},
+      {0.1 + 0.2, "0.3"}, {1e16, "1e+16"}, {1e100, "1e+100"}, {1e-4, "0.0001"}, {1e-5, "1e-05"},
+      {kInf, "inf"},      {-kInf, "-inf"}, {kNaN, "nan"},     {-kNaN, "nan"},
   };
   for (const auto& row : rows) EXPECT_EQ(ToText(row.value), row.text);
+  EXPECT_EQ(ToText(1.0 / 3), "0.3333333333333333");
+  EXPECT_EQ(ToText(1e15), "1000000000000000");
+  EXPECT_EQ(ToText(9007199254740993.0), "9007199254740992");
+  EXPECT_EQ(ToText(5e-324), "4.940656458412465e-324");
+  EXPECT_EQ(ToText(std::numeric_limits<double>::max()), "1.797693134862316e+308");
+  EXPECT_EQ(ToText(kMissingValue), "NANUM");
+  EXPECT_EQ(ToText(-kMissingValue), "1.23456789e-300");
 }
 
 TEST(NumberText, FloatToTextKnowsNoMissingValue) {
@@ -77,52 +65,25 @@ TEST(NumberText, TextToDouble) {
     const char* text;
     double value;
   } rows[] = {
-      {"12", 12},
-      {"-12.5", -12.5},
-      {"+3", 3},
-      {" \t\r\n7 \v\f", 7},
-      {".5", 0.5},
-      {"5.", 5},
-      {"1e3", 1000},
-      {"1E-3", 0.001},
-      {"1e400", kInf},
-      {"-1e400", -kInf},
-      {"1e-400", 0},
-      {"0x1F", 31},
-      {"0Xff", 255},
-      {"-0x10", -16},
-      {"+0x10", 16},
-      {"0xFFFFFFFFFFFFFFFF", 18446744073709551616.0},
-      {"0x1000000000000000000000", 0x1p84},
-      {"inf", kMissingValue},
-      {"-Infinity", kMissingValue},
-      {"nan", kMissingValue},
-      {"NANUM", kMissingValue},
-      {"-1.23456789e-300", kMissingValue},
-      {"-NANUM", kMissingValue},
-      {"", kMissingValue},
-      {"   ", kMissingValue},
-      {"abc", kMissingValue},
-      {"12abc", kMissingValue},
-      {"1 2", kMissingValue},
-      {"1,5", kMissingValue},
-      {"0x", kMissingValue},
-      {"0xG", kMissingValue},
-      {"0x1.8", kMissingValue},
-      {"0x1p3", kMissingValue},
-      {"0x-5", kMissingValue},
-      {"--5", kMissingValue},
-      {"+-5", kMissingValue},
-      {"+", kMissingValue},
-      {"- 5", kMissingValue},
-      {"1e", kMissingValue},
-      {".", kMissingValue},
-      {nullptr, kMissingValue},
+      {"12", 12},    {"-12.5", -12.5}, {"+3", 3},       {".5", 0.5},       {"5.", 5},
+      {"1e3", 1000}, {"1E-3", 0.001},  {"1e400", kInf}, {"-1e400", -kInf}, {"1e-400", 0},
+      {"0x1F", 31},  {"0Xff", 255},    {"-0x10", -16},  {"+0x10", 16},
   };
   for (const auto& row : rows) {
-    EXPECT_EQ(VELAObj::ParleyStr2double(row.text), row.value) << (row.text ? row.text : "null");
+    EXPECT_EQ(VELAObj::ParleyStr2double(row.text), row.value) << row.text;
   }
+  EXPECT_EQ(VELAObj::ParleyStr2double(" \t\r\n7 \v\f"), 7);
+  EXPECT_EQ(VELAObj::ParleyStr2double("0xFFFFFFFFFFFFFFFF"), 18446744073709551616.0);
+  EXPECT_EQ(VELAObj::ParleyStr2double("0x1000000000000000000000"), 0x1p84);
   EXPECT_TRUE(std::signbit(VELAObj::ParleyStr2double("-0")));
+  for (const char* text : {"inf",    "-Infinity", "nan", "NANUM", "-1.23456789e-300",
+                           "-NANUM", "",          "   ", "abc",   "12abc",
+                           "1 2",    "1,5",       "0x",  "0xG",   "0x1.8",
+                           "0x1p3",  "0x-5",      "--5", "+-5",   "+",
+                           "- 5",    "1e",        "."}) {
+    EXPECT_EQ(VELAObj::ParleyStr2double(text), kMissingValue) << text;
+  }
+  EXPECT_EQ(VELAObj::ParleyStr2double(nullptr), kMissingValue);
 }
 
 TEST(NumberText, AgreesWithTheCLibraryOnRandomBits) {

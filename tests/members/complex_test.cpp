@@ -33,17 +33,6 @@ TEST(Complex, PhaseAndMissingParts) {
   }
 }
 
-TEST(Complex, TextForms) {
-  const struct {
-    OneTCcomplex value;
-    const char* text;
-  } cases[] = {{{3, 0}, "3.000000"},           {{0, 2}, "2.000000i"},
-               {{0, 0}, "0.000000"},           {{1, -2}, "1.000000-2.000000i"},
-               {{1, 2}, "1.000000+2.000000i"}, {{kMissingValue, 1}, "NANUM"},
-               {{1, kMissingValue}, "NANUM"}};
-  for (const auto& c : cases) EXPECT_EQ(TextOf(ScalarOf(c.value)), c.text);
-}
-
 TEST(Complex, WrongArgumentCounts) {
   const ObjectRef z = Make(kTypeComplex);
   EXPECT_EQ(Call(z, "Conjugate", 1).status, status::kFailed);

@@ -24,6 +24,15 @@ inline constexpr int kUnicode = 0x4000;
 inline constexpr int kBinary = 0x8000;
 }  // namespace mode
 
+inline std::string Utf16(std::u16string_view text, bool is_big = false) {
+  std::string bytes;
+  for (const char16_t unit : text) {
+    bytes += static_cast<char>(is_big ? unit >> 8 : unit);
+    bytes += static_cast<char>(is_big ? unit : unit >> 8);
+  }
+  return bytes;
+}
+
 // A folder of its own for each test; names are UTF-8.
 class FileTest : public ::testing::Test {
  protected:

@@ -183,14 +183,6 @@ TEST_F(File, TextIsWrittenInAnEncoding) {
 }
 
 TEST_F(File, EncodingsAreDetected) {
-  const auto utf16 = [](std::u16string_view text, bool is_big) {
-    std::string bytes;
-    for (const char16_t unit : text) {
-      bytes += static_cast<char>(is_big ? unit >> 8 : unit);
-      bytes += static_cast<char>(is_big ? unit : unit >> 8);
-    }
-    return bytes;
-  };
   std::string cut(51199, 'a');
   cut += "é and more";  // the sample ends inside a character
   const struct {
@@ -208,10 +200,10 @@ TEST_F(File, EncodingsAreDetected) {
       {"\xFF", 0},
       {"\xFF\xFE\x41", 2},
       {"\xFE\xFF\x41", 3},
-      {utf16(u"x,y\r\n1,2\r\n", false), 2},
-      {utf16(u"x,y\r\n1,2\r\n", true), 3},
-      {utf16(u"Привет, мир и все, кто в нём\n", false), 2},
-      {utf16(u"Привет, мир и все, кто в нём\n", true), 3},
+      {Utf16(u"x,y\r\n1,2\r\n", false), 2},
+      {Utf16(u"x,y\r\n1,2\r\n", true), 3},
+      {Utf16(u"Привет, мир и все, кто в нём\n", false), 2},
+      {Utf16(u"Привет, мир и все, кто в нём\n", true), 3},
       {std::string("\0\0\0\0\1\2\3\xFF", 8), 0},
   };
   for (const auto& c : cases) {

@@ -6,24 +6,6 @@
 namespace vela::testing {
 namespace {
 
-TEST(Scalar, DoublesReadAsIntTruncateAndSaturate) {
-  const struct {
-    double value;
-    int expected;
-  } cases[] = {{3e9, INT32_MAX},          {-3e9, INT32_MIN}, {-2.7, -2},        {2.9, 2},
-               {2147483647.0, INT32_MAX}, {std::nan(""), 0}, {kMissingValue, 0}};
-  const ObjectRef scalar = Make(kTypeDouble);
-  for (const auto& c : cases) {
-    ASSERT_EQ(scalar->SetDouble(c.value), 1);
-    int by_value = -1;
-    int by_code = -1;
-    EXPECT_EQ(scalar->GetInt(by_value), 1);
-    EXPECT_EQ(scalar->GetInt(nullptr, by_code), 0);
-    EXPECT_EQ(by_value, c.expected) << c.value;
-    EXPECT_EQ(by_code, c.expected) << c.value;
-  }
-}
-
 TEST(Scalar, RoundDoubleKeepsTheUnsignedAsymmetry) {
   const ObjectRef unsigned_int = Make(kTypeUnsignedInt);
   EXPECT_EQ(static_cast<unsigned>(unsigned_int->RoundDouble(5e9)), 0xFFFFFFFFu);
@@ -56,16 +38,6 @@ TEST(Scalar, EveryElementTypeStoresEveryOther) {
       }
     }
   });
-}
-
-TEST(Scalar, WideIntegersKeepEveryBit) {
-  const ObjectRef scalar = Make(kTypeUnsignedInt64);
-  const std::uint64_t big = 0xFFFFFFFFFFFFFFFEull;
-  ASSERT_EQ(scalar->SetNumericValue(nullptr, big), 0);
-  std::uint64_t read = 0;
-  ASSERT_EQ(scalar->GetNumericValue(nullptr, read), 0);
-  EXPECT_EQ(read, big);
-  EXPECT_EQ(TextOf(scalar), "18446744073709551614");
 }
 
 TEST(Scalar, ArraysAddressElementsAndRefuseOthers) {
@@ -210,6 +182,7 @@ TEST(Scalar, SixtyFourBitsPassExactly) {
   const ObjectRef y = ScalarOf(std::uint64_t{0});
   EXPECT_EQ(y->Operate2(nullptr, operation::kAssign, tagMSOOBJVECT::Plain(kHigh), 0), 0);
   EXPECT_EQ(ValueOf<std::uint64_t>(y), kHigh);
+  EXPECT_EQ(TextOf(y), "18446744073709551614");
   EXPECT_EQ(y->SetString(nullptr, " 18446744073709551615\n"), 0);
   EXPECT_EQ(ValueOf<std::uint64_t>(y), UINT64_MAX);
   EXPECT_EQ(x->SetString(nullptr, "-9007199254740993"), 0);

@@ -27,15 +27,6 @@ class StdioFile : public FileTest {
   const ObjectRef line_ = StringOf("old");
 };
 
-std::string Utf16(std::u16string_view text, bool is_big = false) {
-  std::string bytes;
-  for (const char16_t unit : text) {
-    bytes += static_cast<char>(is_big ? unit >> 8 : unit);
-    bytes += static_cast<char>(is_big ? unit : unit >> 8);
-  }
-  return bytes;
-}
-
 // What the lines of a text are, the plain way.
 Texts ExpectedLines(std::string_view content, bool keeps_end) {
   Texts lines;

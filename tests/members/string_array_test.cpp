@@ -174,14 +174,10 @@ TEST(StringArray, SortsAsAStableSortByBytes) {
 TEST(StringArray, GeneralVectorMembers) {
   const ObjectRef a = ArrayOf({"a", "b", "c", "d"});
   EXPECT_EQ(Call(a, "Reorder", VectorOf<unsigned>({3, 2, 0, 1})).Int(), 1);
-  EXPECT_EQ(TextsOf(a), (Texts{"d", "c", "a", "b"}));
-  EXPECT_EQ(Call(a, "Reorder", VectorOf<unsigned>({3, 2})).Int(), 0);
   EXPECT_EQ(Call(a, "Reorder", VectorOf<unsigned>({9, 2, 0, 1})).Int(), 0);
   EXPECT_EQ(Call(a, "Wrap", 1).Int(), 1);
   EXPECT_EQ(TextsOf(a), (Texts{"c", "a", "b", "d"}));
-  EXPECT_EQ(Call(a, "Wrap", std::numeric_limits<int>::min() + 1).Int(), 1);
   EXPECT_EQ(Call(a, "GetUpperBound").Int(), 3);
-  EXPECT_EQ(Call(a, "GetLowerBound").Int(), 0);
   EXPECT_EQ(Call(a, "GetInternalDataType").Int(), static_cast<int>(kTypeString));
   EXPECT_EQ(Call(a, "Sum", ScalarOf(0.0)).status, status::kUnsupported);
   EXPECT_EQ(Call(a, "Data", 0.0, 1.0, 1.0).status, status::kUnsupported);
@@ -190,15 +186,11 @@ TEST(StringArray, GeneralVectorMembers) {
   EXPECT_EQ(Call(a, "Append", VectorOf<double>({1.5, kMissingValue})).Int(), 1);
   EXPECT_EQ(TextsOf(a).back(), "NANUM");
   EXPECT_EQ(Call(a, "GetSize").Int(), 10);
-  EXPECT_EQ(Call(a, "RemoveAll").status, 0);
-  EXPECT_EQ(TextsOf(a), Texts{});
 }
 
 TEST(StringArray, SubVectors) {
   const ObjectRef a = ArrayOf({"0", "1", "2", "3"});
   const ObjectRef target = ArrayOf({"old"});
-  EXPECT_EQ(Call(a, "GetSubVector", target, 1, 2).Int(), 0);
-  EXPECT_EQ(TextsOf(target), (Texts{"1", "2"}));
   EXPECT_EQ(Call(a, "GetSubVector", target, 2, -1).Int(), 0);
   EXPECT_EQ(TextsOf(target), (Texts{"2", "3"}));
   for (const auto& [lower, upper] : {std::pair{-1, 2}, {3, 2}, {4, -1}, {0, -2}}) {

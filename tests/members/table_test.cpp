@@ -7,14 +7,14 @@
 namespace vela::testing {
 namespace {
 
-const CClassMember* FindRow(const ObjectRef& object, const char* name) {
+const CClassMember* FindRow(const ObjectRef& object, const std::string& name) {
   CTypeBase* owner = nullptr;
-  return object->FindMember(name, 0, &owner, 0);
+  return object->FindMember(name.c_str(), 0, &owner, 0);
 }
 
 struct Chain {
   unsigned type_word;
-  std::vector<std::vector<const char*>> tables;
+  std::vector<Names> tables;
 };
 
 std::vector<Chain> Chains() {
@@ -56,12 +56,12 @@ TEST(Tables, EveryChainHoldsItsRowsInOrder) {
     std::set<std::string> seen;
     for (const auto& table : chain.tables) {
       const CClassMember* previous = nullptr;
-      for (const char* name : table) {
+      for (const std::string& name : table) {
         // A name of an earlier table hides this row, and breaks the run of adjacent rows.
         const bool hidden = !seen.insert(name).second;
         const CClassMember* row = FindRow(object, name);
         ASSERT_NE(row, nullptr) << name;
-        EXPECT_STREQ(row->GetName(), name);
+        EXPECT_EQ(row->GetName(), name);
         if (hidden) {
           previous = nullptr;
           continue;
@@ -83,7 +83,7 @@ TEST(Tables, PropertiesAreTheNamedOnes) {
   for (const Chain& chain : Chains()) {
     const ObjectRef object = Make(chain.type_word);
     for (const auto& table : chain.tables) {
-      for (const char* name : table) {
+      for (const std::string& name : table) {
         EXPECT_EQ(FindRow(object, name)->IsProperty(), properties.contains(name)) << name;
       }
     }

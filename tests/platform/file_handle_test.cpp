@@ -216,26 +216,6 @@ TEST_F(FileHandleTest, AMoveToAnotherDiskIsAllOrNothing) {
   fs::remove(other);
 }
 
-TEST_F(FileHandleTest, PipesAreRefusedWithoutWaiting) {
-  const std::string path = PathOf("pipe");
-  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-  FileHandle file;
-  EXPECT_EQ(file.Open(path, kRead), FileCause::kInvalidFile);
-  EXPECT_EQ(file.Open(path, {.access = FileAccess::kWrite}), FileCause::kInvalidFile);
-  EXPECT_EQ(file.Open(path, kUpdate), FileCause::kInvalidFile);
-}
-
-TEST_F(FileHandleTest, AFullDeviceIsAFullDisk) {
-  FileHandle file;
-  ASSERT_EQ(file.Open("/dev/full", {.access = FileAccess::kWrite}), FileCause::kNone);
-  std::size_t done = 0;
-  EXPECT_EQ(file.Write("x", 1, done), FileCause::kDiskFull);
-  FileStream stream;
-  stream.Attach(file, {});
-  EXPECT_EQ(stream.Write("x", 1, done), FileCause::kNone) << "buffered";
-  EXPECT_EQ(stream.Flush(), FileCause::kDiskFull);
-  EXPECT_EQ(stream.Detach(), FileCause::kDiskFull) << "what is lost is told again";
-}
 #endif
 
 TEST_F(FileHandleTest, StreamsMixReadingAndWriting) {

@@ -7,78 +7,38 @@
 #include <vector>
 
 #include "tesselc/diagnostic.h"
+#include "tests/members/member_names.h"
 #include "tests/runner/tree_printer.h"
 
 namespace tesselc {
 namespace {
 
-// Every name the library answers to, type by type, in the order of its tables.
+using namespace vela::testing;
+
 struct Table {
   const char* type;
   const char* base;
-  const char* names;
+  Names names;
 };
-constexpr Table kTables[] = {
-    {"string", "",
-     "Delete Write WriteLine Format GetLength TrimLeft TrimRight Left Right CompareNoCase Compare "
-     "Find ReverseFind Insert MakeLower MakeUpper Mid GetAt SetAt GetToken GetNumTokens GetTokens "
-     "SetTokens FindToken MakeValidCName IsEmpty Empty SpanIncluding SpanExcluding Replace Remove "
-     "FindOneOf GetBufferSetLength GetBuffer ReleaseBuffer FreeExtra LockBuffer UnlockBuffer Match "
-     "IsPath IsFile GetBytes SetBytes Count SetUTF16 Shorten"},
-    {"StringArray", "vectorbase",
-     "Add SetAtGrow InsertAt RemoveAt FindDuplicates Find Replace InsertValue"},
-    {"_VARIANT", "",
-     "vt GetSubVariant CreateAsArray SetOneVariantInArray GetNumDimensions GetSize SetHWND"},
-    {"complex", "", "Conjugate m_re m_im GetPhase GetAmplitude"},
-    {"file", "",
-     "Open Close Seek SeekToBegin SeekToEnd Write Read GetPosition GetLastError Rename Remove "
-     "Flush "
-     "GetHandle ReadInt WriteInt ReadFloat WriteFloat IsOpen GetLength SetWriteEncoding WriteBOM "
-     "DetectEncode"},
-    {"stdioFile", "file",
-     "Open Close Seek SeekToBegin SeekToEnd Write Read GetPosition GetLastError Rename Remove "
-     "Flush "
-     "WriteString ReadString CheckUniCodeBOM SetUniCodeType Scan"},
-    {"vectorbase", "",
-     "SetSize GetSize Append Sort Reorder Sum GetMinMax Difference FrequencyCount GetBytes "
-     "SetBytes "
-     "GetParleyVectorValue SetParleyVectorValue GetInternalDataType Data Uniform Normal Wrap "
-     "IsValid GetSubVector SetSubVector SetUpperBound SetLowerBound GetDataAsOneDimensionalArray "
-     "GetAs1DArray Find GetAs2DArray Average GetReal GetImaginary GetAmplitude GetPhase Conjugate "
-     "MakeComplex GetUpperBound GetLowerBound RemoveAll GetSourceRange HasX AttachX GetRectPoints "
-     "GetName Update TrimLeft TrimRight Trim CopyX CopyData Replace UpdateRowColRanges InsertValue "
-     "GetSourceDataRange GetOutputComment SetOutputComment Abs CopySourceDataRange Pattern Merge "
-     "Product"},
-    {"vector", "vectorbase",
-     "GetDataAsOneDimensionalArrayOfVariants Add SetAtGrow InsertAt RemoveAt"},
-    {"Dataset", "vector",
-     "Attach Detach SetText GetText GetStringArray PutStringArray GetMask SetMask GetName Append "
-     "Update Create Destroy TrimLeft TrimRight GetSize PushUndo"},
-    {"Curve", "Dataset", "HasX AttachX Attach Sort GetRectPoints SetXBounds ConstructInit"},
-    {"Categorical", "Dataset", "Attach Map Group"},
-    {"point", "", "x y z"},
-    {"fpoint", "", "x y z"},
-    {"fpoint3d", "", "x y z"},
-    {"matrixbase", "",
-     "SetSize GetNumRows GetNumCols ApplyFilter MedianFilter FlipHorizontal Rotate FlipVertical "
-     "ReplaceGreaterThan ReplaceLessThan SetColumn GetColumn SetRow GetRow Reorder Transpose "
-     "GetAsVector SetByVector DotMultiply DotDivide DotPower Sort GetMax GetMin GetMedian GetMean "
-     "RemoveEmptyRows Shrink GetSubMatrix SetSubMatrix CopyTo CopyFrom ImDilate ImErode ImOpen "
-     "ImClose Replace CopyFromWks GetReal GetImaginary GetPhase GetAmplitude Inverse Conjugate "
-     "MakeComplex SumColumns Concatenate FFTShift IFFTShift FreqFilter DuplicateBlock "
-     "GetLowerTriangular GetUpperTriangular MakeIdentity CastToInteger CastToDouble GetDiagonal "
-     "SetDiagonal Ceil Floor Fix Round AllNonZero AnyNonZero Cross Difference CumulativeSum "
-     "CumulativeProduct Padding GetAs2DArray SetByArrayInVariant PutRecordset NANtoValue Wrap Find "
-     "GetSourceDim ReorderRowWise ReorderColWise GetInternalDataType"},
-    {"matrix", "matrixbase", ""},
-    {"MatrixObject", "matrixbase",
-     "Attach Detach GetXMin GetYMin GetXMax GetYMax SetXMin SetYMin SetXMax SetYMax IsValid Update "
-     "GetXValue GetYValue SetCellValue GetCellValue SetZRangeUpdate SetZRange GetZRange GetName "
-     "ImageLinesProfile GetInterpolatedValue"},
-    {"Picture", "",
-     "CreateFromBitmap CreateFromMetafile CreateFromEnhMetafile CreateFromIcon Render Load "
-     "GetWidth "
-     "GetHeight"},
+const Table kTables[] = {
+    {"string", "", kStringNames},
+    {"StringArray", "vectorbase", Words("Find Replace InsertValue")},
+    {"_VARIANT", "", kVariantNames},
+    {"complex", "", kComplexNames},
+    {"file", "", kFileNames},
+    {"stdioFile", "file", kStdioNames},
+    {"vectorbase", "", kVectorNames},
+    {"vector", "vectorbase", kTypedVectorNames},
+    {"Dataset", "vector", kDatasetNames},
+    {"Curve", "Dataset", kCurveNames},
+    {"Categorical", "Dataset", kCategoricalNames},
+    {"point", "", kPointNames},
+    {"fpoint", "", kPointNames},
+    {"fpoint3d", "", kPointNames},
+    {"matrixbase", "", kMatrixNames},
+    {"matrix", "matrixbase", {}},
+    {"MatrixObject", "matrixbase", kMatrixObjectNames},
+    {"Picture", "", kPictureNames},
 };
 
 TEST(Catalogue, NamesEveryMember) {
@@ -87,13 +47,15 @@ TEST(Catalogue, NamesEveryMember) {
     const CatalogueClass* found = catalogue.FindClass(table.type);
     ASSERT_NE(found, nullptr) << table.type;
     EXPECT_EQ(found->base, table.base) << table.type;
-    std::vector<std::string> declared;
+    Names declared;
     for (const CatalogueMember& member : found->members) {
       const bool is_known = std::count(declared.begin(), declared.end(), member.name) > 0;
       if (!is_known) declared.push_back(member.name);
     }
-    std::istringstream names(table.names);
-    std::vector<std::string> expected(std::istream_iterator<std::string>{names}, {});
+    Names expected = table.names;
+    if (found->name == "StringArray") {
+      expected.insert(expected.end(), kStringArrayNames.begin(), kStringArrayNames.end());
+    }
     std::sort(declared.begin(), declared.end());
     std::sort(expected.begin(), expected.end());
     EXPECT_EQ(declared, expected) << table.type;

@@ -195,32 +195,18 @@ TEST(Grammar, GivesEveryNodeItsPlace) {
 }
 
 TEST(Prompt, TellsIncompleteFromWrong) {
-  struct PromptCase {
-    const char* text;
-    bool ok;
-    bool incomplete;
+  const auto expect = [](const std::vector<const char*>& texts, bool ok, bool incomplete) {
+    for (const char* text : texts) {
+      SourceSet sources;
+      const ParseResult result = ParsePrompt(sources, sources.Add("prompt", text));
+      EXPECT_EQ(result.ok(), ok) << text;
+      EXPECT_EQ(result.incomplete, incomplete) << text;
+    }
   };
-  for (const PromptCase& c : std::vector<PromptCase>{
-           {"", true, false},
-           {"1+2", true, false},
-           {"int x = 1; x // echo", true, false},
-           {"if (a) {", false, true},
-           {"if (a)", false, true},
-           {"f(1,", false, true},
-           {"1 +", false, true},
-           {"vector v = {1, 2", false, true},
-           {"double f(int a", false, true},
-           {"/* what", false, true},
-           {"\"what", false, false},
-           {"1 + )", false, false},
-           {"foo bar", false, false},
-           {"}", false, false},
-       }) {
-    SourceSet sources;
-    const ParseResult result = ParsePrompt(sources, sources.Add("prompt", c.text));
-    EXPECT_EQ(result.ok(), c.ok) << c.text;
-    EXPECT_EQ(result.incomplete, c.incomplete) << c.text;
-  }
+  expect({"", "1+2", "int x = 1; x // echo"}, true, false);
+  expect({"if (a) {", "if (a)", "f(1,", "1 +", "vector v = {1, 2", "double f(int a", "/* what"},
+         false, true);
+  expect({"\"what", "1 + )", "foo bar", "}"}, false, false);
   SourceSet sources;
   EXPECT_EQ(ToText(ParsePrompt(sources, sources.Add("prompt", "a; b")).program), "a b?");
 }

@@ -1,6 +1,7 @@
 #include <chrono>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tesselc/parser.h"
@@ -120,33 +121,38 @@ TEST(Nesting, IsLimitedEverywhere) {
     const char* back;
     std::size_t fits;
   };
-  const std::vector<Case> cases = {
+  std::vector<Case> cases = {
       {"x = ", "(", "1", ")", ";", 499},
-      {"x = ", "-", "1", "", ";", 498},
-      {"x = ", "!", "1", "", ";", 498},
-      {"x = ", "(int)", "1", "", ";", 498},
-      {"x = ", "((int)", "1", ")", ";", 498},
-      {"x = ", "int(", "1", ")", ";", 498},
-      {"x = ", "f(", "1", ")", ";", 498},
-      {"x = ", "v.f(", "1", ")", ";", 498},
-      {"x = ", "a[", "1", "]", ";", 498},
+      {"matrix m = ", "{", "1", "}", ";", 499},
+      {"", "a=", "1", "", ";", 499},
+      {"", "{", "", "}", "", 199},
+      {"", "if (a) {} else {", "", "}", "", 99},
       {"x = a", "[1]", "", "", ";", 498},
       {"x = a", ".b", "", "", ";", 498},
       {"x = a", "++", "", "", ";", 498},
-      {"x = ", "2^", "2", "", ";", 498},
-      {"", "a=", "1", "", ";", 499},
-      {"x = ", "a?b:", "c", "", ";", 498},
-      {"x = ", "a?", "b", ":c", ";", 498},
-      {"matrix m = ", "{", "1", "}", ";", 499},
-      {"", "{", "", "}", "", 199},
-      {"", "if (a) ", ";", "", "", 199},
-      {"", "if (a) {} else {", "", "}", "", 99},
-      {"", "while (a) ", ";", "", "", 199},
-      {"", "do ", ";", " while (a);", "", 199},
-      {"", "for (;;) ", ";", "", "", 199},
-      {"", "for (int i : v) ", ";", "", "", 199},
-      {"", "switch (a) { case 1: ", ";", "}", "", 199},
   };
+  using Pairs = std::vector<std::pair<const char*, const char*>>;
+  for (const auto& [opening, closing] : Pairs{{"-", ""},
+                                              {"!", ""},
+                                              {"(int)", ""},
+                                              {"((int)", ")"},
+                                              {"int(", ")"},
+                                              {"f(", ")"},
+                                              {"v.f(", ")"},
+                                              {"a[", "]"},
+                                              {"2^", ""},
+                                              {"a?b:", ""},
+                                              {"a?", ":c"}}) {
+    cases.push_back({"x = ", opening, "1", closing, ";", 498});
+  }
+  for (const auto& [opening, closing] : Pairs{{"if (a) ", ""},
+                                              {"while (a) ", ""},
+                                              {"do ", " while (a);"},
+                                              {"for (;;) ", ""},
+                                              {"for (int i : v) ", ""},
+                                              {"switch (a) { case 1: ", "}"}}) {
+    cases.push_back({"", opening, ";", closing, "", 199});
+  }
   for (const Case& c : cases) {
     const auto script = [&c](std::size_t depth) {
       return c.front + Repeat(c.opening, depth) + c.middle + Repeat(c.closing, depth) + c.back;
