@@ -3,6 +3,7 @@
 # the same headers. g++ cannot align the stack of that target for vectors of more than 16 bytes.
 #   mingw-clang.sh G++ ARGUMENT...
 set -eu
+case " $* " in *" -fopenmp "*) exec "$@" ;; esac  # its header is g++'s own
 headers=$("$1" -print-file-name=include)
 target=$("$1" -dumpmachine)
 shift
