@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 #include <new>
 
+#include "frame/interface/missing_value.h"
 #include "frame/interface/type_words.h"
+#include "host/call_frame.h"
 #include "host/object_ref.h"
 
 #if !defined(_WIN32)
@@ -72,6 +74,27 @@ TEST(Library, LoadsAndAnswersWithoutMemory) {
   ASSERT_TRUE(vector);
   CTypeBase* owner = nullptr;
   EXPECT_NE(vector->FindMember("Sum", 0, &owner, 0), nullptr);
+
+  // A sort that has no memory for the positions changes nothing, missing values included.
+  const double values[] = {3, kMissingValue, 1};
+  ASSERT_EQ(vector->InitalizeFromMemory(values, 3), 0);
+  const vela::host::ObjectRef positions(library.Create(kTypeUnsignedInt | kFlagVector));
+  const CClassMember* const sort = vector->FindMember("Sort", 0, &owner, 0);
+  vela::host::CallFrame frame;
+  frame.AddInt(1);
+  frame.AddInt(1);
+  frame.AddObject(positions.Get());
+  frame.AddInt(0);
+  memory_is_out = true;
+  const int status = owner->DoMethod(sort->GetHandler(), &frame);
+  memory_is_out = false;
+  EXPECT_EQ(status, status::kCannotResize);
+  for (int i = 0; i < 3; ++i) {
+    double value = 0;
+    const MSOINDICES at = MSOINDICES::Element(i);
+    vector->GetDouble(&at, value);
+    EXPECT_EQ(value, values[i]);
+  }
 }
 #endif
 

@@ -25,11 +25,14 @@ TEST(Complex, PhaseAndMissingParts) {
     OneTCcomplex value;
     double phase;
   } cases[] = {{{-1, 0}, std::numbers::pi},
+               {{-1, -0.0}, std::numbers::pi},
                {{kMissingValue, 1}, kMissingValue},
                {{1, kMissingValue}, kMissingValue},
                {{0, 2}, std::numbers::pi / 2}};
   for (const auto& c : cases) {
     EXPECT_EQ(Call(ScalarOf(c.value), "GetPhase").real, c.phase);
+    const bool is_missing = c.phase == kMissingValue;
+    EXPECT_EQ(Call(ScalarOf(c.value), "GetAmplitude").real == kMissingValue, is_missing);
   }
 }
 

@@ -16,6 +16,7 @@ TEST(Data, SequencesEndWhereTheyShould) {
       {0, 1, 0, 0, {9, 9}},
       {3, 1, -1, 1, {3, 2, 1}},
       {1, 3, -1, 0, {}},
+      {0, -kInf, 1, 0, {}},
       {-1, kM, 1, 1, {-1}},  // an end point that is missing as an element goes
   };
   for (const auto& c : cases) {
