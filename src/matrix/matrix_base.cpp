@@ -91,6 +91,13 @@ const CClassMember kMatrixMembers[] = {
 
 }  // namespace
 
+const CRuntimeClass* TCAllMatrixNonTemplBase::GetRuntimeClass() const {
+  static const CRuntimeClass runtime_class{"TCAllMatrixNonTemplBase",
+                                           sizeof(TCAllMatrixNonTemplBase),
+                                           TCAllTensorsBase::GetRuntimeClass()};
+  return &runtime_class;
+}
+
 const CClassMember* TCAllMatrixNonTemplBase::MemberTable() { return kMatrixMembers; }
 
 int TCAllMatrixNonTemplBase::GetString(CStringUTF8& text) {

@@ -5,6 +5,7 @@
 
 #include "frame/container/tensors_base.h"
 #include "frame/member/table.h"
+#include "frame/runtime_class.h"
 
 class TCAllMatrixNonTemplBase
     : public vela::member::WithMembers<TCAllMatrixNonTemplBase, TCAllTensorsBase> {
@@ -12,6 +13,7 @@ class TCAllMatrixNonTemplBase
   explicit TCAllMatrixNonTemplBase(unsigned type_word) { InitTypeIDs(type_word); }
 
   using TCAllTensorsBase::GetString;
+  const CRuntimeClass* GetRuntimeClass() const override;
   const char* GetTCTypeName() const override { return "matrixbase"; }
   static const CClassMember* MemberTable();
   int GetString(CStringUTF8& text) override;
@@ -32,6 +34,12 @@ class TCOMatrixBase : public vela::member::WithMembers<TCOMatrixBase<T>, TCAllMa
  public:
   explicit TCOMatrixBase(unsigned type_id) : Base((type_id & kTypeIdMask) | kFlagMatrixObject) {}
 
+  const CRuntimeClass* GetRuntimeClass() const override {
+    static constexpr auto kName = vela::TemplateName<T>("TCOMatrixBase");
+    static const CRuntimeClass runtime_class{kName.data(), sizeof(TCOMatrixBase),
+                                             Base::GetRuntimeClass()};
+    return &runtime_class;
+  }
   static const CClassMember* MemberTable() {
     return vela::member::TypeTable<TCOMatrixBase>::Rows();
   }

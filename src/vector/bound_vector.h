@@ -21,6 +21,12 @@ class TCOVectorBase : public vela::member::WithMembers<TCOVectorBase<T>, TCAllVe
   explicit TCOVectorBase(unsigned type_id, unsigned flag = kFlagDataset)
       : Base((type_id & kTypeIdMask) | flag) {}
 
+  const CRuntimeClass* GetRuntimeClass() const override {
+    static constexpr auto kName = vela::TemplateName<T>("TCOVectorBase");
+    static const CRuntimeClass runtime_class{kName.data(), sizeof(TCOVectorBase),
+                                             Base::GetRuntimeClass()};
+    return &runtime_class;
+  }
   static const CClassMember* MemberTable() {
     return vela::member::TypeTable<TCOVectorBase>::Rows();
   }
@@ -49,6 +55,12 @@ class TCCurve : public vela::member::WithMembers<TCCurve<T>, TCOVectorBase<T>> {
  public:
   explicit TCCurve(unsigned type_id) : Base(type_id, kFlagCurve) {}
 
+  const CRuntimeClass* GetRuntimeClass() const override {
+    static constexpr auto kName = vela::TemplateName<T>("TCCurve");
+    static const CRuntimeClass runtime_class{kName.data(), sizeof(TCCurve),
+                                             Base::GetRuntimeClass()};
+    return &runtime_class;
+  }
   static const CClassMember* MemberTable() { return vela::member::TypeTable<TCCurve>::Rows(); }
   static std::initializer_list<CClassMember> MemberRows() { return vela::CurveRows(); }
 };
@@ -65,6 +77,7 @@ class TCOlccomplexVector
 
  public:
   using Base::Base;
+  const CRuntimeClass* GetRuntimeClass() const override;
   static const CClassMember* MemberTable();
 };
 
@@ -74,6 +87,12 @@ class tcCategoricalData : public vela::member::WithMembers<tcCategoricalData<T>,
 
  public:
   explicit tcCategoricalData(unsigned type_id) : Base(type_id, kFlagCategorical) {}
+  const CRuntimeClass* GetRuntimeClass() const override {
+    static constexpr auto kName = vela::TemplateName<T>("tcCategoricalData");
+    static const CRuntimeClass runtime_class{kName.data(), sizeof(tcCategoricalData),
+                                             Base::GetRuntimeClass()};
+    return &runtime_class;
+  }
   static const CClassMember* MemberTable() {
     return vela::member::TypeTable<tcCategoricalData>::Rows();
   }

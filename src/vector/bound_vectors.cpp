@@ -38,4 +38,10 @@ const CClassMember kComplexDatasetMembers[] = {Unbuilt("Attach"), Unbuilt("Creat
 
 }  // namespace
 
+const CRuntimeClass* TCOlccomplexVector::GetRuntimeClass() const {
+  static const CRuntimeClass runtime_class{"TCOlccomplexVector", sizeof(TCOlccomplexVector),
+                                           Base::GetRuntimeClass()};
+  return &runtime_class;
+}
+
 const CClassMember* TCOlccomplexVector::MemberTable() { return kComplexDatasetMembers; }

@@ -102,6 +102,10 @@ TEST(Random, SeedsRepeatAndDiffer) {
   Call(by_int, "Uniform", 3, 2);
   EXPECT_EQ(Call(v, "Uniform", 3, ScalarOf<short>(2)).Int(), 1);
   EXPECT_EQ(ValuesOf<double>(v), ValuesOf<double>(by_int));
+  // The last of these is so near to 1 that a float would round it there.
+  const ObjectRef floats = Make(kTypeFloat | kFlagVector);
+  EXPECT_EQ(Call(floats, "Uniform", 132'054, 16).Int(), 1);
+  EXPECT_EQ(ValuesOf<float>(floats).back(), std::nextafter(1.0f, 0.0f));
   // The values do not depend on the blocks in which other element types are filled.
   const ObjectRef complex = Make(kTypeComplex | kFlagVector),
                   real = Make(kTypeDouble | kFlagVector);

@@ -211,6 +211,23 @@ TEST(LentBuffer, GuardedInDebugMode) {
   EXPECT_EQ(v->GetBufferMSOEx(nullptr, kTypeShort, nullptr), status::kBadArguments);
 }
 
+TEST(RuntimeClass, NamesTheClass) {
+  const struct {
+    unsigned type_word;
+    const char* name;
+  } cases[] = {{kTypeVectorBase, "TCAllVectorNonTemplBase"},
+               {kTypeMatrixBase, "TCAllMatrixNonTemplBase"},
+               {kTypeDouble, "TCNumericBase<double>"},
+               {kTypeFloat | kFlagDataset, "TCOVectorBase<float>"},
+               {kTypeComplex | kFlagDataset, "TCOlccomplexVector"},
+               {kTypeInt | kFlagCurve, "TCCurve<int>"},
+               {kTypeCategorical, "tcCategoricalData<int>"},
+               {kTypeDouble | kFlagMatrixObject, "TCOMatrixBase<double>"}};
+  for (const auto& c : cases) {
+    EXPECT_STREQ(Make(c.type_word)->GetRuntimeClass()->m_lpszClassName, c.name);
+  }
+}
+
 TEST(MemoryImage, FillsFromAnyAddress) {
   ForEachElementType([]<class T>() {
     SCOPED_TRACE(kElement<T>.name);
