@@ -99,8 +99,8 @@ class VELAHOST_API CScriptVelaObject : public CTypeBase {
   virtual int SetSourceCTKRange(const MSOINDICES* at, const void* range);
   virtual int SetPtrArgForCOMEventHandlingFromWrongVariantType(const MSOINDICES* at,
                                                                VARIANT* value);
-  // Lend the data to external code. Ex: as elements of the given type id, converted into a buffer
-  // of the object's own when it differs. Every lent buffer is returned with ReleaseBufferMSO.
+  // Lend the data to external code. Ex: as elements of the given type id, which vectors convert in
+  // a buffer of their own when it differs, and back. A lent buffer goes to ReleaseBufferMSO.
   virtual int GetBufferMSOEx(const MSOINDICES* at, unsigned element_type, void** buffer);
   virtual int GetBufferMSO(const MSOINDICES* at, void** buffer);
   virtual int ReleaseBufferMSO(const MSOINDICES* at, void* buffer);
