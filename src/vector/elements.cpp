@@ -19,41 +19,13 @@ using vela::Layer;
 using vela::LayerElements;
 using vela::SimpleElement;
 using vela::WithElements;
+using vela::WithWords;
 using vela::kernel::IndexRun;
 using vela::member::Arguments;
 using vela::member::Check;
 namespace kernel = vela::kernel;
 
 namespace {
-
-// Elements of one width move alike, whatever they mean.
-template <std::size_t kWidth>
-struct [[gnu::may_alias]] Word {
-  std::byte bytes[kWidth];
-};
-
-template <class F>
-void WithWords(const ElementSpan& x, F&& f) {
-  const auto with = [&]<std::size_t kWidth>() {
-    f(std::span(static_cast<Word<kWidth>*>(x.data), x.size));
-  };
-  switch (vela::ElementWidth(x.type_id)) {
-    case 1:
-      return with.template operator()<1>();
-    case 2:
-      return with.template operator()<2>();
-    case 4:
-      return with.template operator()<4>();
-    case 8:
-      return with.template operator()<8>();
-    case sizeof(OneTCcomplex):
-      return with.template operator()<sizeof(OneTCcomplex)>();
-    case sizeof(Point3D):
-      return with.template operator()<sizeof(Point3D)>();
-    default:
-      vela::member::Fail(status::kUnsupported);
-  }
-}
 
 // Calls sort(values, indices) for what is not missing; the missing values go to the asked end.
 // indices, when not empty, follow the elements.

@@ -11,6 +11,7 @@
 
 #include "frame/element_types.h"
 #include "frame/member/arguments.h"
+#include "kernel/word.h"
 
 namespace vela {
 
@@ -94,6 +95,29 @@ auto WithElements(const BasicElementSpan<Memory>& x, F&& f) {
           result = f(elements);
         });
     return result;
+  }
+}
+
+// Calls f with the elements as a std::span of words of their width, for what moves elements
+// whatever they mean.
+template <class Memory, class F>
+void WithWords(const BasicElementSpan<Memory>& x, F&& f) {
+  const auto with = [&]<std::size_t kWidth>() { f(x.template As<kernel::Word<kWidth>>()); };
+  switch (ElementWidth(x.type_id)) {
+    case 1:
+      return with.template operator()<1>();
+    case 2:
+      return with.template operator()<2>();
+    case 4:
+      return with.template operator()<4>();
+    case 8:
+      return with.template operator()<8>();
+    case sizeof(OneTCcomplex):
+      return with.template operator()<sizeof(OneTCcomplex)>();
+    case sizeof(Point3D):
+      return with.template operator()<sizeof(Point3D)>();
+    default:
+      member::Fail(status::kUnsupported);
   }
 }
 
