@@ -48,19 +48,56 @@ void MultiplyDoubles(MatrixSpan<const double> a, MatrixSpan<const double> b,
   Transposed<View>(out).noalias() = Transposed<ConstView>(b) * Transposed<ConstView>(a);
 }
 
-bool SolveDoubles(MatrixSpan<const double> a, MatrixSpan<const double> b, MatrixSpan<double> out) {
-  if (out.IsEmpty()) return true;
-  Matrix lu = Transposed<ConstView>(b);
-  if (!Eigen::numext::isfinite(lu.cwiseAbs().maxCoeff<Eigen::PropagateNaN>())) return false;
+bool IsFinite(const Matrix& x) {
+  return Eigen::numext::isfinite(x.cwiseAbs().maxCoeff<Eigen::PropagateNaN>());
+}
+
+// Calls solve(decomposition) with that of x, unless x is not finite or singular.
+template <class Solve>
+bool WithDecomposition(MatrixSpan<const double> x, Solve solve) {
+  Matrix lu = Transposed<ConstView>(x);
+  if (!IsFinite(lu)) return false;
   Eigen::Ref<Matrix> in_place(lu);
   const Decomposition decomposition(in_place);
   if (IsSingular(lu)) return false;
-  Transposed<View>(out) = decomposition.solve(Transposed<ConstView>(a));
+  solve(decomposition);
+  return true;
+}
+
+// The solution for right sides that the row exchanges have been made in.
+template <class Sides>
+void SolveInPlace(const Decomposition& decomposition, Sides& sides) {
+  decomposition.matrixLU().triangularView<Eigen::UnitLower>().solveInPlace(sides);
+  decomposition.matrixLU().triangularView<Eigen::Upper>().solveInPlace(sides);
+}
+
+bool SolveDoubles(MatrixSpan<const double> a, MatrixSpan<const double> b, MatrixSpan<double> out) {
+  if (b.IsEmpty()) return true;
+  return WithDecomposition(b, [&](const Decomposition& decomposition) {
+    const auto from = Transposed<ConstView>(a);
+    auto to = Transposed<View>(out);
+    const auto& target = decomposition.permutationP().indices();
+    for (Eigen::Index col = 0; col < to.cols(); ++col) {
+      for (Eigen::Index row = 0; row < to.rows(); ++row) to(target[row], col) = from(row, col);
+    }
+    SolveInPlace(decomposition, to);
+  });
+}
+
+bool InvertDoubles(MatrixSpan<double> x) {
+  if (x.IsEmpty()) return true;
+  Matrix inverse;
+  const auto solve = [&inverse](const Decomposition& decomposition) {
+    inverse = decomposition.permutationP();
+    SolveInPlace(decomposition, inverse);
+  };
+  if (!WithDecomposition(x, solve) || !IsFinite(inverse)) return false;
+  Transposed<View>(x) = inverse;
   return true;
 }
 
 }  // namespace
 
-constinit const DoubleAlgebra VELA_DOUBLE_ALGEBRA = {MultiplyDoubles, SolveDoubles};
+constinit const DoubleAlgebra VELA_DOUBLE_ALGEBRA = {MultiplyDoubles, SolveDoubles, InvertDoubles};
 
 }  // namespace vela::kernel

@@ -13,6 +13,8 @@ struct DoubleAlgebra {
   /// Throws std::bad_alloc before out is written.
   bool (*solve_right)(MatrixSpan<const double> a, MatrixSpan<const double> b,
                       MatrixSpan<double> out);
+  /// Replaces x by its inverse; false, with x untouched, for such an x or inverse. Throws as above.
+  bool (*invert)(MatrixSpan<double> x);
 };
 
 extern const DoubleAlgebra kDoubleAlgebraSse4;

@@ -96,6 +96,7 @@ struct DoubleForm<Complex> {
   }
 };
 
+std::span<const float> Numbers(std::span<const float> x) { return x; }
 std::span<const double> Numbers(std::span<const double> x) { return x; }
 std::span<const double> Numbers(std::span<const Complex> x) {
   return {reinterpret_cast<const double*>(x.data()), 2 * x.size()};
@@ -150,14 +151,6 @@ Matrix<T> Identity(std::size_t size) {
   return identity;
 }
 
-bool AllFinite(std::span<const double> x) {
-  return std::ranges::all_of(x, [](double value) { return std::isfinite(value); });
-}
-bool AllFinite(std::span<const float> x) {
-  return std::ranges::all_of(x, [](float value) { return std::isfinite(value); });
-}
-bool AllFinite(std::span<const Complex> x) { return AllFinite(Numbers(x)); }
-
 }  // namespace
 
 template <class T>
@@ -194,11 +187,16 @@ bool SolveRight(MatrixSpan<const T> a, MatrixSpan<const T> b, MatrixSpan<T> out)
 
 template <class T>
 bool Invert(MatrixSpan<T> x) {
-  Matrix<T> inverse(x.rows, x.cols);
-  if (!SolveRight<T>(Identity<T>(x.rows), x, inverse)) return false;
-  if (!AllFinite(inverse.Values())) return false;
-  std::ranges::copy(inverse.Values(), x.data);
-  return true;
+  if constexpr (std::same_as<T, double>) {
+    return !HoldsMissing<double>(x.Values()) && Doubles().invert(x);
+  } else {
+    Matrix<T> inverse(x.rows, x.cols);
+    if (!SolveRight<T>(Identity<T>(x.rows), x, inverse)) return false;
+    const auto is_finite = [](auto number) { return std::isfinite(number); };
+    if (!std::ranges::all_of(Numbers(inverse.Values()), is_finite)) return false;
+    std::ranges::copy(inverse.Values(), x.data);
+    return true;
+  }
 }
 
 template <class T>
