@@ -34,6 +34,7 @@ vela_header_library(utf8cpp libutfcpp-dev utf8.h utf8)
 vela_header_library(fast_float libfast-float-dev fast_float)
 # Its headers alone: the compiled part of Highway exists for Linux only, and the kernels do without.
 vela_header_library(hwy libhwy-dev hwy)
+vela_header_library(eigen libeigen3-dev eigen3)
 
 if(NOT WIN32)
   find_package(PkgConfig REQUIRED)

@@ -11,7 +11,6 @@
 #include "frame/container/tensors_base.h"
 #include "frame/member/arguments.h"
 #include "frame/member/table.h"
-#include "frame/value_access.h"
 #include "kernel/removal.h"
 
 namespace vela {
@@ -26,12 +25,8 @@ struct ArrayLayout;
 // to the kernel for their type, or ends with status 12291 where no kernel serves it. What numbers
 // and texts have in common as lists is written over the list operations, which a class of other
 // elements than numbers replaces.
-//
-// An operation of the host addresses element at->element of row at->ObjectIndex(): status 2 for a
-// row that cannot be resolved, 28 outside the rows or elements, 290 for a negative element.
 class TCAllVectorNonTemplBase
-    : public vela::member::WithMembers<
-          TCAllVectorNonTemplBase, vela::ValueAccess<TCAllVectorNonTemplBase, TCAllTensorsBase>> {
+    : public vela::member::WithMembers<TCAllVectorNonTemplBase, TCAllTensorsBase> {
   using Base = WithMembers;
 
  public:
@@ -124,57 +119,25 @@ class TCAllVectorNonTemplBase
 
   // "double(10)" for the whole vector (points: "{Vector <point>}"), else the text of the element.
   int GetString(CStringUTF8& text) override;
-  int GetString(const MSOINDICES* at, CStringUTF8& text) override;
-  int SetString(const MSOINDICES* at, const char* text) override;
-  int IsSameTypeAndMemoryModel(const CScriptVelaObject* other) const override;
-  unsigned GetTypeIDCheckIndex(const MSOINDICES* at) override;
-  int GetArraySize() const override { return LayerCount(); }
   void* GetArrayElement(const MSOINDICES* at, int index) override;
   int GetUpperBound(const MSOINDICES* at, int& upper) override;
-  int IsValidElement(const MSOINDICES* at) override;
   int SetVectorDimension(const MSOINDICES* at, int size) override;
   int GetDisplayElement(CStringUTF8& text, int index) override;
-  int GetDisplayElementEx(CStringUTF8& text, const MSOINDICES* at) override;
   int GetDisplaySize(int& rows, int& cols) override;
   int GetDisplaySizeEx(const MSOINDICES* at, int& rows, int& cols) override;
   // Row 0 becomes the count elements in memory.
   int InitalizeFromMemory(const void* memory, int count) override;
-  int GetValueToBuffer(void* buffer, unsigned size, const MSOINDICES* at) override;
-  // Address of row 0's elements; status 13702 when they are not one buffer.
-  int GetExternalData(void** address) override;
-  // Every row becomes empty.
-  int ResetValue() override;
-  // Bytes of the addressed row.
-  unsigned GetBufferSize(const MSOINDICES* at) override;
   int SetBufferSize(const MSOINDICES* at, unsigned bytes) override;
-  // Lends the addressed row. In debug mode the buffer is a copy with two guard bytes behind it;
-  // ReleaseBufferMSO reports a write beyond the size and copies the elements back.
-  int GetBufferMSO(const MSOINDICES* at, void** buffer) override;
-  // As another element type: a converted copy, which the release converts back.
-  int GetBufferMSOEx(const MSOINDICES* at, unsigned element_type, void** buffer) override;
-  int ReleaseBufferMSO(const MSOINDICES* at, void* buffer) override;
-  int Operate2(const MSOINDICES* at, unsigned op, const tagMSOOBJVECT& operand,
-               unsigned options) override;
-
-  template <class U>
-  int Read(const MSOINDICES* at, U& value);
-  template <class U>
-  int Write(const MSOINDICES* at, const U& value);
 
  protected:
-  // Status and place of what the indices address.
-  int LocateRow(const MSOINDICES* at, int& row) const;
-  int Locate(const MSOINDICES* at, int& row, std::size_t& index) const;
   // Whether the row took part in a whole-vector operation, which keeps its size from then on.
   virtual bool IsSizeFixed(int /*row*/) const { return true; }
   virtual void SetSizeFixed(int /*row*/) {}
 
-  // --- Operators, each a part of Operate2 ---
-
-  virtual bool IsOperation(unsigned code) const;
-  virtual int OperateOnElement(const MSOINDICES* at, unsigned code, const tagMSOOBJVECT& operand);
-  // With one value for every element of the row.
-  virtual int OperateWithValue(int row, unsigned code, const tagMSOOBJVECT& operand);
+  // An empty row first becomes one element long.
+  int OperateWithValue(int row, unsigned code, const tagMSOOBJVECT& operand) override;
+  // The elements of a matrix can be assigned, row by row; every other operation needs a vector.
+  int OperateWith(int row, unsigned code, const vela::Layer& operand, unsigned options) override;
 
   // --- List operations: what members do to the elements of a row ---
   // Indices lie inside the row. What fails ends the handler and leaves the row as it was.
@@ -224,24 +187,11 @@ class TCAllVectorNonTemplBase
   void RemoveRange(int row, std::size_t begin, std::size_t end);
 
  private:
-  // A copy of a row in external hands.
-  struct LentBuffer {
-    std::unique_ptr<std::byte[]> bytes;
-    int row;
-    unsigned type_id;
-    std::size_t size;
-    vela::ElementSpan Elements() const { return {type_id, bytes.get(), size}; }
-  };
-  void* LendCopy(int row, unsigned type_id);
-
   int AssignLayer(int row, const vela::Layer& source, unsigned options);
   template <class Fill>
   int FillSeeded(CTCall* call, Fill&& fill);
   template <class Part>
   int FillParts(CTCall* call, Part&& part);
 
-  std::vector<LentBuffer> lent_;
   CStringUTF8 output_comment_;
 };
-
-extern template class vela::ValueAccess<TCAllVectorNonTemplBase, TCAllTensorsBase>;

@@ -18,21 +18,6 @@ inline bool IsVectorOf(const member::Arguments& args, unsigned arg, unsigned typ
   return (word & kFlagAnyVector) != 0 && (word & kTypeIdMask) == type_id;
 }
 
-// One element of any numeric type.
-class AnyElement {
- public:
-  explicit AnyElement(unsigned type_id) : type_id_(type_id) {}
-  ConstElementSpan Span() const { return {type_id_, bytes_, 1}; }
-  template <class T>
-  T& As() {
-    return *reinterpret_cast<T*>(bytes_);
-  }
-
- private:
-  unsigned type_id_;
-  alignas(double) std::byte bytes_[sizeof(Point3D)] = {};
-};
-
 // The argument as an element of the type. A plain number becomes a complex with that real part, and
 // a point with that x where the frame converts it; 64-bit integers keep all their digits.
 AnyElement ElementArgument(member::Arguments& args, unsigned arg, unsigned type_id);

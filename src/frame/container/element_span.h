@@ -134,6 +134,22 @@ class ElementMemory {
   std::unique_ptr<std::byte[]> bytes_;
 };
 
+// One element of any numeric type; zero to start with.
+class AnyElement {
+ public:
+  explicit AnyElement(unsigned type_id) : type_id_(type_id) {}
+  ElementSpan Span() { return {type_id_, bytes_, 1}; }
+  ConstElementSpan Span() const { return {type_id_, bytes_, 1}; }
+  template <class T>
+  T& As() {
+    return *reinterpret_cast<T*>(bytes_);
+  }
+
+ private:
+  unsigned type_id_;
+  alignas(double) std::byte bytes_[sizeof(Point3D)] = {};
+};
+
 // to[i] = from[i], converted as ConvertValue does; to has from's size. The memory may overlap only
 // where the types are equal.
 void ConvertElements(const ConstElementSpan& from, const ElementSpan& to);

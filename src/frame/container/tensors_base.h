@@ -3,11 +3,16 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <vector>
 
 #include "frame/container/element_span.h"
 #include "frame/interface/tessel_object.h"
+#include "frame/value_access.h"
 
 namespace vela {
+
+struct Layer;
 
 // Rows by columns, row-major; a vector is one row. Sizes are computed in 64 bits.
 struct LayerShape {
@@ -28,8 +33,16 @@ enum class Contents { kKeep, kDrop };
 // layer at a time, and everything that helps them is written over the operations below, so that it
 // serves every kind of container. Layers are numbered 0 .. LayerCount() - 1; the operations that
 // take a number need one of these. The defaults are those of a container that has no layers.
-class TCAllTensorsBase : public TesselCObject {
+//
+// An operation of the host addresses an element of layer at->ObjectIndex(): status 2 for a layer
+// that cannot be resolved, 28 outside the layers or elements, 290 for a negative element.
+class TCAllTensorsBase : public vela::ValueAccess<TCAllTensorsBase, TesselCObject> {
  public:
+  using ValueAccess::GetString;
+  using ValueAccess::SetString;
+
+  // --- Layers ---
+
   virtual int LayerCount() const { return 0; }
   virtual vela::LayerShape ShapeOf(int /*layer*/) const { return {}; }
   virtual std::size_t SizeOf(int layer) const {
@@ -57,4 +70,65 @@ class TCAllTensorsBase : public TesselCObject {
   virtual int StoreElements(int layer, std::size_t offset, const vela::ConstElementSpan& from);
   // Tells whoever shows the layer that it changed.
   virtual void AnnounceChange(int layer);
+
+  // --- For the host ---
+
+  int IsSameTypeAndMemoryModel(const CScriptVelaObject* other) const override;
+  unsigned GetTypeIDCheckIndex(const MSOINDICES* at) override;
+  int GetArraySize() const override { return LayerCount(); }
+  int IsValidElement(const MSOINDICES* at) override;
+  int GetString(const MSOINDICES* at, CStringUTF8& text) override;
+  int SetString(const MSOINDICES* at, const char* text) override;
+  int GetDisplayElementEx(CStringUTF8& text, const MSOINDICES* at) override;
+  int GetValueToBuffer(void* buffer, unsigned size, const MSOINDICES* at) override;
+  // Address of layer 0's elements; status 13702 when they are not one buffer.
+  int GetExternalData(void** address) override;
+  // Every layer becomes empty.
+  int ResetValue() override;
+  // Bytes of the addressed layer.
+  unsigned GetBufferSize(const MSOINDICES* at) override;
+  // Lends the addressed layer. In debug mode the buffer is a copy with two guard bytes behind it;
+  // ReleaseBufferMSO reports a write beyond the size and copies the elements back.
+  int GetBufferMSO(const MSOINDICES* at, void** buffer) override;
+  // As another element type: a converted copy, which the release converts back.
+  int GetBufferMSOEx(const MSOINDICES* at, unsigned element_type, void** buffer) override;
+  int ReleaseBufferMSO(const MSOINDICES* at, void* buffer) override;
+  int Operate2(const MSOINDICES* at, unsigned op, const tagMSOOBJVECT& operand,
+               unsigned options) override;
+
+  template <class U>
+  int Read(const MSOINDICES* at, U& value);
+  template <class U>
+  int Write(const MSOINDICES* at, const U& value);
+
+ protected:
+  // Status and place of what the indices address.
+  int LocateLayer(const MSOINDICES* at, int& layer) const;
+  int Locate(const MSOINDICES* at, int& layer, std::size_t& index) const;
+  // The element that the record names inside the layer, which exists; the first without a name.
+  virtual int IndexIn(int layer, const MSOINDICES* at, std::size_t& index) const;
+
+  // --- Operators, each a part of Operate2; a status, or a Failure ---
+
+  virtual bool IsOperation(unsigned code) const;
+  virtual int OperateOnElement(const MSOINDICES* at, unsigned code, const tagMSOOBJVECT& operand);
+  // With one value for every element of the layer.
+  virtual int OperateWithValue(int layer, unsigned code, const tagMSOOBJVECT& operand);
+  // With the layer of another container.
+  virtual int OperateWith(int layer, unsigned code, const vela::Layer& operand, unsigned options);
+
+ private:
+  // A copy of a layer in external hands.
+  struct LentBuffer {
+    std::unique_ptr<std::byte[]> bytes;
+    int layer;
+    unsigned type_id;
+    std::size_t size;
+    vela::ElementSpan Elements() const { return {type_id, bytes.get(), size}; }
+  };
+  void* LendCopy(int layer, unsigned type_id);
+
+  std::vector<LentBuffer> lent_;
 };
+
+extern template class vela::ValueAccess<TCAllTensorsBase, TesselCObject>;
