@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "kernel/matrix_wrap.h"
+#include "kernel/stream_copy.h"
 
 namespace vela::kernel {
 namespace {
@@ -50,8 +51,18 @@ void MoveShort(const ByteRows& rows) {
   });
 }
 
+bool Overlap(const ByteRows& rows) {
+  const std::byte* const from_end = rows.from + (rows.count - 1) * rows.from_stride + rows.size;
+  const std::byte* const to_end = rows.to + (rows.count - 1) * rows.to_stride + rows.size;
+  return rows.from < to_end && rows.to < from_end;
+}
+
 void MoveRows(const ByteRows& rows) {
-  if (rows.size >= 128) {
+  if (rows.size >= kLeastStreamedRun && rows.size * rows.count >= kStreamBytes && !Overlap(rows)) {
+    for (std::size_t i = 0; i < rows.count; ++i) {
+      StreamCopy(rows.from + i * rows.from_stride, rows.to + i * rows.to_stride, rows.size);
+    }
+  } else if (rows.size >= 128) {
     MoveEach(rows,
              [&](const std::byte* from, std::byte* to) { std::memmove(to, from, rows.size); });
   } else if (rows.size >= 64) {

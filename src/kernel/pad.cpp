@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <span>
 
+#include "kernel/stream_copy.h"
+
 namespace vela::kernel {
 namespace {
 
@@ -28,10 +30,14 @@ std::size_t SourceRow(std::size_t i, std::size_t rows, std::size_t n, EdgeMode m
 }
 
 template <class W>
-void PadRow(std::span<const W> row, std::size_t n, EdgeMode mode, W* out) {
+void PadRow(std::span<const W> row, std::size_t n, EdgeMode mode, bool stream, W* out) {
   W* const middle = out + n;
   W* const right = middle + row.size();
-  std::copy(row.begin(), row.end(), middle);
+  if (stream) {
+    StreamCopy(row.data(), middle, row.size_bytes());
+  } else {
+    std::copy(row.begin(), row.end(), middle);
+  }
   switch (mode) {
     case EdgeMode::kZeros:
       std::fill_n(out, n, W{});
@@ -53,13 +59,15 @@ void PadRow(std::span<const W> row, std::size_t n, EdgeMode mode, W* out) {
 template <class W>
 bool Pad(MatrixSpan<const W> x, std::size_t n, EdgeMode mode, MatrixSpan<W> out) {
   if (!CanPad(x, n, mode)) return false;
+  const bool stream =
+      x.cols * sizeof(W) >= kLeastStreamedRun && out.Size() * sizeof(W) >= kStreamBytes;
   for (std::size_t i = 0; i < out.rows; ++i) {
     const std::span<W> target = out.Row(i);
     const bool inside = i >= n && i - n < x.rows;
     if (mode == EdgeMode::kZeros && !inside) {
       std::fill(target.begin(), target.end(), W{});
     } else {
-      PadRow(x.Row(SourceRow(i, x.rows, n, mode)), n, mode, target.data());
+      PadRow(x.Row(SourceRow(i, x.rows, n, mode)), n, mode, stream, target.data());
     }
   }
   return true;

@@ -378,12 +378,18 @@ class MedianReduction {
     }
     const std::size_t step = VELA_KERNEL_DISPATCH(VectorSize)();
     const auto medians = VELA_KERNEL_DISPATCH(SortedMedians);
-    std::size_t j = 0;
-    for (; (j + step) * col_factor_ <= x_.cols; j += step) {
-      const auto [from, stride] = Doubles(row, rows, j * col_factor_, step * col_factor_);
-      medians(from, stride, rows, col_factor_, network_, &out[j]);
+    const std::size_t whole = x_.cols / col_factor_ / step * step;
+    // Elements are not loaded right after they were converted: a gathering load would wait for
+    // that.
+    const std::size_t most = std::same_as<T, double> ? whole : kConverted / area / step * step;
+    for (std::size_t j = 0; j < whole; j += most) {
+      const std::size_t count = std::min(most, whole - j);
+      const auto [from, stride] = Doubles(row, rows, j * col_factor_, count * col_factor_);
+      for (std::size_t k = 0; k < count; k += step) {
+        medians(from + k * col_factor_, stride, rows, col_factor_, network_, &out[j + k]);
+      }
     }
-    return j;
+    return whole;
   }
 
   struct DoubleRows {
@@ -402,13 +408,13 @@ class MedianReduction {
     }
   }
 
-  static constexpr std::size_t kMostLanes = 8;
+  static constexpr std::size_t kConverted = 4096;
 
   MatrixSpan<const T> x_;
   std::size_t row_factor_, col_factor_;
   SortingNetwork network_{0};
   std::size_t network_area_ = 0;
-  std::array<double, std::same_as<T, double> ? 0 : SortingNetwork::kMost * kMostLanes> converted_;
+  std::array<double, std::same_as<T, double> ? 0 : kConverted> converted_;
   std::vector<double> numbers_;
 };
 

@@ -5,6 +5,7 @@
 #include <hwy/cache_control.h>
 
 #include "kernel/dispatch.h"
+#include "kernel/stream_copy.h"
 #include "kernel/transpose_rectangle.h"
 
 #ifndef HWY_TARGET_INCLUDE
@@ -25,10 +26,6 @@ constexpr std::size_t kStrip = 32;
 
 // Line blocks per side of a tile, the pages of which all have entries at once.
 constexpr std::size_t kTile = 4;
-
-// From this size on, rows that are written without being read first win even though they leave the
-// caches.
-constexpr std::size_t kStreamBytes = std::size_t{1} << 23;
 
 // Whether all line blocks of the matrix begin a cache line in every row once `lead` elements are
 // set apart.

@@ -3,8 +3,10 @@
 #include <utility>
 #include <vector>
 
+#include "kernel/block.h"
 #include "kernel/flip.h"
 #include "kernel/matrix_rotate.h"
+#include "kernel/pad.h"
 #include "kernel/transpose.h"
 #include "matrix_samples.h"
 
@@ -74,14 +76,20 @@ TYPED_TEST(MatrixMoveTest, PutsEveryElementInItsPlace) {
   }
 }
 
-// Large enough to be stored past the caches, with rows that keep to cache lines.
-TYPED_TEST(MatrixMoveTest, TransposesLargeMatrices) {
-  using W = TypeParam;
-  const std::size_t rows = 1024, cols = 8400 / sizeof(W);
-  const TestMatrix<W> old(rows, cols);
-  TestMatrix<W> x(cols, rows);
-  Transpose(old.Const(), x.Span());
-  EXPECT_TRUE(Holds(x.Const(), [&](std::size_t r, std::size_t c) { return old.Const()(c, r); }));
+// Large enough to be stored past the caches, with rows that keep to cache lines and without.
+TEST(MatrixMove, MovesLargeMatrices) {
+  using W = Word<8>;
+  for (const std::size_t rows : {2048u, 2045u}) {
+    const std::size_t cols = 2101;
+    const TestMatrix<W> old(rows, cols);
+    TestMatrix<W> transposed(cols, rows), block(rows + 2, cols + 2), padded(rows + 2, cols + 2);
+    Transpose(old.Const(), transposed.Span());
+    CopyBlock(old.Const(), 0, 0, block.Span(), 1, 1, rows, cols);
+    Pad(old.Const(), 1, EdgeMode::kRepeat, padded.Span());
+    EXPECT_TRUE(Holds(transposed.Const(), [&](auto r, auto c) { return old.Const()(c, r); }));
+    EXPECT_TRUE(Holds(old.Const(), [&](auto r, auto c) { return block.Const()(r + 1, c + 1); }));
+    EXPECT_TRUE(Holds(old.Const(), [&](auto r, auto c) { return padded.Const()(r + 1, c + 1); }));
+  }
 }
 
 }  // namespace
