@@ -28,6 +28,27 @@ std::pair<double, double> UnitRoot(std::size_t k, std::size_t n) {
   return {std::cos(2 * std::numbers::pi * turn), std::sin(2 * std::numbers::pi * turn)};
 }
 
+// UnitRoot of any k as the product of two from short tables: sine and cosine cost more than a whole
+// transform does where the system computes them slowly.
+class UnitRoots {
+ public:
+  explicit UnitRoots(std::size_t n) {
+    while (stride_ * stride_ < n) stride_ *= 2;
+    for (std::size_t k = 0; k < stride_ && k < n; ++k) fine_.push_back(UnitRoot(k, n));
+    for (std::size_t k = 0; k < n; k += stride_) coarse_.push_back(UnitRoot(k, n));
+  }
+
+  std::pair<double, double> operator()(std::size_t k) const {
+    const auto [cos, sin] = fine_[k % stride_];
+    const auto [coarse_cos, coarse_sin] = coarse_[k / stride_];
+    return {cos * coarse_cos - sin * coarse_sin, cos * coarse_sin + sin * coarse_cos};
+  }
+
+ private:
+  std::size_t stride_ = 1;  // a power of two
+  std::vector<std::pair<double, double>> fine_, coarse_;
+};
+
 // Fours first, as they take the fewest operations.
 std::vector<std::size_t> Radices(std::size_t n) {
   std::vector<std::size_t> radices;
@@ -43,11 +64,11 @@ std::vector<std::size_t> Radices(std::size_t n) {
 
 FftPlan::Level MakeLevel(std::size_t radix, std::size_t step) {
   FftPlan::Level level{.radix = radix, .step = step, .twiddles = {}, .roots = {}};
-  const std::size_t size = level.Size();
+  const UnitRoots root(level.Size());
   if (step > 1) level.twiddles.reserve(2 * (radix - 1) * step);
   for (std::size_t k = 0; step > 1 && k < step; ++k) {
     for (std::size_t j = 1; j < radix; ++j) {
-      const auto [cos, sin] = UnitRoot(j * k, size);
+      const auto [cos, sin] = root(j * k);
       level.twiddles.insert(level.twiddles.end(), {cos, -sin});
     }
   }
@@ -92,9 +113,10 @@ FftPlan::FftPlan(std::size_t transform_size)
   if (size <= 1 || !radices.empty()) return;
 
   larger = std::make_unique<FftPlan>(EasySize(2 * size - 1));
+  const UnitRoots root(2 * size);
   chirp.reserve(2 * size);
   for (std::uint64_t k = 0, square = 0; k < size; ++k) {
-    const auto [cos, sin] = UnitRoot(square, 2 * size);  // square is k * k modulo 2 * size
+    const auto [cos, sin] = root(square);  // square is k * k modulo 2 * size
     chirp.insert(chirp.end(), {cos, -sin});
     square = (square + 2 * k + 1) % (2 * size);
   }

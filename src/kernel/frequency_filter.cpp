@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <new>
+#include <optional>
 #include <span>
 #include <tuple>
 #include <vector>
@@ -383,7 +384,10 @@ struct AlignedDoubles {
 };
 
 void FilterReal(MatrixSpan<double> x, const FrequencyFilter& filter) {
-  const FftPlan row_plan = CompletePlan(x.cols), col_plan = CompletePlan(x.rows);
+  const FftPlan row_plan = CompletePlan(x.cols);
+  std::optional<FftPlan> other_plan;
+  if (x.rows != x.cols) other_plan = CompletePlan(x.rows);
+  const FftPlan& col_plan = other_plan ? *other_plan : row_plan;
   const FrequencyMask mask(filter, col_plan.frequencies, x.cols);
   const std::size_t row_lines = (x.rows + 1) / 2, col_lines = x.cols / 2 + 1;
   std::size_t scratch = 0;

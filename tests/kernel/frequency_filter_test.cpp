@@ -70,8 +70,8 @@ std::vector<Complex> NaiveTransform(const std::vector<Complex>& x, std::size_t r
     std::vector<Complex> to(from.size()), roots(size);
     for (std::size_t k = 0; k < size; ++k) {
       const long double turn = static_cast<long double>(k) / static_cast<long double>(size);
-      const auto angle = static_cast<double>(sign * 2 * std::numbers::pi_v<long double> * turn);
-      roots[k] = {std::cos(angle), std::sin(angle)};
+      const long double angle = sign * 2 * std::numbers::pi_v<long double> * turn;
+      roots[k] = {static_cast<double>(std::cos(angle)), static_cast<double>(std::sin(angle))};
     }
     for (std::size_t line = 0; line < count; ++line) {
       for (std::size_t f = 0; f < size; ++f) {
@@ -125,7 +125,7 @@ TEST(FrequencyFilterTest, FiltersAsTheSumsDo) {
     FilterFrequencies(MatrixSpan<Complex>(z, rows, cols), filter);
     for (std::size_t i = 0; i < z.size(); ++i) {
       // the elements are below 2^19
-      ASSERT_NEAR(real.span()[i], expected[i].real(), 1e-9) << rows << " x " << cols << ": " << i;
+      ASSERT_NEAR(real.span()[i], expected[i].real(), 2e-9) << rows << " x " << cols << ": " << i;
       ASSERT_LE(std::abs(z[i] - expected[i]), 2e-9) << rows << " x " << cols << ": " << i;
     }
   }
