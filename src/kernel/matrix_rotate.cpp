@@ -1,7 +1,6 @@
 #include "kernel/matrix_rotate.h"
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 #include "kernel/dispatch.h"
@@ -75,33 +74,15 @@ HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
 namespace vela::kernel {
-namespace {
-
-template <class W>
-void TurnThroughCopy(MatrixSpan<W> x, bool clockwise) {
-  const auto copy = std::make_unique_for_overwrite<W[]>(x.Size());
-  std::copy_n(x.data, x.Size(), copy.get());
-  const ConstBlock<W> from{copy.get(), static_cast<std::ptrdiff_t>(x.cols)};
-  const Block<W> to{x.data, static_cast<std::ptrdiff_t>(x.rows)};
-  if (clockwise) {
-    detail::TransposeStrided<W>(from.Reversed(x.rows), to, x.rows, x.cols);
-  } else {
-    detail::TransposeStrided<W>(from, to.Reversed(x.cols), x.rows, x.cols);
-  }
-}
-
-}  // namespace
-
 template <class W>
 void RotateQuarters(MatrixSpan<W> x, int turns) {
   const bool clockwise = turns == 3;
-  if (x.IsEmpty()) return;
-  if (turns == 2 || (x.rows == 1 && !clockwise) || (x.cols == 1 && clockwise)) {
+  if (turns == 2) {
     Reverse(x.Values());
-  } else if (x.rows == 1 || x.cols == 1) {
-    return;
   } else if (x.rows != x.cols) {
-    TurnThroughCopy(x, clockwise);
+    Transpose(x);
+    const MatrixSpan<W> turned(x.data, x.cols, x.rows);
+    clockwise ? FlipHorizontal(turned) : FlipVertical(turned);
   } else if (clockwise) {
     VELA_KERNEL_DISPATCH(TurnSquare<true, W>)(x.data, x.rows);
   } else {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <hwy/cache_control.h>
-#include <memory>
 
 #include "kernel/dispatch.h"
+#include "kernel/transpose_rectangle.h"
 
 #ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/transpose.cpp"
@@ -70,7 +70,9 @@ HWY_INLINE void ForEachInStrips(std::size_t row_pieces, std::size_t col_pieces, 
 }
 
 template <class W>
-void TransposeBlocks(ConstBlock<W> from, Block<W> to, std::size_t rows, std::size_t cols) {
+void TransposeBlocks(const W* x, W* out, std::size_t rows, std::size_t cols) {
+  const ConstBlock<W> from{x, static_cast<std::ptrdiff_t>(cols)};
+  const Block<W> to{out, static_cast<std::ptrdiff_t>(rows)};
   constexpr std::size_t kSide = kLineElements<W>;
   const std::size_t lead = ElementsBeforeLine(to.data, rows);
   const Pieces row_pieces(rows, lead, kSide);
@@ -138,18 +140,12 @@ HWY_AFTER_NAMESPACE();
 namespace vela::kernel {
 
 template <class W>
-void detail::TransposeStrided(ConstBlock<W> from, Block<W> to, std::size_t rows, std::size_t cols) {
-  VELA_KERNEL_DISPATCH(TransposeBlocks<W>)(from, to, rows, cols);
-}
-
-template <class W>
 void Transpose(MatrixSpan<const W> x, MatrixSpan<W> out) {
   if (x.rows <= 1 || x.cols <= 1) {
     std::copy_n(x.data, x.Size(), out.data);
     return;
   }
-  detail::TransposeStrided<W>({x.data, static_cast<std::ptrdiff_t>(x.cols)},
-                              {out.data, static_cast<std::ptrdiff_t>(x.rows)}, x.rows, x.cols);
+  VELA_KERNEL_DISPATCH(TransposeBlocks<W>)(x.data, out.data, x.rows, x.cols);
 }
 
 template <class W>
@@ -159,14 +155,11 @@ void Transpose(MatrixSpan<W> x) {
     VELA_KERNEL_DISPATCH(TransposeSquare<W>)(x.data, x.rows);
     return;
   }
-  const auto copy = std::make_unique_for_overwrite<W[]>(x.Size());
-  std::copy_n(x.data, x.Size(), copy.get());
-  Transpose(MatrixSpan<const W>(copy.get(), x.rows, x.cols), MatrixSpan<W>(x.data, x.cols, x.rows));
+  detail::TransposeRectangle(x);
 }
 
-#define VELA_KERNEL_INSTANTIATE(W)                                                              \
-  template void detail::TransposeStrided<W>(ConstBlock<W>, Block<W>, std::size_t, std::size_t); \
-  template void Transpose<W>(MatrixSpan<const W>, MatrixSpan<W>);                               \
+#define VELA_KERNEL_INSTANTIATE(W)                                \
+  template void Transpose<W>(MatrixSpan<const W>, MatrixSpan<W>); \
   template void Transpose<W>(MatrixSpan<W>);
 VELA_KERNEL_FOR_MATRIX_WORDS(VELA_KERNEL_INSTANTIATE)
 #undef VELA_KERNEL_INSTANTIATE

@@ -1,18 +1,16 @@
 #pragma once
 
-#include <cstddef>
-
-#include "kernel/line_block.h"
 #include "kernel/matrix_span.h"
 #include "kernel/word.h"
 
 namespace vela::kernel {
 
-// For Word<1> to Word<16>; every element is read and written once but for the scratch copies.
+// For Word<1> to Word<16>.
 
-/// The elements of x, read as cols x rows, become the transpose. A square is transposed in place;
-/// other shapes need a copy of x, made before anything is written: std::bad_alloc leaves x as it
-/// was. A single row or column needs nothing.
+/// The elements of x, read as cols x rows, become the transpose. In place: a square moves every
+/// element once and needs no memory. With sides that differ, the elements move up to four times,
+/// and what is left of x once as many squares as possible have been cut off it is copied aside; a
+/// matrix that is narrower than 64 is copied whole. std::bad_alloc leaves x as it was.
 template <class W>
 void Transpose(MatrixSpan<W> x);
 
@@ -20,11 +18,4 @@ void Transpose(MatrixSpan<W> x);
 template <class W>
 void Transpose(MatrixSpan<const W> x, MatrixSpan<W> out);
 
-namespace detail {
-
-/// to(c, r) = from(r, c) for rows that may be numbered from the last one up. No overlap.
-template <class W>
-void TransposeStrided(ConstBlock<W> from, Block<W> to, std::size_t rows, std::size_t cols);
-
-}  // namespace detail
 }  // namespace vela::kernel

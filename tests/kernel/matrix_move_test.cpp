@@ -15,7 +15,8 @@ using Shape = std::pair<std::size_t, std::size_t>;
 
 // Shapes around the sides of blocks: squares, which move in place, and others.
 std::vector<Shape> Shapes() {
-  std::vector<Shape> shapes = {{0, 0}, {0, 3}, {5, 0}, {3, 1000}, {1000, 3}, {70, 300}};
+  std::vector<Shape> shapes = {{0, 0},    {0, 3},    {5, 0},    {3, 1000}, {1000, 3},
+                               {70, 300}, {300, 70}, {64, 256}, {256, 64}};
   for (const std::size_t a : {1u, 2u, 3u, 7u, 8u, 16u, 33u, 64u, 65u, 130u, 257u}) {
     for (const std::size_t b : {1u, 2u, 5u, 8u, 17u, 63u, 64u, 129u}) shapes.emplace_back(a, b);
     shapes.emplace_back(a, a);
