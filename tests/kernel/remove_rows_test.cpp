@@ -2,24 +2,11 @@
 
 #include <gtest/gtest.h>
 #include <random>
-#include <tuple>
 #include <vector>
 
-#include "samples.h"
+#include "test_complex.h"
 
 namespace vela::kernel {
-namespace {
-
-struct TestComplex {
-  double m_re = 0, m_im = 0;
-};
-
-}  // namespace
-
-template <>
-inline constexpr auto kElementParts<TestComplex> = std::tuple(&TestComplex::m_re,
-                                                              &TestComplex::m_im);
-
 namespace {
 
 double NumberOf(double x) { return x; }
