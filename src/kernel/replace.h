@@ -1,8 +1,11 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <span>
 
+#include "kernel/complex_parts.h"
 #include "kernel/element_types.h"
 
 namespace vela::kernel {
@@ -26,5 +29,12 @@ std::size_t ReplaceInRange(std::span<T> x, double low, double high, T value, boo
 /// Replaces every NaN.
 template <Element T>
 void ReplaceNan(std::span<T> x, T value);
+
+/// The same for elements of which a part is NaN.
+template <Complex Z>
+void ReplaceNan(std::span<Z> x, const Z& value) {
+  std::ranges::replace_if(
+      x, [](const Z& z) { return std::isnan(z.m_re) || std::isnan(z.m_im); }, value);
+}
 
 }  // namespace vela::kernel
