@@ -1,5 +1,6 @@
 #include "kernel/correlate.h"
 
+#include <algorithm>
 #include <concepts>
 #include <cstdint>
 #include <cstring>
@@ -24,17 +25,17 @@ enum class Trust {
 };
 
 // One band of a matrix. Rows are of doubles; neighbouring elements are `step` of them apart.
-template <class T>
 struct CorrelationJob {
   const CorrelationPlan* plan;
   Trust trust;
   bool is_separable, is_plain;  // is_plain: round the products
+  bool is_whole;                // of whole numbers, which need their products rounded in doubt
   std::size_t step;
   const double* const* rows;  // extended
   double* const* sums;        // of the rows times the plan's row, for a separable kernel
   std::size_t fresh;          // the sums from here on are still to be found
   std::size_t count;
-  T* out;
+  void* out;
   std::size_t width;  // of out
 };
 
@@ -64,8 +65,9 @@ constexpr std::size_t kLanes = hn::MaxLanes(kDouble);
 // Rows and vectors of results that are summed at once, as many as the registers hold: each vector
 // that is loaded serves all the rows.
 constexpr std::size_t kTileRows = 4;
+constexpr std::size_t kMostVectors = 4;
 template <std::size_t kRows>
-constexpr std::size_t kTileVectors = HWY_TARGET == HWY_AVX3 || kRows < kTileRows ? 4 : 2;
+constexpr std::size_t kTileVectors = HWY_TARGET == HWY_AVX3 || kRows < kTileRows ? kMostVectors : 2;
 
 // A kernel of so many rows and columns.
 struct Weights {
@@ -172,144 +174,142 @@ HWY_INLINE void StoreLanes(DoubleVec v, T* to, std::size_t count) {
   }
 }
 
-// What is said of single elements of T, for pairs (kPairs) and for integers.
-template <class T, bool kPairs>
-class BandFilter {
- public:
-  explicit BandFilter(const CorrelationJob<T>& job) : job_(job) {}
+// Sums of as many columns as stay near the processor, for the rows of a tile.
+struct Lines {
+  static constexpr std::size_t kColumns = 512;
+  HWY_ALIGN double sums[kTileRows][kColumns + kMostVectors * kLanes];
+};
 
-  void Run() {
-    const CorrelationPlan& plan = *job_.plan;
-    const Weights kernel{plan.kernel, plan.side, plan.side};
-    if (job_.is_separable) {
-      SumRows();
-      Filter<1, true>(job_.sums, Weights{plan.column.data(), plan.side, 1});
-    } else if (job_.is_plain) {
-      Filter<0, kPlainFused>(job_.rows, kernel);
-    } else if (plan.side == 3) {
-      Filter<3, true>(job_.rows, kernel);
-    } else {
-      Filter<0, true>(job_.rows, kernel);
-    }
-  }
-
- private:
-  // Floating elements have no sum that is more right than others, so the quickest serves.
-  static constexpr bool kPlainFused = std::floating_point<T>;
-
-  // Calls step(vectors, column) for tiles that cover columns 0 .. width - 1, and up to a vector
-  // more.
-  template <std::size_t kVectors, class Step>
-  static HWY_INLINE void ForEachTile(std::size_t width, Step step) {
-    std::size_t column = 0;
-    for (; column + kVectors * kLanes <= width; column += kVectors * kLanes) {
-      step(std::integral_constant<std::size_t, kVectors>(), column);
-    }
-    for (; column < width; column += kLanes) {
-      step(std::integral_constant<std::size_t, 1>(), column);
-    }
-  }
-
-  void SumRows() {
-    if (job_.plan->side == 3) {
-      SumRowsBy<3>();
-    } else {
-      SumRowsBy<0>();
-    }
-  }
-
-  template <std::size_t kCols>
-  void SumRowsBy() {
-    const CorrelationPlan& plan = *job_.plan;
-    const Weights row{plan.row.data(), 1, plan.side};
-    for (std::size_t i = job_.fresh; i < job_.count + plan.side - 1; ++i) {
-      ForEachTile<kTileVectors<1>>(job_.width, [&](auto vectors, std::size_t column) HWY_ATTR {
-        Tile<1, vectors, kCols, true> tile;
-        tile.Sum(job_.rows + i, column, job_.step, row);
-        Unroll<vectors>([&](auto v) VELA_KERNEL_UNROLLED {
-          hn::StoreU(tile.sum[0][v], kDouble, job_.sums[i] + column + v * kLanes);
-        });
-      });
-    }
-  }
-
-  template <std::size_t kCols, bool kFused>
-  void Filter(const double* const* rows, const Weights& weights) {
-    std::size_t r = 0;
-    if (weights.rows >= kTileRows) {
-      for (; r + kTileRows <= job_.count; r += kTileRows) {
-        FilterRows<kTileRows, kCols, kFused>(rows, r, weights);
-      }
-    }
-    if (weights.rows >= 2) {
-      for (; r + 2 <= job_.count; r += 2) FilterRows<2, kCols, kFused>(rows, r, weights);
-    }
-    for (; r < job_.count; ++r) FilterRows<1, kCols, kFused>(rows, r, weights);
-  }
-
-  template <std::size_t kRows, std::size_t kCols, bool kFused>
-  HWY_INLINE void FilterRows(const double* const* rows, std::size_t r, const Weights& weights) {
-    const std::size_t step = weights.cols == 1 ? 1 : job_.step;
-    ForEachTile<kTileVectors<kRows>>(job_.width, [&](auto vectors, std::size_t column) HWY_ATTR {
-      Tile<kRows, vectors, kCols, kFused> tile;
-      tile.Sum(rows + r, column, step, weights);
-      Unroll<kRows>([&](auto k) VELA_KERNEL_UNROLLED {
-        Unroll<vectors>([&](auto v) VELA_KERNEL_UNROLLED {
-          Finish(tile.sum[k][v], r + k, column + v * kLanes);
-        });
+// Sums of the windows in kRows rows from rows[0] on and `count` columns from `column` on; up to a
+// tile more are written.
+template <std::size_t kRows, std::size_t kCols, bool kFused>
+HWY_NOINLINE void SumWindows(const double* const* rows, std::size_t column, std::size_t count,
+                             std::size_t step, const Weights& weights, Lines& lines) {
+  constexpr std::size_t kVectors = kTileVectors<kRows>;
+  for (std::size_t c = 0; c < count; c += kVectors * kLanes) {
+    Tile<kRows, kVectors, kCols, kFused> tile;
+    tile.Sum(rows, column + c, step, weights);
+    Unroll<kRows>([&](auto r) VELA_KERNEL_UNROLLED {
+      Unroll<kVectors>([&](auto v) VELA_KERNEL_UNROLLED {
+        hn::Store(tile.sum[r][v], kDouble, lines.sums[r] + c + v * kLanes);
       });
     });
   }
+}
 
-  HWY_INLINE DoubleVec Divided(DoubleVec sum) const {
-    const double divisor = job_.plan->divisor;
-    return divisor == 1.0 ? sum : hn::Div(sum, hn::Set(kDouble, divisor));
+HWY_INLINE DoubleVec Divided(const CorrelationJob& job, DoubleVec sum) {
+  const double divisor = job.plan->divisor;
+  return divisor == 1.0 ? sum : hn::Div(sum, hn::Set(kDouble, divisor));
+}
+
+// One vector of results by adding the products row by row.
+HWY_NOINLINE DoubleVec PlainResult(const CorrelationJob& job, std::size_t r, std::size_t column) {
+  const CorrelationPlan& plan = *job.plan;
+  const Weights kernel{plan.kernel, plan.side, plan.side};
+  if (job.is_whole) {
+    Tile<1, 1, 0, false> tile;
+    tile.Sum(job.rows + r, column, job.step, kernel);
+    return Divided(job, tile.sum[0][0]);
   }
+  Tile<1, 1, 0, true> tile;
+  tile.Sum(job.rows + r, column, job.step, kernel);
+  return Divided(job, tile.sum[0][0]);
+}
 
-  HWY_INLINE void Finish(DoubleVec sum, std::size_t r, std::size_t column) {
-    DoubleVec result = Divided(sum);
-    if (HWY_UNLIKELY(!IsSure(result))) result = Plain(r, column);
+template <class T>
+HWY_INLINE bool IsSure(const CorrelationJob& job, DoubleVec result) {
+  if constexpr (std::floating_point<T>) {
+    return job.trust == Trust::kFull || hn::AllTrue(kDouble, hn::IsFinite(result));
+  }
+  if (job.trust == Trust::kFull) return true;
+  const auto distance = hn::Abs(hn::Sub(result, hn::Round(result)));
+  const auto close = hn::Le(distance, hn::Set(kDouble, job.plan->uncertainty));
+  if (HWY_LIKELY(hn::AllFalse(kDouble, close))) return true;
+  // Both sides of 0 are truncated to it, and nothing depends on whole numbers out of range.
+  const auto half = hn::Set(kDouble, 0.5);
+  using Limits = std::numeric_limits<T>;
+  const auto below = hn::Lt(result, hn::Set(kDouble, static_cast<double>(Limits::lowest()) - 0.5));
+  const auto above = hn::Gt(result, hn::Set(kDouble, static_cast<double>(Limits::max()) + 0.5));
+  const auto harmless = hn::Or(hn::Lt(hn::Abs(result), half), hn::Or(below, above));
+  return hn::AllFalse(kDouble, hn::AndNot(harmless, close));
+}
+
+// Makes results of the sums of `count` columns in row r from `column` on.
+template <class T, bool kPairs>
+void Finish(const CorrelationJob& job, const double* HWY_RESTRICT sums, std::size_t r,
+            std::size_t column, std::size_t count) {
+  T* const out = static_cast<T*>(job.out) + r * job.width + column;
+  for (std::size_t c = 0; c < count; c += kLanes) {
+    DoubleVec result = Divided(job, hn::Load(kDouble, sums + c));
+    if (HWY_UNLIKELY(!IsSure<T>(job, result))) result = PlainResult(job, r, column + c);
     if constexpr (std::floating_point<T> && !kPairs) {
       // A NaN stays: the processor's minimum and maximum are their second operand then.
       result = hn::Min(hn::Set(kDouble, std::numeric_limits<T>::max()), result);
       result = hn::Max(hn::Set(kDouble, std::numeric_limits<T>::lowest()), result);
     }
-    StoreLanes(result, job_.out + r * job_.width + column, job_.width - column);
+    StoreLanes(result, out + c, count - c);
   }
+}
 
-  HWY_INLINE bool IsSure(DoubleVec result) const {
-    if (job_.trust == Trust::kFull) return true;
-    if (job_.trust == Trust::kFinite) {
-      return hn::AllTrue(kDouble, hn::IsFinite(result));
+using FinishFunction = decltype(&Finish<double, false>);
+
+template <std::size_t kRows, std::size_t kCols, bool kFused>
+void FilterRows(const CorrelationJob& job, const double* const* rows, std::size_t& r,
+                const Weights& weights, FinishFunction finish) {
+  Lines lines;
+  const std::size_t step = weights.cols == 1 ? 1 : job.step;
+  for (; r + kRows <= job.count; r += kRows) {
+    for (std::size_t column = 0; column < job.width; column += Lines::kColumns) {
+      const std::size_t count = std::min(Lines::kColumns, job.width - column);
+      SumWindows<kRows, kCols, kFused>(rows + r, column, count, step, weights, lines);
+      for (std::size_t k = 0; k < kRows; ++k) finish(job, lines.sums[k], r + k, column, count);
     }
-    const auto distance = hn::Abs(hn::Sub(result, hn::Round(result)));
-    const auto limit = hn::Set(kDouble, job_.plan->uncertainty);
-    const auto close = hn::Le(distance, limit);
-    if (HWY_LIKELY(hn::AllFalse(kDouble, close))) return true;
-    // Both sides of 0 are truncated to it, and nothing depends on whole numbers out of range.
-    const auto half = hn::Set(kDouble, 0.5);
-    using Limits = std::numeric_limits<T>;
-    const auto below =
-        hn::Lt(result, hn::Set(kDouble, static_cast<double>(Limits::lowest()) - 0.5));
-    const auto above = hn::Gt(result, hn::Set(kDouble, static_cast<double>(Limits::max()) + 0.5));
-    const auto harmless = hn::Or(hn::Lt(hn::Abs(result), half), hn::Or(below, above));
-    return hn::AllFalse(kDouble, hn::AndNot(harmless, close));
   }
+}
 
-  // One vector of results by adding the products row by row.
-  HWY_NOINLINE DoubleVec Plain(std::size_t r, std::size_t column) const {
-    const CorrelationPlan& plan = *job_.plan;
-    Tile<1, 1, 0, kPlainFused> tile;
-    tile.Sum(job_.rows + r, column, job_.step, Weights{plan.kernel, plan.side, plan.side});
-    return Divided(tile.sum[0][0]);
+void SumRows(const CorrelationJob& job) {
+  const CorrelationPlan& plan = *job.plan;
+  const Weights row{plan.row.data(), 1, plan.side};
+  Lines lines;
+  for (std::size_t i = job.fresh; i < job.count + plan.side - 1; ++i) {
+    for (std::size_t column = 0; column < job.width; column += Lines::kColumns) {
+      const std::size_t count = std::min(Lines::kColumns, job.width - column);
+      SumWindows<1, 0, true>(job.rows + i, column, count, job.step, row, lines);
+      std::memcpy(job.sums[i] + column, lines.sums[0], count * sizeof(double));
+    }
   }
+}
 
-  const CorrelationJob<T>& job_;
-};
+template <std::size_t kCols, bool kFused>
+void Filter(const CorrelationJob& job, const double* const* rows, const Weights& weights,
+            FinishFunction finish) {
+  std::size_t r = 0;
+  if constexpr (kCols == 3) {
+    FilterRows<2, kCols, kFused>(job, rows, r, weights, finish);
+  } else if (weights.rows >= kTileRows) {
+    FilterRows<kTileRows, kCols, kFused>(job, rows, r, weights, finish);
+  }
+  FilterRows<1, kCols, kFused>(job, rows, r, weights, finish);
+}
+
+HWY_NOINLINE void FilterBandWith(const CorrelationJob& job, FinishFunction finish) {
+  const CorrelationPlan& plan = *job.plan;
+  const Weights kernel{plan.kernel, plan.side, plan.side};
+  if (job.is_separable) {
+    SumRows(job);
+    Filter<1, true>(job, job.sums, Weights{plan.column.data(), plan.side, 1}, finish);
+  } else if (job.is_plain) {
+    Filter<0, false>(job, job.rows, kernel, finish);
+  } else if (plan.side == 3) {
+    Filter<3, true>(job, job.rows, kernel, finish);
+  } else {
+    Filter<0, true>(job, job.rows, kernel, finish);
+  }
+}
 
 template <class T, bool kPairs>
-void FilterBand(const CorrelationJob<T>& job) {
-  BandFilter<T, kPairs>(job).Run();
+void FilterBand(const CorrelationJob& job) {
+  FilterBandWith(job, &Finish<T, kPairs>);
 }
 
 }  // namespace
@@ -356,12 +356,18 @@ bool CorrelateCells(MatrixSpan<Cell> x, MatrixSpan<const double> kernel, EdgeMod
     for (std::size_t i = 0; i < last_count + bands.Halo(); ++i) {
       rows[i] = reinterpret_cast<const double*>(bands.Rows()[i]);
     }
-    const CorrelationJob<T> job{&plan,        trust,
-                                is_separable, is_plain,
-                                kStep,        rows.data(),
-                                sums.Rows(),  bands.Fresh(),
-                                last_count,   reinterpret_cast<T*>(x.data + bands.First() * x.cols),
-                                width};
+    const CorrelationJob job{.plan = &plan,
+                             .trust = trust,
+                             .is_separable = is_separable,
+                             .is_plain = is_plain,
+                             .is_whole = kWhole,
+                             .step = kStep,
+                             .rows = rows.data(),
+                             .sums = sums.Rows(),
+                             .fresh = bands.Fresh(),
+                             .count = last_count,
+                             .out = x.data + bands.First() * x.cols,
+                             .width = width};
     VELA_KERNEL_DISPATCH(FilterBand<T, kPairs>)(job);
   }
   return true;

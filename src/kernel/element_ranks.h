@@ -10,6 +10,7 @@
 #include <memory>
 #include <new>
 #include <numeric>
+#include <span>
 
 #include "kernel/element_types.h"
 #include "kernel/padded_bands.h"
@@ -41,22 +42,21 @@ class ElementRanks {
         ranks_(new std::uint32_t[capacity]),
         sorted_(new T[capacity]) {}
 
-  /// Ranks value(0) ... value(count - 1).
-  template <class Value>
-  void Assign(std::size_t count, Value value) {
-    const int bits = std::bit_width(count);
-    const std::uint64_t mask = (std::uint64_t{1} << bits) - 1;
+  /// Ranks the elements, at most `capacity`.
+  void Assign(std::span<const T> elements) {
+    const std::size_t count = elements.size();
+    const int bits = kIsWide ? std::bit_width(count) : 32;
+    const std::uint64_t position = (std::uint64_t{1} << bits) - 1;
     for (std::size_t i = 0; i < count; ++i) {
-      const std::uint64_t key = OrderKey(T{value(i)});
-      keys_[i] = (kIsWide ? key & ~mask : key << 32) | i;
+      const std::uint64_t key = OrderKey(elements[i]);
+      keys_[i] = (kIsWide ? key & ~position : key << 32) | i;
     }
     VectorSort(keys_.get(), count);
-    const std::uint64_t position = kIsWide ? mask : 0xFFFFFFFF;
-    if constexpr (kIsWide) SortTies(count, bits, value);
+    if constexpr (kIsWide) SortTies(elements, bits);
     for (std::size_t k = 0; k < count; ++k) {
       const std::size_t i = keys_[k] & position;
       ranks_[i] = static_cast<std::uint32_t>(k);
-      sorted_[k] = value(i);
+      sorted_[k] = elements[i];
     }
   }
 
@@ -74,10 +74,10 @@ class ElementRanks {
   }
 
   // Sorts the elements whose keys differ only in the bits that gave way to their numbers.
-  template <class Value>
-  void SortTies(std::size_t count, int bits, Value value) {
-    const std::uint64_t mask = (std::uint64_t{1} << bits) - 1;
-    const auto key = [&](std::uint64_t k) { return OrderKey(T{value(k & mask)}); };
+  void SortTies(std::span<const T> elements, int bits) {
+    const std::size_t count = elements.size();
+    const std::uint64_t position = (std::uint64_t{1} << bits) - 1;
+    const auto key = [&](std::uint64_t k) { return OrderKey(elements[k & position]); };
     for (std::size_t begin = 0, end; begin < count; begin = end) {
       bool differ = false;
       for (end = begin + 1; end < count && keys_[end] >> bits == keys_[begin] >> bits; ++end) {

@@ -41,6 +41,7 @@ class RowRing {
   }
 
   T* const* Rows() const { return rows_.data(); }
+  std::size_t Count() const { return rows_.size(); }
   /// Row `by` becomes row 0; those before it come behind the last.
   void Advance(std::size_t by) {
     std::rotate(rows_.begin(), rows_.begin() + static_cast<std::ptrdiff_t>(by), rows_.end());

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "kernel/element_ranks.h"
@@ -32,10 +33,11 @@ class RankMedian {
   /// For matrices of up to rows by cols. Throws std::bad_alloc.
   RankMedian(std::size_t side, std::size_t rows, std::size_t cols)
       : side_(side),
-        tile_rows_(std::min(rows, std::max(kTileSide, side))),
-        tile_cols_(std::min(cols, std::max(kTileSide, side))),
+        tile_rows_(std::min(rows, TileSide(side))),
+        tile_cols_(std::min(cols, TileSide(side))),
         capacity_(
             CheckedProduct(CheckedSum(tile_rows_, side - 1), CheckedSum(tile_cols_, side - 1))),
+        tile_(capacity_),
         ranks_(capacity_),
         bits_(capacity_ / 64 + 2),
         low_(tile_cols_),
@@ -53,29 +55,21 @@ class RankMedian {
   }
 
  private:
-  // Tiles of small windows are larger than these, as what tiles share is ranked twice.
-  static constexpr std::size_t kTileSide = 128;
+  // In a larger tile, the elements of a window are further apart in the set; what tiles share is
+  // ranked twice.
+  static constexpr std::size_t TileSide(std::size_t side) {
+    return std::max(side, std::min<std::size_t>(5 * side, 128));
+  }
 
   void FilterTile(const T* const* rows, std::size_t column, std::size_t count, std::size_t cols,
                   T* out, std::size_t out_stride) {
     const std::size_t height = count + side_ - 1, width = cols + side_ - 1;
     // Column by column, as windows take them in.
-    std::size_t at = 0, r = 0, c = column;
-    ranks_.Assign(height * width, [&](std::size_t i) {
-      // Called for one element after the other, and for single ones.
-      if (i != at) {
-        at = i;
-        r = i % height;
-        c = column + i / height;
-      }
-      const T value = rows[r][c];
-      ++at;
-      if (++r == height) {
-        r = 0;
-        ++c;
-      }
-      return value;
-    });
+    for (std::size_t r = 0; r < height; ++r) {
+      const T* const row = rows[r] + column;
+      for (std::size_t c = 0; c < width; ++c) tile_[c * height + r] = row[c];
+    }
+    ranks_.Assign(std::span(tile_).first(height * width));
     const MedianPlace place(side_ * side_);
     const T* const sorted = ranks_.Sorted();
     for (std::size_t i = 0; i < count; ++i, out += out_stride) {
@@ -90,6 +84,7 @@ class RankMedian {
   }
 
   std::size_t side_, tile_rows_, tile_cols_, capacity_;
+  std::vector<T> tile_;
   ElementRanks<T> ranks_;
   std::vector<std::uint64_t> bits_;
   std::vector<std::uint32_t> low_, high_;

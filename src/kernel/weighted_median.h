@@ -28,7 +28,9 @@ class WeightedMedian {
         counts_(x.Size() + 1),
         blocks_(x.Size() / kBlock + 2),
         row_weights_(x.rows) {
-    ranks_.Assign(x.Size() + 1, [&](std::size_t i) { return i == 0 ? T{} : x.data[i - 1]; });
+    std::vector<T> elements(1);  // a zero first
+    elements.insert(elements.end(), x.data, x.data + x.Size());
+    ranks_.Assign(elements);
   }
 
   /// out(r, c) becomes the median of the window of the element there.
