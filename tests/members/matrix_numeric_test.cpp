@@ -45,6 +45,38 @@ TEST(MatrixFilters, Medians) {
   EXPECT_EQ(Call(MatrixOf<OneTCcomplex>({{1}}), "MedianFilter", 3, 0).status, status::kUnsupported);
 }
 
+TEST(MatrixFilters, Morphology) {
+  const Rows rows = {{0, 0, 0, 0}, {0, 7, 3, 0}, {0, 0, 0, kM}};
+  const ObjectRef square = VectorOf<double>({1, 1, 1, 1, 1, 1, 1, 1, 1});
+  ObjectRef m = MatrixOf<double>(rows);
+  EXPECT_EQ(Call(m, "ImDilate", square).Int(), 0);
+  ExpectRows(m, {{7, 7, 7, 3}, {7, 7, 7, 3}, {7, 7, 7, 3}});
+  const ObjectRef pair = MatrixOf<double>({{1, 1}});  // with the left neighbour
+  const struct {
+    const char* member;
+    Rows expected;
+  } cases[] = {{"ImErode", {{0, 0, 1, 2}}},
+               {"ImDilate", {{1, 3, 3, 2}}},
+               {"ImOpen", {{0, 1, 2, 2}}},
+               {"ImClose", {{1, 1, 3, 2}}}};
+  for (const auto& c : cases) {
+    m = MatrixOf<float>({{0, 1, 3, 2}});
+    EXPECT_EQ(Call(m, c.member, pair).Int(), 0);
+    ExpectRows(m, c.expected);
+  }
+  m = MatrixOf<double>({{kM, kM}});
+  EXPECT_EQ(Call(m, "ImErode", MatrixOf<double>({{1}})).Int(), 0);
+  EXPECT_EQ(Call(m, "ImOpen", VectorOf<double>({1, 1})).Int(), 1);
+  EXPECT_EQ(Call(m, "ImErode", EmptyMatrix()).Int(), 1);
+  EXPECT_EQ(Call(m, "ImErode", MatrixOf<double>({{0}})).Int(), 1);
+  EXPECT_EQ(Call(m, "ImErode", MatrixOf<float>({{1}})).Int(), 1);
+  EXPECT_EQ(Call(m, "ImErode", Null()).Int(), 1);
+  EXPECT_EQ(Call(m, "ImErode", 3).Int(), 1);
+  ExpectRows(m, {{kM, kM}});
+  EXPECT_EQ(Call(m, "ImDilate", m).Int(), 0);
+  EXPECT_EQ(Call(MatrixOf<int>({{1}}), "ImErode", square).status, status::kUnsupported);
+}
+
 TEST(MatrixFilters, Frequencies) {
   const ObjectRef m = MatrixOf<float>({{1, 3, 1, 3}, {1, 3, 1, 3}});
   EXPECT_EQ(Call(m, "FreqFilter", 2, 4, 0, 0.5, 0, 1.0).Int(), 0);

@@ -367,6 +367,7 @@ TEST(MatrixStructure, Announcements) {
       {"Wrap", [](auto& m) { return Call(m, "Wrap", 1, 1); }, false},
       {"Sort", [](auto& m) { return Call(m, "Sort", 1); }, false},
       {"NANtoValue", [](auto& m) { return Call(m, "NANtoValue", 0.0); }, false},
+      {"ImDilate", [&](auto& m) { return Call(m, "ImDilate", element); }, false},
       {"ApplyFilter", [&](auto& m) { return Call(m, "ApplyFilter", other, 2, 0); }, true},
       {"FreqFilter", [](auto& m) { return Call(m, "FreqFilter", 2, 2, 0, 0.5, 1, 1.0); }, true},
       {"FreqFilter 9", [](auto& m) { return Call(m, "FreqFilter", 2, 2, 9, 0.5, 1, 1.0); }, false},
