@@ -44,6 +44,10 @@ class Server:
         if self.beside:
             self.beside.send(data | {"path": own_copy(data["path"])} if "path" in data else data)
         self.ask("drop")
+        self.add(data)
+
+    def add(self, data):
+        """To what was sent; only to this server."""
         for name, value in data.items():
             if isinstance(value, str):
                 self.ask(f"value {name} {value}")
@@ -73,6 +77,9 @@ class Case:
         self.peers = peers
         self.target = target
         self.expected = expected
+
+    def same(self, result, expected):
+        return result == expected
 
 
 class Native:
@@ -135,10 +142,10 @@ def check(case, data, server, timers):
     if case.expected is None:
         return
     expected = case.expected(data)
-    if server.result() != expected:
+    if not case.same(server.result(), expected):
         raise RuntimeError(f"{case.name}: the result is not that of the peers")
     for name, timer in timers.items():
-        if isinstance(timer, NativeTimer) and timer.server.result() != expected:
+        if isinstance(timer, NativeTimer) and not case.same(timer.server.result(), expected):
             raise RuntimeError(f"{name}: the result is not that of the others")
 
 
@@ -160,7 +167,8 @@ class Measured:
         return statistics.median(b / o for b, o in zip(self.beside, self.ours))
 
 
-def measure(server, case, data, rounds, calls, native_program=None):
+def measure(server, case, data, rounds, calls, native_program=None, limit=None):
+    """Ends after the round that passes the limit in seconds."""
     servers = [server, server.beside] if server.beside else [server]
     for each in servers:
         each.ask(f"prepare {case.name}")
@@ -168,16 +176,19 @@ def measure(server, case, data, rounds, calls, native_program=None):
     measured = Measured(timers)
     try:
         check(case, data, server, timers)
+        start = time.perf_counter()
         for round_number in range(rounds + 1):
             ours = statistics.median(server.times(calls))
             beside = [statistics.median(each.times(calls)) for each in servers[1:]]
             peers = {name: statistics.median(t.times(calls)) for name, t in timers.items()}
-            if round_number == 0:
+            if round_number == 0 and (limit is None or time.perf_counter() - start < limit):
                 continue  # warm-up
             measured.ours.append(ours)
             measured.beside += beside
             for name, seconds in peers.items():
                 measured.peers[name].append(seconds)
+            if limit is not None and time.perf_counter() - start > limit:
+                break
     finally:
         for timer in timers.values():
             if isinstance(timer, NativeTimer):
@@ -193,7 +204,7 @@ def human(seconds):
 
 
 def print_heading(of, with_windows):
-    print(f"{'member':17} {of:>10} {'ours':>9} {'best peer':>9}  {'peer':24} {'ratio':>6} "
+    print(f"{'member':24} {of:>10} {'ours':>9} {'best peer':>9}  {'peer':24} {'ratio':>6} "
           f"{'asked':>5}{'  windows' if with_windows else ''}")
 
 
@@ -202,5 +213,5 @@ def print_row(name, target, size, measured):
     theirs, peer = measured.best_peer()
     asked = f"{target:g}" if target else ""
     windows = f"{measured.beside_ratio():9.2f}" if measured.beside else ""
-    print(f"{name:17} {size:10} {human(ours):>9} {human(theirs):>9}  "
+    print(f"{name:24} {size:10} {human(ours):>9} {human(theirs):>9}  "
           f"{peer:24} {theirs / ours:6.2f} {asked:>5}{windows}", flush=True)

@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "cases.h"
+#include "matrix_cases.h"
 #include "server.h"
 #include "text_cases.h"
 
@@ -14,5 +15,6 @@ int main() {
   library.Configure();
   vela::bench::Cases cases = vela::bench::TextCases(library);
   cases.merge(vela::bench::NumericCases(library));
+  cases.merge(vela::bench::MatrixCases(library));
   vela::bench::Serve(cases);
 }

@@ -23,6 +23,7 @@ import bottleneck as bn  # noqa: E402
 import numpy as np  # noqa: E402
 import pandas as pd  # noqa: E402
 
+import matrix_cases  # noqa: E402
 import text_cases  # noqa: E402
 from driver import (Case, PythonTimer, Server, human, measure, member_bench,  # noqa: E402
                     print_heading, print_row, processor)
@@ -217,6 +218,7 @@ def main():
     print_call_costs(server)
     sizes = [int(size) for size in arguments.sizes.split(",")]
     run_all_numeric(server, sizes, wanted, arguments.rounds)
+    matrix_cases.run(server, wanted, arguments.rounds)
     text_cases.run(server, os.path.join(arguments.programs, "text_peers"), wanted,
                    arguments.rounds, arguments.file_megabytes)
 

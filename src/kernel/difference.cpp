@@ -7,6 +7,7 @@
 
 #include "kernel/convert.h"
 #include "kernel/dispatch.h"
+#include "kernel/missing.h"
 
 #ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/difference.cpp"
@@ -42,14 +43,20 @@ HWY_INLINE V DifferenceOf(D d, V later, V earlier) {
 }
 
 // Front to back, so that in place an element is replaced only after its last use.
-template <class T>
-void DifferenceLoop(const T* x, T* result, std::size_t count) {
+template <class T, bool kMissingSpreads>
+void DifferenceLoop(const T* x, std::size_t lag, T* result, std::size_t count) {
   const auto* const from = reinterpret_cast<const LaneOf<T>*>(x);
   auto* const to = reinterpret_cast<LaneOf<T>*>(result);
   ForEachVector(result, count, [=](auto d, std::size_t i) HWY_ATTR {
     const auto earlier = hn::LoadU(d, from + i);
-    const auto later = hn::LoadU(d, from + i + 1);
-    hn::StoreU(DifferenceOf(d, later, earlier), d, to + i);
+    const auto later = hn::LoadU(d, from + i + lag);
+    auto difference = DifferenceOf(d, later, earlier);
+    if constexpr (kMissingSpreads && std::same_as<T, double>) {
+      const auto missing = hn::Set(d, kMissing);
+      const auto is_missing = hn::Or(hn::Eq(later, missing), hn::Eq(earlier, missing));
+      difference = hn::IfThenElse(is_missing, missing, difference);
+    }
+    hn::StoreU(difference, d, to + i);
   });
 }
 
@@ -60,18 +67,35 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace vela::kernel {
 
-template <Element T>
-void Difference(std::span<const T> x, std::span<T> result) {
+namespace {
+
+template <bool kMissingSpreads, class T>
+void DifferenceOver(std::span<const T> x, std::size_t lag, std::span<T> result) {
   if constexpr (std::integral<T> && sizeof(T) == 8) {
     for (std::size_t i = 0; i < result.size(); ++i) {
-      result[i] = ConvertElement<T>(static_cast<double>(x[i + 1]) - static_cast<double>(x[i]));
+      result[i] = ConvertElement<T>(static_cast<double>(x[i + lag]) - static_cast<double>(x[i]));
     }
   } else {
-    VELA_KERNEL_DISPATCH(DifferenceLoop<T>)(x.data(), result.data(), result.size());
+    VELA_KERNEL_DISPATCH(DifferenceLoop<T, kMissingSpreads>)
+    (x.data(), lag, result.data(), result.size());
   }
 }
 
-#define VELA_KERNEL_INSTANTIATE(T) template void Difference(std::span<const T>, std::span<T>);
+}  // namespace
+
+template <Element T>
+void Difference(std::span<const T> x, std::span<T> result) {
+  DifferenceOver<false>(x, 1, result);
+}
+
+template <Element T>
+void LaggedDifference(std::span<const T> x, std::size_t lag, std::span<T> result) {
+  DifferenceOver<true>(x, lag, result);
+}
+
+#define VELA_KERNEL_INSTANTIATE(T)                            \
+  template void Difference(std::span<const T>, std::span<T>); \
+  template void LaggedDifference(std::span<const T>, std::size_t, std::span<T>);
 VELA_KERNEL_FOR_SIMPLE_TYPES(VELA_KERNEL_INSTANTIATE)
 #undef VELA_KERNEL_INSTANTIATE
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <span>
 
 #include "kernel/element_types.h"
@@ -11,5 +12,10 @@ namespace vela::kernel {
 /// result.size() == x.size() - 1; result may start where x starts, otherwise they must not overlap.
 template <Element T>
 void Difference(std::span<const T> x, std::span<T> result);
+
+/// result[i] = x[i + lag] - x[i] likewise, but missing where one of them is. lag is at least 1 and
+/// at most x.size(); result.size() == x.size() - lag.
+template <Element T>
+void LaggedDifference(std::span<const T> x, std::size_t lag, std::span<T> result);
 
 }  // namespace vela::kernel

@@ -4,9 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Expands F(T) once for each of the ten simple element types: the one list that every table and
-/// every instantiation per type is made from.
-#define VELA_KERNEL_FOR_SIMPLE_TYPES(F) \
+/// Expands F(T) once for each of the eight simple element types that a matrix can have.
+#define VELA_KERNEL_FOR_MATRIX_TYPES(F) \
   F(char)                               \
   F(unsigned char)                      \
   F(short)                              \
@@ -14,7 +13,12 @@
   F(int)                                \
   F(unsigned int)                       \
   F(float)                              \
-  F(double)                             \
+  F(double)
+
+/// Expands F(T) once for each of the ten simple element types: the one list that every table and
+/// every instantiation per type is made from.
+#define VELA_KERNEL_FOR_SIMPLE_TYPES(F) \
+  VELA_KERNEL_FOR_MATRIX_TYPES(F)       \
   F(std::int64_t)                       \
   F(std::uint64_t)
 

@@ -5,6 +5,7 @@
 #include <type_traits>
 
 #include "kernel/dispatch.h"
+#include "kernel/read_ahead.h"
 
 #ifndef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernel/min_max.cpp"
@@ -58,6 +59,7 @@ Range<T> Widen(Range<T> range, const T* HWY_RESTRICT x, std::size_t n, bool& has
   };
   std::size_t i = 0;
   for (; i + kChains * lanes <= n; i += kChains * lanes) {
+    ReadAhead(x + i, kChains * lanes * sizeof(T));
     for (std::size_t k = 0; k < kChains; ++k) visit(k, i + k * lanes);
   }
   for (; i + lanes <= n; i += lanes) visit(0, i);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <span>
 
 #include "kernel/element_types.h"
@@ -14,5 +15,14 @@ namespace vela::kernel {
 /// pass (more when the sum or a part of it is not finite), no allocation.
 template <Element T>
 double Sum(std::span<const T> x);
+
+struct PresentSum {
+  double sum;
+  std::size_t count;  ///< elements that are not missing
+};
+
+/// The sum as above and how many elements it is of, in the same pass.
+template <Element T>
+PresentSum SumPresent(std::span<const T> x);
 
 }  // namespace vela::kernel

@@ -2,6 +2,9 @@
 
 #include <cstddef>
 
+/// Expands F(Word<N>) for each width that the elements of a matrix have.
+#define VELA_KERNEL_FOR_MATRIX_WORDS(F) F(Word<1>) F(Word<2>) F(Word<4>) F(Word<8>) F(Word<16>)
+
 namespace vela::kernel {
 
 /// An element of that many bytes whatever it means: kernels that only move elements are compiled

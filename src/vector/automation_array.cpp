@@ -8,6 +8,7 @@
 #include "frame/interface/host_services.h"
 #include "platform/automation.h"
 #include "vector/automation_values.h"
+#include "vector/locked_array.h"
 
 namespace vela {
 namespace {
@@ -101,22 +102,6 @@ void FillVariants(void* cells, const ConstElementSpan& elements, VARTYPE type, s
   });
 }
 
-// The cells of an array, which stays locked for as long as this lives.
-class LockedCells {
- public:
-  explicit LockedCells(SAFEARRAY* array) : array_(array) {
-    if (FAILED(SafeArrayAccessData(array_, &cells_))) member::Fail(status::kArrayFailed);
-  }
-  ~LockedCells() { SafeArrayUnaccessData(array_); }
-  LockedCells(const LockedCells&) = delete;
-  LockedCells& operator=(const LockedCells&) = delete;
-  void* Get() const { return cells_; }
-
- private:
-  SAFEARRAY* array_;
-  void* cells_ = nullptr;
-};
-
 // An array of count elements, each of so many bytes, that fill(cells, shape) fills.
 template <class Fill>
 void ReturnFilled(member::Arguments& args, VARTYPE type, std::size_t width, std::size_t count,
@@ -132,7 +117,7 @@ void ReturnFilled(member::Arguments& args, VARTYPE type, std::size_t width, std:
   const VARTYPE array_type = layout.variants ? VARTYPE{VT_VARIANT} : type;
   OwnedArray array =
       CreateArray(array_type, layout.variants ? sizeof(VARIANT) : width, shape, layout);
-  fill(LockedCells(array.get()).Get(), shape);
+  fill(LockedArray(array.get()).Get(), shape);
   if (FAILED(VariantClear(&result))) member::Fail(status::kFailed);
   result.vt = static_cast<VARTYPE>(VT_ARRAY | array_type);
   result.parray = array.release();

@@ -144,11 +144,9 @@ Value Compiler::AssignObject(Place target, std::optional<BinaryOperator> op, Val
                       (value.type.IsPoint() && type.IsContainer() && IsPoint(type.element));
   const bool fits = scalar ? type.IsContainer() || type.IsVariant()
                            : CanReferTo(type, value.type) || CanReferTo(value.type, type) ||
-                                 (type.IsVector() && value.type.IsVector()) ||
-                                 (type.IsMatrix() && value.type.IsMatrix()) ||
+                                 (type.IsContainer() && value.type.IsContainer()) ||
                                  ((type.IsVariant() || value.type.IsVariant()) &&
-                                  value.carrier == kObjectCarrier) ||
-                                 (op && type.IsContainer() && value.type.IsContainer());
+                                  value.carrier == kObjectCarrier);
   if (!fits) {
     Fail(range, "cannot convert " + Spelling(value.type) + " to " + Spelling(type));
   }

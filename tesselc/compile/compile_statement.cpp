@@ -153,7 +153,7 @@ NodePtr Compiler::Visit(const RangeFor& statement, const SourceRange&) {
   Value container = Load(std::move(range_place), where);
   const StaticType walked = container.type;
   const bool texts = walked.name == TypeName::kStringArray;
-  if (!walked.is_array && !walked.IsVector() && !texts) {
+  if (!walked.is_array && !walked.IsContainer() && !texts) {
     Fail(where, Spelling(walked) + " cannot be walked over");
   }
 
@@ -161,11 +161,19 @@ NodePtr Compiler::Visit(const RangeFor& statement, const SourceRange&) {
   loop.container = std::move(container.node);
   loop.object = context_.layout->Allocate(sizeof(ObjectReference));
   loop.position = context_.layout->Allocate(sizeof(std::int64_t));
-  loop.over_array = walked.is_array;
+  if (walked.is_array) loop.walk = Walk::kObjects;
+  if (walked.IsMatrix()) {
+    loop.walk = Walk::kCells;
+    loop.column = context_.layout->Allocate(sizeof(std::int64_t));
+  }
   loop.where = where;
   const auto element = [&] {
     NodePtr object = MakeLoadObject(ObjectPlace::Reference(loop.object), {}, where);
     NodePtr index = MakeLoad(TypeName::kInt64, VariablePlace::Local(loop.position));
+    if (walked.IsMatrix()) {
+      NodePtr column = MakeLoad(TypeName::kInt64, VariablePlace::Local(loop.column));
+      return CellOf(walked, std::move(object), std::move(index), std::move(column), where);
+    }
     if (!walked.is_array) return ElementOf(walked, std::move(object), std::move(index), where);
     Place array{walked, false, Place::Object{std::move(object), nullptr}};
     return IndexArray(std::move(array), std::move(index), where);

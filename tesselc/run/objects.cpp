@@ -5,6 +5,7 @@
 
 #include "frame/interface/script_object.h"
 #include "tesselc/run/bindings.h"
+#include "tesselc/run/member_call.h"
 #include "tesselc/run/number_conversion.h"
 #include "tesselc/run/operators.h"
 #include "tesselc/run/plain_operand.h"
@@ -286,6 +287,15 @@ bool IsEmpty(const ObjectValue& value) {
   return value.object->GetUpperBound(value.At(), upper) == status::kOk && upper < 0;
 }
 
+// x = x / divisor element by element, where the operator between matrices is another.
+void DivideByElement(Frame& frame, const ObjectValue& x, const ObjectValue& divisor,
+                     const SourceRange& where) {
+  CallFrameLease call(*frame.run);
+  call->GetIndeces() = x.at;
+  call->AddObject(divisor.object, divisor.at);
+  CallMethod(*x.object, "DotDivide", *call, where);
+}
+
 template <class T>
 class OperateOnFilled final : public Expr<OperateOnFilled<T>, ObjectValue> {
  public:
@@ -303,7 +313,11 @@ class OperateOnFilled final : public Expr<OperateOnFilled<T>, ObjectValue> {
     if (IsEmpty(right)) Operate(frame, result, operation::kAdd, 0, where_);
     const ObjectValue operand = IsEmpty(right) ? CopyFor(result, frame, where_) : right;
     Operate(frame, result, operation::kAssign, left, where_);
-    Operate(frame, result, op_, operand, where_);
+    if (op_ == operation::kDivide && (result.object->GetTypeID() & kFlagAnyMatrix) != 0) {
+      DivideByElement(frame, result, operand, where_);
+    } else {
+      Operate(frame, result, op_, operand, where_);
+    }
     return result;
   }
 

@@ -16,7 +16,7 @@ class RangeLoopNode final : public Node {
     frame.At<ObjectReference>(loop_.object) = {container.object, container.at};
     const auto reference = loop_.element ? loop_.element->MakeReference() : nullptr;
     for (std::int64_t i = 0; i < Size(container); ++i) {
-      frame.At<std::int64_t>(loop_.position) = i;
+      GoTo(i, container, frame);
       if (reference) {
         reference->Bind(frame);
         frame.At<ScalarReference>(loop_.reference) = {nullptr, reference.get()};
@@ -33,8 +33,31 @@ class RangeLoopNode final : public Node {
   }
 
  private:
+  struct Shape {
+    int rows = 0, columns = 0;
+  };
+  static Shape ShapeOf(const ObjectValue& matrix) {
+    Shape shape;
+    matrix.object->GetMatrixDimensions(&shape.rows, &shape.columns, matrix.At());
+    return shape;
+  }
+
+  void GoTo(std::int64_t i, const ObjectValue& container, Frame& frame) const {
+    std::int64_t position = i;
+    if (loop_.walk == Walk::kCells) {
+      const std::int64_t columns = ShapeOf(container).columns;
+      position = i / columns;
+      frame.At<std::int64_t>(loop_.column) = i % columns;
+    }
+    frame.At<std::int64_t>(loop_.position) = position;
+  }
+
   std::int64_t Size(const ObjectValue& container) const {
-    if (loop_.over_array) return container.object->GetArraySize();
+    if (loop_.walk == Walk::kObjects) return container.object->GetArraySize();
+    if (loop_.walk == Walk::kCells) {
+      const Shape shape = ShapeOf(container);
+      return std::int64_t{shape.rows} * shape.columns;
+    }
     int upper = -1;
     CheckStatus(container.object->GetUpperBound(container.At(), upper), "get the size",
                 loop_.where);

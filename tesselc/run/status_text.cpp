@@ -10,6 +10,7 @@ struct Meaning {
   const char* text;
 };
 constexpr Meaning kMeanings[] = {
+    {status::kNoRow, "there is no such row or layer"},
     {status::kOk, "success"},
     {status::kFailed, "the call could not be carried out"},
     {status::kUnresolved, "there is no such object or element"},

@@ -2,6 +2,8 @@
 #include <cfloat>
 #include <random>
 
+#include "kernel/mean.h"
+#include "kernel/median.h"
 #include "kernel/min_max.h"
 #include "kernel/product.h"
 #include "kernel/sum.h"
@@ -133,6 +135,66 @@ TEST(ProductTest, Rules) {
     const ProductResult result = Product(std::span<const double>(x), skip_missing, guard);
     EXPECT_TRUE(Same(result.value, value)) << result.value << " is not " << value;
     EXPECT_EQ(result.used, used);
+  }
+}
+
+template <class T>
+double MedianReference(std::vector<T> x) {
+  if (x.empty()) return kMissing;
+  const auto ranked = [&](std::size_t rank) {
+    const auto place = x.begin() + static_cast<std::ptrdiff_t>(rank);
+    std::nth_element(x.begin(), place, x.end(),
+                     [](T a, T b) { return a < b || (a == a && b != b); });
+    return *place;
+  };
+  const T upper = ranked(x.size() / 2), lower = ranked((x.size() - 1) / 2);
+  if (IsMissing(upper) || IsMissing(lower)) return 0;
+  const double sum = static_cast<double>(upper) + static_cast<double>(lower);
+  if (x.size() % 2 == 1) return static_cast<double>(upper);
+  return IsMissing(sum) ? 0 : sum / 2;
+}
+
+TYPED_TEST(ReductionTest, MeanAndMedianOfSamples) {
+  for (const auto& sample : Samples<TypeParam>()) {
+    const std::span<const TypeParam> x(sample);
+    const double median = Median(x), expected = MedianReference(sample);
+    EXPECT_TRUE(Same(median, expected)) << x.size() << ": " << median << ", not " << expected;
+    const std::size_t count = x.size() - static_cast<std::size_t>(std::count(
+                                             x.begin(), x.end(), static_cast<TypeParam>(kMissing)));
+    if constexpr (std::same_as<TypeParam, double>) {
+      const double mean = Mean(x);
+      EXPECT_TRUE(Same(mean, count == 0 ? kMissing : Sum(x) / static_cast<double>(count)));
+    }
+  }
+  const std::vector<TypeParam> three = {1, 2, 6};
+  EXPECT_EQ(Mean(std::span<const TypeParam>(three)), 3);
+  EXPECT_EQ(Mean(std::span<const TypeParam>()), kMissing);
+}
+
+// More elements than are sorted, of shapes that mislead a sample or leave nothing to collect.
+TYPED_TEST(ReductionTest, MedianOfManyElements) {
+  using T = TypeParam;
+  const std::size_t n = 300'000;
+  for (const std::size_t size : {n, n + 1}) {
+    std::vector<std::vector<T>> shapes(6, std::vector<T>(size));
+    shapes[0] = RandomElements<T>(size, false, 1);
+    shapes[1] = RandomElements<T>(size, true, 2);
+    for (std::size_t i = 0; i < size; ++i) {
+      shapes[2][i] = static_cast<T>(i % 1000 < 3 ? 100 : 5);
+      shapes[3][i] = static_cast<T>(i);
+      shapes[4][i] = static_cast<T>(2 * i < size ? 3 : 8);
+      shapes[5][i] = static_cast<T>(i % 2 == 0 ? kNaN : static_cast<double>(i % 97));
+    }
+    for (const auto& x : shapes) {
+      EXPECT_TRUE(Same(Median(std::span<const T>(x)), MedianReference(x)));
+    }
+    if constexpr (std::same_as<T, double>) {
+      std::fill_n(shapes[3].begin(), size / 2 + 1, kMissing);
+      EXPECT_EQ(Median(std::span<const T>(shapes[3])), 0);
+      shapes[3][0] = -1;
+      shapes[3][1] = 1;
+      EXPECT_EQ(Median(std::span<const T>(shapes[3])), MedianReference(shapes[3]));
+    }
   }
 }
 

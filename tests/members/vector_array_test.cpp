@@ -3,6 +3,7 @@
 
 #include "frame/element_value.h"
 #include "frame/interface/host_services.h"
+#include "matrix_fixture.h"
 #include "platform/automation.h"
 #include "text_fixture.h"
 
@@ -145,6 +146,34 @@ TEST(Array, EdgesAndRefusals) {
             status::kBadValue);
   EXPECT_EQ(CallForVariant(VectorOf<double>({}), variant, "GetAs1DArray").status, status::kOk);
   EXPECT_EQ(ValueIn(variant).vt, VT_EMPTY);
+}
+
+TEST(Array, MatrixThereAndBack) {
+  const Rows rows = {{1, -2, 3}, {4, 5, -128}};
+  const ObjectRef variant = Make(kTypeVariant);
+  for (const int variants : {0, 1}) {
+    ForEachElementType([&]<class T>() {
+      if constexpr (DatasetElement<T> && SimpleElement<T>) {
+        const ObjectRef m = MatrixOf<T>(rows);
+        EXPECT_EQ(CallForVariant(m, variant, "GetAs2DArray", variants).status, 0);
+        EXPECT_EQ(ArrayIn(variant).cDims, 2);
+        const ObjectRef back = EmptyMatrix();
+        EXPECT_EQ(Call(back, "SetByArrayInVariant", variant).Int(), 1) << kElement<T>.name;
+        ExpectRows(back, RowsOf(m));
+      }
+    });
+  }
+  EXPECT_EQ(CallForVariant(VectorOf<short>({7, -8}), variant, "GetAs1DArray", 5).status, 0);
+  const ObjectRef m = MatrixOf<double>({{1}, {2}});
+  EXPECT_EQ(Call(m, "SetByArrayInVariant", variant).Int(), 1);
+  ExpectRows(m, {{7, -8}});
+  EXPECT_EQ(CallForVariant(EmptyMatrix(), variant, "GetAs2DArray").status, 0);
+  EXPECT_EQ(ValueIn(variant).vt, VT_EMPTY);
+  EXPECT_EQ(Call(m, "SetByArrayInVariant", variant).Int(), 0);
+  EXPECT_EQ(Call(m, "SetByArrayInVariant", m).status, status::kBadArguments);
+  EXPECT_EQ(Call(m, "SetByArrayInVariant", Null()).status, status::kBadArguments);
+  EXPECT_EQ(CallForVariant(MatrixOf<OneTCcomplex>(rows), variant, "GetAs2DArray").status,
+            status::kUnsupported);
 }
 
 }  // namespace

@@ -42,25 +42,36 @@ T ReadElement(Arguments& args, unsigned arg) {
   }
 }
 
+// The layer of a container with one of the flags; of none for NULL.
+Layer OptionalLayer(Arguments& args, unsigned arg, unsigned flags) {
+  const tagMSOOBJVECT object = args.Object(arg);
+  if (object.object == nullptr) return {};
+  if ((object.object->GetTypeID() & flags) == 0 || object.indices.ElementCount() != 0) {
+    Fail(status::kBadArguments);
+  }
+  auto* container = dynamic_cast<TCAllTensorsBase*>(object.object);
+  if (container == nullptr) Fail(status::kBadArguments);
+  const int layer = container->GetVecArrayIndex(&object.indices);
+  if (layer < 0 || layer >= container->LayerCount()) Fail(status::kOutOfRange);
+  return {container, layer};
+}
+
 }  // namespace
 
 Layer OptionalVector(Arguments& args, unsigned arg) {
-  const tagMSOOBJVECT object = args.Object(arg);
-  if (object.object == nullptr) return {};
-  if ((object.object->GetTypeID() & kFlagAnyVector) == 0 || object.indices.ElementCount() != 0) {
-    Fail(status::kBadArguments);
-  }
-  auto* vector = dynamic_cast<TCAllTensorsBase*>(object.object);
-  if (vector == nullptr) Fail(status::kBadArguments);
-  const int layer = vector->GetVecArrayIndex(&object.indices);
-  if (layer < 0 || layer >= vector->LayerCount()) Fail(status::kOutOfRange);
-  return {vector, layer};
+  return OptionalLayer(args, arg, kFlagAnyVector);
 }
 
 Layer RequiredVector(Arguments& args, unsigned arg) {
   const Layer vector = OptionalVector(args, arg);
   if (!vector) Fail(status::kBadArguments);
   return vector;
+}
+
+Layer RequiredMatrix(Arguments& args, unsigned arg) {
+  const Layer matrix = OptionalLayer(args, arg, kFlagAnyMatrix);
+  if (!matrix) Fail(status::kUnresolved);
+  return matrix;
 }
 
 AnyElement ElementArgument(Arguments& args, unsigned arg, unsigned type_id) {

@@ -12,6 +12,10 @@ namespace vela {
 Layer OptionalVector(member::Arguments& args, unsigned arg);
 Layer RequiredVector(member::Arguments& args, unsigned arg);
 
+// The layer that a matrix argument addresses: ends the handler with 2 for NULL, 3 for anything
+// else, 28 for a layer that it does not have.
+Layer RequiredMatrix(member::Arguments& args, unsigned arg);
+
 // Whether the argument is a vector with this element type, one row of it included.
 inline bool IsVectorOf(const member::Arguments& args, unsigned arg, unsigned type_id) {
   const unsigned word = args.TypeId(arg);

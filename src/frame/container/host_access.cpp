@@ -163,11 +163,14 @@ unsigned TCAllTensorsBase::GetBufferSize(const MSOINDICES* at) {
 int TCAllTensorsBase::GetBufferMSO(const MSOINDICES* at, void** buffer) try {
   if (buffer == nullptr) return status::kBadArguments;
   int layer;
-  if (const int error = LocateLayer(at, layer); error != status::kOk) return error;
   if (at != nullptr && at->ElementCount() != 0) {
-    *buffer = GetArrayElement(at, at->element);
+    std::size_t index;
+    if (const int error = Locate(at, layer, index); error != status::kOk) return error;
+    const ElementSpan elements = BufferOf(layer);
+    *buffer = elements ? elements.Part(index, 1).data : GetArrayElement(at, at->element);
     return *buffer == nullptr ? status::kOutOfRange : status::kOk;
   }
+  if (const int error = LocateLayer(at, layer); error != status::kOk) return error;
   if (!vela::IsNumeric({this, layer})) return status::kUnsupported;
   const ElementSpan elements = BufferOf(layer);
   if (!elements) return status::kNotContiguous;

@@ -19,8 +19,14 @@ void LayerElements::Commit() const {
   layer_.AnnounceChange();
 }
 
-void StoreResult(const Layer& target, const ConstElementSpan& elements) {
-  target.Resize(elements.size, Contents::kDrop);
+void ConvertedElements::Copy(const Layer& layer, unsigned type_id) {
+  copy_.emplace(type_id, layer.Size());
+  member::Check(layer.container->ReadElements(layer.number, 0, copy_->Span()));
+  span_ = copy_->Span();
+}
+
+void StoreResult(const Layer& target, const LayerShape& shape, const ConstElementSpan& elements) {
+  target.Resize(shape, Contents::kDrop);
   member::Check(target.container->StoreElements(target.number, 0, elements));
   target.AnnounceChange();
 }

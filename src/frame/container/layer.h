@@ -85,47 +85,60 @@ class LayerElements {
   std::unique_ptr<std::byte[]> copy_;
 };
 
-// A layer's elements to read as type T: its own buffer when it is of that type, else a converted
-// copy. With own_copy always a copy, for a layer that changes meanwhile.
-template <class T>
-class LayerValues {
+// A layer's elements to read as another type: its own buffer when it is of that type, else a
+// converted copy. With own_copy always a copy, for a layer that changes meanwhile.
+class ConvertedElements {
  public:
-  explicit LayerValues(const Layer& layer, bool own_copy = false) {
-    const ElementSpan buffer = layer.Buffer();
-    if (buffer.type_id == kElement<T>.type_id && !own_copy) {
-      values_ = buffer.As<T>();
-      return;
-    }
-    copy_.emplace(kElement<T>.type_id, layer.Size());
-    member::Check(layer.container->ReadElements(layer.number, 0, copy_->Span()));
-    values_ = copy_->Span().template As<T>();
+  ConvertedElements(const Layer& layer, unsigned type_id, bool own_copy = false)
+      : span_(layer.Buffer()) {
+    if (span_.type_id != type_id || own_copy) Copy(layer, type_id);
   }
-  std::span<const T> Span() const { return values_; }
+  const ConstElementSpan& Span() const { return span_; }
 
  private:
-  std::span<const T> values_;
+  void Copy(const Layer& layer, unsigned type_id);
+
+  ConstElementSpan span_;
   std::optional<ElementMemory> copy_;
 };
 
-// Makes target size elements that compute(std::span<T>) writes: in place where they are one buffer
-// of T that compute does not read, else through memory of its own, so that target stays as it is
-// until compute has returned.
-template <class T, class Compute>
-void FillLayer(const Layer& target, std::size_t size, bool is_read, Compute&& compute) {
-  if (target.TypeId() == kElement<T>.type_id && !is_read) {
-    target.Resize(size, Contents::kDrop);
-    const LayerElements elements(target);
-    compute(elements.As<T>());
-    return elements.Commit();
-  }
-  const ElementMemory results(kElement<T>.type_id, size);
-  compute(results.Span().template As<T>());
-  target.Resize(size, Contents::kDrop);
-  member::Check(target.container->StoreElements(target.number, 0, results.Span()));
-  target.AnnounceChange();
+// The same for a type that is known.
+template <class T>
+class LayerValues : private ConvertedElements {
+ public:
+  explicit LayerValues(const Layer& layer, bool own_copy = false)
+      : ConvertedElements(layer, kElement<T>.type_id, own_copy) {}
+  std::span<const T> Span() const { return ConvertedElements::Span().As<T>(); }
+};
+
+// Makes target these elements, converted; in one row without a shape.
+void StoreResult(const Layer& target, const LayerShape& shape, const ConstElementSpan& elements);
+inline void StoreResult(const Layer& target, const ConstElementSpan& elements) {
+  StoreResult(target, LayerShape::OneRow(static_cast<std::int64_t>(elements.size)), elements);
 }
 
-// Makes target these elements, converted.
-void StoreResult(const Layer& target, const ConstElementSpan& elements);
+// Gives target this shape and elements that compute(ElementSpan) writes as type_id: in place where
+// they are one buffer of that type that compute does not read, else through memory of its own, so
+// that target stays as it is until compute has returned.
+template <class Compute>
+void FillLayer(const Layer& target, unsigned type_id, const LayerShape& shape, bool is_read,
+               Compute&& compute) {
+  if (target.TypeId() == type_id && !is_read) {
+    target.Resize(shape, Contents::kDrop);
+    const LayerElements elements(target);
+    compute(elements.Span());
+    return elements.Commit();
+  }
+  const ElementMemory results(type_id, static_cast<std::size_t>(shape.Size()));
+  compute(results.Span());
+  StoreResult(target, shape, results.Span());
+}
+
+// The same for size elements in one row, as a std::span<T>.
+template <class T, class Compute>
+void FillLayer(const Layer& target, std::size_t size, bool is_read, Compute&& compute) {
+  FillLayer(target, kElement<T>.type_id, LayerShape::OneRow(static_cast<std::int64_t>(size)),
+            is_read, [&](const ElementSpan& elements) { compute(elements.As<T>()); });
+}
 
 }  // namespace vela

@@ -4,7 +4,7 @@
 #include <mutex>
 
 #include "frame/member/table.h"
-#include "matrix/matrix_base.h"
+#include "matrix/bound_matrix.h"
 #include "scalar/complex_object.h"
 #include "vector/bound_vector.h"
 

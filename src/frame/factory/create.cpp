@@ -2,7 +2,7 @@
 
 #include "frame/element_types.h"
 #include "frame/numeric_object.h"
-#include "matrix/matrix_base.h"
+#include "matrix/bound_matrix.h"
 #include "scalar/complex_object.h"
 #include "scalar/picture_object.h"
 #include "scalar/variant_object.h"
@@ -22,11 +22,17 @@ struct Classes {
       std::conditional_t<std::is_floating_point_v<T>, TCVectorFloating<T>, TCVectorIntegral<T>>;
   using Dataset =
       std::conditional_t<std::is_floating_point_v<T>, TCOVectorFloating<T>, TCOVectorIntegral<T>>;
+  using Matrix =
+      std::conditional_t<std::is_floating_point_v<T>, TCMatrixFloating<T>, TCMatrixIntegral<T>>;
+  using MatrixObject =
+      std::conditional_t<std::is_floating_point_v<T>, TCOMatrixFloating<T>, TCOMatrixIntegral<T>>;
 };
 template <>
 struct Classes<OneTCcomplex> {
   using Vector = TClccomplexVector;
   using Dataset = TCOlccomplexVector;
+  using Matrix = TClccomplexMatrix;
+  using MatrixObject = TCOlccomplexMatrix;
 };
 template <PointElement T>
 struct Classes<T> {
@@ -97,9 +103,11 @@ CScriptVelaObject* CreateObject(const CreationRequest& request) {
 CScriptVelaObject* CreateMatrix(const CreationRequest& request) {
   const unsigned type_id = request.TypeId();
   if (type_id == kTypeMatrixBase) return new TCAllMatrixNonTemplBase(type_id);
-  if (request.Has(kFlagMatrix)) return nullptr;
   return WithElementType(type_id, [&]<class T>() -> CScriptVelaObject* {
-    if constexpr (DatasetElement<T>) return new TCOMatrixBase<T>(type_id);
+    if constexpr (DatasetElement<T>) {
+      if (!request.Has(kFlagMatrix)) return new typename Classes<T>::MatrixObject(type_id);
+      return new typename Classes<T>::Matrix(request.args, type_id, request.n, request.n != 0);
+    }
     return nullptr;
   });
 }

@@ -6,6 +6,7 @@
 namespace status {
 
 enum Code : int {
+  kNoRow = -1,  // the row or layer that the call names does not exist
   kOk = 0,
   kFailed = 1,              // the call could not be carried out: no frame, frame not ready, a
                             // property getter given arguments, wrong argument type, unset service

@@ -49,7 +49,7 @@ int TCAllVectorNonTemplBase::GetSize(CTCall* call) {
 // RemoveAll(): empties the row; 1. Status -1 for a negative row.
 int TCAllVectorNonTemplBase::RemoveAll(CTCall* call) {
   return Run(call, NoArguments(), [&](Arguments& args) {
-    if (IsNegativeRow(args.Indices())) Fail(-1);
+    if (IsNegativeRow(args.Indices())) Fail(status::kNoRow);
     const int row = Row(args);
     Check(RawResize(row, 0));
     AnnounceChange(row);
