@@ -1,9 +1,9 @@
 #include "cases.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <stdexcept>
 
 #include "frame/interface/missing_value.h"
 #include "frame/interface/operations.h"
@@ -16,8 +16,8 @@ using host::ObjectRef;
 
 CallSite::CallSite(ObjectRef object, const char* member)
     : object_(std::move(object)), member_(member) {
-  row_ = object_->FindMember(member, 0, &owner_, 0);
-  if (row_ == nullptr) throw std::out_of_range(std::string("no member ") + member);
+  row_ = object_->FindMember(member_.c_str(), 0, &owner_, 0);
+  if (row_ == nullptr) throw std::out_of_range("no member " + member_);
 }
 
 void CallSite::AddObject(ObjectRef object) {
@@ -27,8 +27,7 @@ void CallSite::AddObject(ObjectRef object) {
 
 void CallSite::operator()() {
   if (const int status = owner_->DoMethod(row_->GetHandler(), &frame_); status != status::kOk) {
-    std::fprintf(stderr, "%s answers status %d\n", member_, status);
-    std::abort();
+    throw std::runtime_error(member_ + " answers status " + std::to_string(status));
   }
 }
 

@@ -1,6 +1,7 @@
 // The members that are timed, each with what it needs around the call.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "host/call_frame.h"
@@ -17,13 +18,13 @@ class CallSite {
   host::CallFrame& Frame() { return frame_; }
   // Adds an argument that the call site keeps alive.
   void AddObject(host::ObjectRef object);
-  // Aborts the program with a message when the status is not 0: a refused call is no timing.
+  // Throws std::runtime_error when the status is not 0: a refused call is no timing.
   void operator()();
 
  private:
   host::ObjectRef object_;
   std::vector<host::ObjectRef> arguments_;
-  const char* member_;
+  std::string member_;
   CTypeBase* owner_ = nullptr;
   const CClassMember* row_ = nullptr;
   host::CallFrame frame_;
