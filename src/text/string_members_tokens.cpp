@@ -22,10 +22,10 @@ char Separator(Arguments& args, unsigned arg, char when_absent = 0) {
   return args.Count() > arg ? args.Character(arg) : when_absent;
 }
 
-// A vector of any kind; anything else is an argument of the wrong type.
-vela::Layer RequiredVector(Arguments& args, unsigned arg) {
-  if ((args.TypeId(arg) & kFlagAnyVector) == 0) Fail(status::kFailed);
-  return vela::RequiredVector(args, arg);
+// A container with one of the flags; anything else is an argument of the wrong type.
+vela::Layer RequiredContainer(Arguments& args, unsigned arg, unsigned flags) {
+  if ((args.TypeId(arg) & flags) == 0) Fail(status::kFailed);
+  return vela::RequiredContainer(args, arg);
 }
 
 double NumberOf(std::string_view token) {
@@ -92,7 +92,7 @@ int CScriptVelaString::GetTokens(CTCall* call) {
   return RunMember(call, Between(1, 2), [&](Arguments& args) {
     // A copy: the target may hold this very string.
     const CStringUTF8 text = Acted(args);
-    const vela::Layer target = RequiredVector(args, 0);
+    const vela::Layer target = RequiredContainer(args, 0, kFlagAnyVector | kFlagAnyMatrix);
     const Tokenizer tokens(text.View(), Separator(args, 1));
     auto* strings = dynamic_cast<TCVectorString*>(target.container);
     args.Return(strings != nullptr ? StoreTokens(tokens, *strings, target.number)
@@ -103,7 +103,7 @@ int CScriptVelaString::GetTokens(CTCall* call) {
 int CScriptVelaString::SetTokens(CTCall* call) {
   return RunMember(call, Between(1, 2), [&](Arguments& args) {
     CStringUTF8& text = Acted(args);
-    const vela::Layer source = RequiredVector(args, 0);
+    const vela::Layer source = RequiredContainer(args, 0, kFlagAnyVector);
     const char separator = Separator(args, 1, '\t');
     if (separator == 0) return args.Return(-1);
     CStringUTF8 joined;

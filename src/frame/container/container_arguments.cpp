@@ -74,6 +74,12 @@ Layer RequiredMatrix(Arguments& args, unsigned arg) {
   return matrix;
 }
 
+Layer RequiredContainer(Arguments& args, unsigned arg) {
+  const Layer layer = OptionalLayer(args, arg, kFlagAnyVector | kFlagAnyMatrix);
+  if (!layer) Fail(status::kBadArguments);
+  return layer;
+}
+
 AnyElement ElementArgument(Arguments& args, unsigned arg, unsigned type_id) {
   AnyElement element(type_id);
   VisitElementType(type_id, [&]<class T>() { element.As<T>() = ReadElement<T>(args, arg); });

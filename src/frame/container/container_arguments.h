@@ -16,6 +16,9 @@ Layer RequiredVector(member::Arguments& args, unsigned arg);
 // else, 28 for a layer that it does not have.
 Layer RequiredMatrix(member::Arguments& args, unsigned arg);
 
+// A vector or a matrix: ends the handler with 3 for anything else, NULL included.
+Layer RequiredContainer(member::Arguments& args, unsigned arg);
+
 // Whether the argument is a vector with this element type, one row of it included.
 inline bool IsVectorOf(const member::Arguments& args, unsigned arg, unsigned type_id) {
   const unsigned word = args.TypeId(arg);

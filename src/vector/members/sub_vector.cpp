@@ -13,12 +13,13 @@ using vela::member::Check;
 using vela::member::Exactly;
 using vela::member::Run;
 
-// Append(vector source): adds the source's elements, converted, at the end; 1.
+// Append(source): adds the elements of a vector, or of a matrix row by row, converted, at the end;
+// 1.
 int TCAllVectorNonTemplBase::Append(CTCall* call) {
   return Run(call, Exactly(1), [&](Arguments& args) {
     RefuseOneRowOfMany(args, status::kNotOnOneRow);
     const Layer row = Addressed(args);
-    const Layer source = vela::RequiredVector(args, 0);
+    const Layer source = vela::RequiredContainer(args, 0);
     Check(OperateWithLayer(row.number, operation::kAssign, source, operation::kAppend));
     row.AnnounceChange();
     args.Return(1);
