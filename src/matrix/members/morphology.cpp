@@ -36,8 +36,8 @@ std::optional<StructuringElement> ElementOf(Arguments& args, unsigned arg) {
     shape = {side, side};
   }
   const vela::LayerValues<double> values(layer);
-  StructuringElement element{static_cast<std::size_t>(shape.rows),
-                             static_cast<std::size_t>(shape.cols), {}};
+  StructuringElement element{
+      static_cast<std::size_t>(shape.rows), static_cast<std::size_t>(shape.cols), {}};
   std::ranges::transform(values.Span(), std::back_inserter(element.mask),
                          [](double value) { return value != 0; });
   if (std::ranges::count(element.mask, 1) == 0) return std::nullopt;
