@@ -73,8 +73,8 @@ struct Extremum {
   static HWY_INLINE V Load(const T* from) { return hn::LoadU(hn::ScalableTag<T>(), from); }
   static HWY_INLINE void Store(V v, T* to) { hn::StoreU(v, hn::ScalableTag<T>(), to); }
 
-  // Makes missing values and NaNs neutral; whether there was a neutral number before.
-  static bool Clean(T* row, std::size_t n) {
+  // Copies a row with missing values and NaNs made neutral; whether it had a neutral number before.
+  static bool Clean(const T* HWY_RESTRICT row, std::size_t n, T* HWY_RESTRICT to) {
     const hn::ScalableTag<T> d;
     const V neutral = hn::Set(d, kNeutral);
     auto found = hn::MaskFromVec(hn::Zero(d));
@@ -87,12 +87,12 @@ struct Extremum {
       return v;
     };
     std::size_t i = 0;
-    for (; i + kLanes <= n; i += kLanes) Store(clean(Load(row + i)), row + i);
+    for (; i + kLanes <= n; i += kLanes) Store(clean(Load(row + i)), to + i);
     if (i < n) {
       HWY_ALIGN T last[kLanes] = {};
       std::memcpy(last, row + i, (n - i) * sizeof(T));
       hn::Store(clean(hn::Load(d, last)), d, last);
-      std::memcpy(row + i, last, (n - i) * sizeof(T));
+      std::memcpy(to + i, last, (n - i) * sizeof(T));
     }
     return !hn::AllFalse(d, found);
   }
@@ -151,6 +151,12 @@ struct Extremum {
 
   // row[c] becomes the extremum of row[c] ... row[c + length - 1], for c < n.
   static void Runs(T* row, std::size_t length, std::size_t n, T* tails) {
+    if (length == 3) {
+      for (std::size_t c = 0; c < n; c += kLanes) {
+        Store(Of(Of(Load(row + c), Load(row + c + 1)), Load(row + c + 2)), row + c);
+      }
+      return;
+    }
     const std::size_t small = std::min(length, kLanes);
     Extend(row, 1, small, n + length - small, row);
     const std::size_t windows = length / small;
@@ -194,19 +200,34 @@ struct Extremum {
       constexpr std::size_t kFewRows = 4;
       if (height > kFewRows) {
         Slide<kVectors>(height, job.count, all, job.scratch, at, put);
-        continue;
+      } else {
+        SlideFew(height, job.count, at, put);
       }
-      for (std::size_t r = 0; r < job.count; ++r) {
-        V result[kVectors];
-        Unroll<kVectors>([&](auto v)
-                             VELA_KERNEL_UNROLLED { result[v] = Load(at(r) + v * kLanes); });
-        for (std::size_t i = 1; i < height; ++i) {
-          Unroll<kVectors>([&](auto v) VELA_KERNEL_UNROLLED {
-            result[v] = Of(result[v], Load(at(r + i) + v * kLanes));
-          });
-        }
-        put(r, result);
-      }
+    }
+  }
+
+  // As Slide for windows of few rows: two that follow each other share all but one.
+  template <class At, class Put>
+  static HWY_INLINE void SlideFew(std::size_t window, std::size_t count, At at, Put put) {
+    std::size_t k = 0;
+    V first[kVectors], second[kVectors];
+    for (; k + 2 <= count && window > 1; k += 2) {
+      Unroll<kVectors>([&](auto v) VELA_KERNEL_UNROLLED {
+        V shared = Load(at(k + 1) + v * kLanes);
+        for (std::size_t i = 2; i < window; ++i) shared = Of(shared, Load(at(k + i) + v * kLanes));
+        first[v] = Of(Load(at(k) + v * kLanes), shared);
+        second[v] = Of(shared, Load(at(k + window) + v * kLanes));
+      });
+      put(k, first);
+      put(k + 1, second);
+    }
+    for (; k < count; ++k) {
+      Unroll<kVectors>([&](auto v) VELA_KERNEL_UNROLLED {
+        first[v] = Load(at(k) + v * kLanes);
+        for (std::size_t i = 1; i < window; ++i)
+          first[v] = Of(first[v], Load(at(k + i) + v * kLanes));
+      });
+      put(k, first);
     }
   }
 
@@ -259,8 +280,8 @@ struct Extremum {
 };
 
 template <class T, bool kMost>
-bool CleanRow(T* row, std::size_t n) {
-  return Extremum<T, kMost>::Clean(row, n);
+bool CleanRow(const T* row, std::size_t n, T* to) {
+  return Extremum<T, kMost>::Clean(row, n, to);
 }
 
 template <class T, bool kMost>
@@ -305,7 +326,7 @@ WindowReach ReachOf(const ElementRuns& element) {
 // Rows of a band at least as long as a window is high, and a cache full of others.
 template <class T>
 std::size_t BandRows(std::size_t cols, std::size_t height) {
-  constexpr std::size_t kCacheBytes = std::size_t{1} << 19;
+  constexpr std::size_t kCacheBytes = std::size_t{1} << 18;
   return std::max({height, std::size_t{16}, kCacheBytes / sizeof(T) / (cols + 1)});
 }
 
@@ -332,10 +353,14 @@ class MorphologyFilter {
 
   void Run() {
     std::size_t last_count = 0;
-    while (bands_.Next()) {
+    bool has_fresh_neutral = false;
+    const auto clean = [&](const T* from, std::size_t n, T* to) {
+      if (VELA_KERNEL_DISPATCH(CleanRow<T, kMost>)(from, n, to)) has_fresh_neutral = true;
+    };
+    while (bands_.Next(clean)) {
       marks_.Advance(last_count);
       last_count = bands_.Count();
-      Prepare();
+      Prepare(has_fresh_neutral);
       T* const out = x_.data + bands_.First() * x_.cols;
       if (!has_neutral_) {
         Filter(bands_.Rows(), out, NoValue<T>());
@@ -358,18 +383,17 @@ class MorphologyFilter {
     return static_cast<std::size_t>(first + static_cast<std::ptrdiff_t>(before));
   }
 
-  // Makes the fresh rows neutral where they have no value. An element may be the neutral number
-  // too: from the first of those on, marks of all that have values, which go through the filter as
-  // the elements do, tell the windows without any.
-  void Prepare() {
+  // Makes runs and marks of the fresh rows. An element with a value may be the neutral number too:
+  // from the first of those on, marks of all that have values, which go through the filter as the
+  // elements do, tell the windows without any.
+  void Prepare(bool has_fresh_neutral) {
+    for (std::size_t i = 0; i < bands_.Fresh() && has_fresh_neutral && !has_neutral_; ++i) {
+      MarkFormer(i);
+    }
+    has_neutral_ = has_neutral_ || has_fresh_neutral;
     for (std::size_t i = bands_.Fresh(); i < bands_.Count() + bands_.Halo(); ++i) {
       const std::size_t row = bands_.First() + i;
       const bool is_inside = row >= reach_.above && row - reach_.above < x_.rows;
-      if (is_inside &&
-          VELA_KERNEL_DISPATCH(CleanRow<T, kMost>)(bands_.Rows()[i] + reach_.left, x_.cols)) {
-        for (std::size_t k = 0; k < i && !has_neutral_; ++k) MarkFormer(k);
-        has_neutral_ = true;
-      }
       if (has_neutral_) {
         std::fill_n(marks_.Rows()[i], bands_.Width(), kNeutral);
         if (is_inside) Mark(x_.Row(row - reach_.above), marks_.Rows()[i] + reach_.left);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -35,8 +36,10 @@ class RowRing {
   /// Throws std::bad_alloc.
   RowRing(std::size_t rows, std::size_t width)
       : stride_(CheckedSum(width, kSlackBytes / sizeof(T))),
-        storage_(new T[CheckedProduct(CheckedProduct(rows, stride_), sizeof(T)) / sizeof(T)]()),
+        storage_(static_cast<T*>(
+            std::calloc(CheckedProduct(CheckedProduct(rows, stride_), sizeof(T)) + 1, 1))),
         rows_(rows) {
+    if (storage_ == nullptr) throw std::bad_alloc();
     for (std::size_t i = 0; i < rows; ++i) rows_[i] = storage_.get() + i * stride_;
   }
 
@@ -48,8 +51,13 @@ class RowRing {
   }
 
  private:
+  static_assert(std::is_trivially_copyable_v<T>);
+  struct Free {
+    void operator()(T* elements) const { std::free(elements); }
+  };
+
   std::size_t stride_;
-  std::unique_ptr<T[]> storage_;
+  std::unique_ptr<T[], Free> storage_;  // zeros that cost nothing until they are used
   std::vector<T*> rows_;
 };
 
@@ -97,8 +105,18 @@ class PaddedBands {
   /// Rows that the windows of a band need besides its own.
   std::size_t Halo() const { return halo_; }
 
-  /// Goes to the next band; false after the last.
+  /// Goes to the next band; false after the last. copy(from, n, to) copies elements of a row.
   bool Next() {
+    return Next([](const T* from, std::size_t n, S* to) {
+      if constexpr (std::is_same_v<S, T>) {
+        std::memcpy(static_cast<void*>(to), from, n * sizeof(T));
+      } else {
+        Convert(std::span<const T>(from, n), std::span<S>(to, n));
+      }
+    });
+  }
+  template <class Copy>
+  bool Next(Copy copy) {
     first_ += count_;
     if (first_ == x_.rows) return false;
     ring_.Advance(count_);
@@ -106,7 +124,7 @@ class PaddedBands {
     count_ = std::min(band_rows_, x_.rows - first_);
     // From the matrix first: a mirrored row above it is a copy of one below.
     for (std::size_t i = kept; i < count_ + halo_; ++i) {
-      if (IsInside(first_ + i)) LoadRow(first_ + i - reach_.above, ring_.Rows()[i]);
+      if (IsInside(first_ + i)) LoadRow(first_ + i - reach_.above, ring_.Rows()[i], copy);
     }
     for (std::size_t i = kept; i < count_ + halo_; ++i) {
       if (!IsInside(first_ + i)) ExtendTo(i);
@@ -126,7 +144,7 @@ class PaddedBands {
  private:
   // Bands that stay in the processor's cache, yet are not much shorter than what they share.
   static std::size_t BandRows(MatrixSpan<const T> x, const WindowReach& reach) {
-    constexpr std::size_t kCacheBytes = std::size_t{3} << 18;
+    constexpr std::size_t kCacheBytes = std::size_t{1} << 18;
     const std::size_t halo = reach.above + reach.below;
     const std::size_t fit = kCacheBytes / sizeof(S) / (x.cols + 1);
     return std::max({std::size_t{8}, halo / 4, fit - std::min(fit, halo)});
@@ -137,14 +155,11 @@ class PaddedBands {
     return row >= reach_.above && row - reach_.above < x_.rows;
   }
 
-  void LoadRow(std::size_t row, S* to) const {
+  template <class Copy>
+  void LoadRow(std::size_t row, S* to, Copy copy) const {
     S* const middle = to + reach_.left;
     const std::size_t cols = x_.cols;
-    if constexpr (std::is_same_v<S, T>) {
-      std::memcpy(static_cast<void*>(middle), x_.data + row * cols, cols * sizeof(T));
-    } else {
-      Convert(std::span<const T>(x_.Row(row)), std::span<S>(middle, cols));
-    }
+    copy(x_.data + row * cols, cols, middle);
     if (reach_.mode == EdgeMode::kMirror) {
       std::reverse_copy(middle + 1, middle + 1 + reach_.left, to);
       std::reverse_copy(middle + cols - 1 - reach_.right, middle + cols - 1, middle + cols);
