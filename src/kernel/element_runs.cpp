@@ -1,6 +1,7 @@
 #include "kernel/element_runs.h"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 
 namespace vela::kernel {
@@ -48,15 +49,33 @@ ElementRuns::ElementRuns(const StructuringElement& element, bool reflected, std:
   }
   if (found.empty()) return;
   std::ptrdiff_t right = 0;
+  std::size_t covered = 0;
   for (const Found& run : found) {
     right = std::max(right, run.col - left + static_cast<std::ptrdiff_t>(run.length));
     runs.push_back({static_cast<std::size_t>(run.row - top),
                     static_cast<std::size_t>(run.col - left), run.length});
     covered += run.length;
-    lengths.push_back(run.length);
   }
   height = static_cast<std::size_t>(found.back().row - top + 1);
   width = static_cast<std::size_t>(right);
+  is_rectangle = runs.size() == height && covered == height * width;
+
+  FindLengths();
+  constexpr std::size_t kManyLengths = 12;
+  if (lengths.size() <= kManyLengths) return;
+  const std::size_t count = runs.size();
+  for (std::size_t k = 0; k < count; ++k) {
+    const Run run = runs[k];
+    runs[k].length = std::bit_floor(run.length);
+    const std::size_t rest = run.length - runs[k].length;
+    if (rest > 0) runs.push_back({run.row, run.col + rest, runs[k].length});
+  }
+  FindLengths();
+}
+
+void ElementRuns::FindLengths() {
+  lengths.clear();
+  for (const Run& run : runs) lengths.push_back(run.length);
   std::sort(lengths.begin(), lengths.end());
   lengths.erase(std::unique(lengths.begin(), lengths.end()), lengths.end());
 }

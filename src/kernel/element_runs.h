@@ -20,14 +20,16 @@ struct ElementRuns {
               std::size_t cols);
 
   bool IsEmpty() const { return runs.empty(); }
-  bool IsRectangle() const { return runs.size() == height && covered == height * width; }
 
   /// The corner of the box, seen from the element of the matrix.
   std::ptrdiff_t top = 0, left = 0;
   std::size_t height = 0, width = 0;
-  std::vector<Run> runs;
-  std::size_t covered = 0;           ///< cells of all runs
+  bool is_rectangle = false;         ///< one run for each row of the box, as long as that
+  std::vector<Run> runs;             ///< of many lengths, each is two that may overlap
   std::vector<std::size_t> lengths;  ///< of the runs, ascending, each once
+
+ private:
+  void FindLengths();
 };
 
 }  // namespace vela::kernel

@@ -291,7 +291,7 @@ void RunsOfRow(T* row, std::size_t length, std::size_t n, T* scratch) {
 
 template <class T, bool kMost>
 void FilterBand(const MorphologyJob<T>& job) {
-  if (job.element->IsRectangle()) {
+  if (job.element->is_rectangle) {
     Extremum<T, kMost>::Rectangle(job);
   } else {
     Extremum<T, kMost>::Other(job);
@@ -345,9 +345,8 @@ class MorphologyFilter {
         found_(new T[CheckedProduct(bands_.MaxCount(), x.cols)]),
         scratch_(CheckedSum(CheckedProduct(element.height, 4 * kMostLanes),
                             CheckedSum(element.width, kMostLanes))),
-        plane_rows_(
-            element.IsRectangle() ? 0 : CheckedProduct(element.lengths.size(), rows_.size()),
-            CheckedSum(kRunColumns, element.width)),
+        plane_rows_(element.is_rectangle ? 0 : CheckedProduct(element.lengths.size(), rows_.size()),
+                    CheckedSum(kRunColumns, element.width)),
         planes_(plane_rows_.Rows(), plane_rows_.Rows() + plane_rows_.Count()),
         places_(element.runs.size()) {}
 
@@ -415,7 +414,7 @@ class MorphologyFilter {
   }
 
   void MakeRuns(T* row) {
-    if (!element_.IsRectangle()) return;
+    if (!element_.is_rectangle) return;
     VELA_KERNEL_DISPATCH(RunsOfRow<T, kMost>)
     (row + column_, element_.width, x_.cols, scratch_.data());
   }
