@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <limits>
 #include <stdexcept>
+#include <vector>
 
 #include "kernel/histogram_median.h"
 #include "kernel/network_median.h"
 #include "kernel/padded_bands.h"
 #include "kernel/rank_median.h"
+#include "kernel/transpose.h"
 #include "kernel/weighted_median.h"
 
 namespace vela::kernel {
@@ -55,6 +57,22 @@ void FilterInside(MatrixSpan<T> x, std::size_t size, EdgeMode mode) {
   FilterByRank(x, size, mode);
 }
 
+// Its cost grows with the rows times the whole matrix, so that tall matrices are laid on their
+// side; the windows are squares.
+template <class T>
+void FilterByWeight(MatrixSpan<T> x, std::size_t size, EdgeMode mode) {
+  if (x.rows <= x.cols) return WeightedMedian<T>(x, size, mode).Filter(x);
+  using W = Word<sizeof(T)>;
+  const auto words = [](MatrixSpan<T> matrix) {
+    return MatrixSpan<W>(reinterpret_cast<W*>(matrix.data), matrix.rows, matrix.cols);
+  };
+  std::vector<T> elements(x.Size());
+  const MatrixSpan<T> turned(elements.data(), x.cols, x.rows);
+  Transpose<W>(words(x), words(turned));
+  WeightedMedian<T>(turned, size, mode).Filter(turned);
+  Transpose<W>(words(turned), words(x));
+}
+
 }  // namespace
 
 template <Element T>
@@ -66,7 +84,7 @@ bool MedianFilter(MatrixSpan<T> x, std::size_t size, EdgeMode mode) {
     throw std::length_error("window of a median filter");
   }
   if (size / 2 > std::min(x.rows, x.cols)) {
-    WeightedMedian<T>(x, size, mode).Filter(x);
+    FilterByWeight(x, size, mode);
   } else {
     FilterInside(x, size, mode);
   }

@@ -111,12 +111,21 @@ int TCAllMatrixNonTemplBase::CopyFromMatrix(const MSOINDICES* at, CScriptVelaObj
   return vela::member::StatusOfException();
 }
 
-int TCAllMatrixNonTemplBase::GetBufferMSO(const MSOINDICES* at, void** buffer) {
-  const int error = Base::GetBufferMSO(at, buffer);
+int TCAllMatrixNonTemplBase::Lent(const MSOINDICES* at, int result) {
   int layer;
-  if (error != status::kOk || LocateLayer(at, layer) != status::kOk) return error;
+  if (result != status::kOk || LocateLayer(at, layer) != status::kOk) return result;
   if (vela::MatrixBlock* block = BlockOf(layer)) block->LockSize();
-  return error;
+  return result;
+}
+
+int TCAllMatrixNonTemplBase::GetBufferMSO(const MSOINDICES* at, void** buffer) {
+  return Lent(at, Base::GetBufferMSO(at, buffer));
+}
+
+int TCAllMatrixNonTemplBase::GetBufferMSOEx(const MSOINDICES* at, unsigned element_type,
+                                            void** buffer) {
+  if (element_type == GetInternalDataTypeID()) return GetBufferMSO(at, buffer);
+  return Lent(at, Base::GetBufferMSOEx(at, element_type, buffer));
 }
 
 int TCAllMatrixNonTemplBase::ReleaseBufferMSO(const MSOINDICES* at, void* buffer) {

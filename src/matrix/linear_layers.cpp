@@ -70,9 +70,11 @@ int MultiplyLayer(const Layer& x, const Layer& y) {
   const LayerShape right = y.Shape();
   if (left.cols != right.rows) return status::kFailed;
   const unsigned type_id = x.TypeId();
+  const LayerShape shape{left.rows, right.cols};
+  if (const int error = CheckShape(type_id, shape); error != status::kOk) return error;
   const LayerElements factors(x);
   const ConvertedElements others(y, type_id);
-  const Product product(type_id, {left.rows, right.cols});
+  const Product product(type_id, shape);
   VisitElementType(type_id, [&]<class T>() {
     if constexpr (DatasetElement<T>) {
       using K = KernelType<T>;

@@ -168,6 +168,7 @@ class TCAllMatrixNonTemplBase
   int CopyFromMatrix(const MSOINDICES* at, CScriptVelaObject* matrix) override;
   // A lent layer keeps its size until it is released.
   int GetBufferMSO(const MSOINDICES* at, void** buffer) override;
+  int GetBufferMSOEx(const MSOINDICES* at, unsigned element_type, void** buffer) override;
   int ReleaseBufferMSO(const MSOINDICES* at, void* buffer) override;
 
  protected:
@@ -225,4 +226,6 @@ class TCAllMatrixNonTemplBase
   static int CopyBlock(vela::member::Arguments& args, const vela::Layer& from,
                        const vela::Layer& to);
   void GetListed(vela::member::Arguments& args);
+  // The lent layer keeps its size until ReleaseBufferMSO.
+  int Lent(const MSOINDICES* at, int result);
 };

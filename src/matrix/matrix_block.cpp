@@ -48,7 +48,8 @@ void MatrixBlock::Hold(MemoryHandle memory) {
 
 int MatrixBlock::Resize(std::int64_t rows, std::int64_t cols, Contents contents) {
   if (const int error = CheckShape(type_id_, {rows, cols}); error != status::kOk) return error;
-  if (locks_ > 0 && (rows != rows_ || cols != cols_)) return status::kFailed;
+  const bool stays = contents == Contents::kDrop && static_cast<std::size_t>(rows * cols) == Size();
+  if (IsLocked() && !stays && (rows != rows_ || cols != cols_)) return status::kFailed;
   const bool moves = contents == Contents::kKeep && Size() > 0 && cols != cols_;
   return moves ? LayAnew(rows, cols) : Reallocate(rows, cols);
 }

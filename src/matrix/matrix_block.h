@@ -91,11 +91,16 @@ class MatrixBlock : public TCOneMatrixBase {
   int Resize(std::int64_t rows, std::int64_t cols, Contents contents);
   // Throws std::bad_alloc. For blocks of one element type.
   void CopyFrom(const MatrixBlock& other);
-  // While it is locked the block keeps its size.
+  // While it is locked the block keeps its elements where they are, though they may take another
+  // shape.
+  bool IsLocked() const { return locks_ > 0; }
   void LockSize() { ++locks_; }
   void UnlockSize() {
     if (locks_ > 0) --locks_;
   }
+
+  // Line k of target, a row or a column, becomes line lines[k], which this block has.
+  void SelectLines(std::span<const int> lines, bool rows, MatrixBlock& target) const;
 
   int FlipHorizontal() override;
   int FlipVertical() override;

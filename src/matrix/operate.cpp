@@ -32,15 +32,17 @@ std::optional<std::int64_t> WholeNumber(const OneTCcomplex& value) {
 int TCAllMatrixNonTemplBase::AssignLayer(int layer, const Layer& source) {
   const Layer own{this, layer};
   if (source == own) return status::kOk;
-  const LayerElements values(source);
+  const LayerElements operand(source);
+  const vela::ElementSpan values = operand.Data();
   const bool is_matrix = IsMatrix(source);
   if (is_matrix || own.Size() == 0) {
-    const LayerShape shape = is_matrix ? source.Shape() : LayerShape::OneRow(source.Size());
+    const LayerShape shape =
+        is_matrix ? source.Shape() : LayerShape::OneRow(static_cast<std::int64_t>(values.size));
     if (const int error = ResizeLayer(layer, shape, vela::Contents::kDrop)) return error;
   }
   const LayerElements elements(own);
-  const std::size_t count = std::min(elements.Span().size, values.Span().size);
-  vela::AssignElements(values.Span().Part(0, count), elements.Span().Part(0, count));
+  const std::size_t count = std::min(elements.Span().size, values.size);
+  vela::AssignElements(values.Part(0, count), elements.Span().Part(0, count));
   elements.Commit();
   return status::kOk;
 }

@@ -194,6 +194,11 @@ TEST(MatrixArithmetic, Operators) {
   EXPECT_EQ(Operate(wide, kPower, 2), status::kFailed);
   ExpectRows(m, {{5, 5}, {5, 5}});
 
+  const ObjectRef tall = EmptyMatrix(), flat = EmptyMatrix();
+  EXPECT_EQ(Call(tall, "SetSize", 1518500250, 0).Int(), 1);
+  EXPECT_EQ(Call(flat, "SetSize", 0, 1518500250).Int(), 1);
+  EXPECT_EQ(Operate(tall, kMultiply, flat), status::kTooLarge);
+
   EXPECT_EQ(Operate(m, kAssign, v), 0);
   ExpectRows(m, {{1, 2}, {3, 4}});
   const ObjectRef empty = EmptyMatrix(kTypeInt);
@@ -241,6 +246,7 @@ TEST(MatrixArithmetic, ElementByElement) {
   ExpectRows(x, {{3, -3, kM}});
   EXPECT_EQ(Call(x, "Fix", Null()).status, status::kUnresolved);
   EXPECT_EQ(Call(whole, "Fix", x).status, status::kUnsupported);
+  ExpectRows(x, {{3, -3, kM}});
   EXPECT_EQ(Call(x, "CastToInteger", whole).Int(), 0);
   ExpectRows(whole, {{3, -3, 0}});
   EXPECT_EQ(Call(x, "CastToInteger", x).status, status::kNotContiguous);

@@ -110,6 +110,16 @@ TEST(MatrixShape, HostOperations) {
     EXPECT_EQ(m->ReleaseBufferMSO(nullptr, buffer), 0);
     ExpectRows(m, {{1, 9}});
   }
+  // A buffer of another type holds the layer as well, and only its own release lets go of it.
+  void* buffer = nullptr;
+  void* converted = nullptr;
+  EXPECT_EQ(m->GetBufferMSO(nullptr, &buffer), 0);
+  EXPECT_EQ(m->GetBufferMSOEx(nullptr, kTypeFloat, &converted), 0);
+  EXPECT_EQ(m->ReleaseBufferMSO(nullptr, converted), 0);
+  EXPECT_EQ(Call(m, "SetSize", 5, 5).status, status::kFailed);
+  EXPECT_EQ(Call(m, "Transpose").Int(), 1);  // the elements stay where they are
+  ExpectRows(m, {{1}, {9}});
+  EXPECT_EQ(m->ReleaseBufferMSO(nullptr, buffer), 0);
   EXPECT_EQ(Call(m, "SetSize", 5, 5).Int(), 1);
 }
 
@@ -342,6 +352,7 @@ TEST(MatrixTransforms, SortAndReorder) {
   ExpectRows(m, {{kM, -2}, {3, 0.5}});
   EXPECT_EQ(Call(m, "ReorderColWise", VectorOf<unsigned>({1, 0})).Int(), 1);
   ExpectRows(m, {{-2, kM}, {0.5, 3}});
+  EXPECT_EQ(Call(m, "ReorderRowWise", VectorOf<int>({-1, 1})).Int(), 0);
   for (const Indices& order : {Indices{0, 0}, Indices{0}, Indices{0, 2}, Indices{0, ~0u}}) {
     EXPECT_EQ(Call(m, "ReorderRowWise", VectorOf<unsigned>(order)).Int(), 0);
     EXPECT_EQ(Call(m, "ReorderColWise", VectorOf<unsigned>(order)).Int(), 0);

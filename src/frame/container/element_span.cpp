@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
+#include <new>
 
 #include "frame/element_value.h"
 #include "kernel/parallel_copy.h"
@@ -9,9 +11,11 @@
 namespace vela {
 
 ElementMemory::ElementMemory(unsigned type_id, std::size_t count)
-    : type_id_(type_id),
-      count_(count),
-      bytes_(std::make_unique_for_overwrite<std::byte[]>(count * ElementWidth(type_id))) {}
+    : type_id_(type_id), count_(count) {
+  constexpr auto kMostBytes = static_cast<std::size_t>(std::numeric_limits<std::ptrdiff_t>::max());
+  if (count > kMostBytes / sizeof(Point3D)) throw std::bad_alloc();
+  bytes_ = std::make_unique_for_overwrite<std::byte[]>(count * ElementWidth(type_id));
+}
 
 void ConvertElements(const ConstElementSpan& from, const ElementSpan& to) {
   if (from.size == 0) return;

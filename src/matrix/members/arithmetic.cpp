@@ -68,15 +68,14 @@ int TCAllMatrixNonTemplBase::Inverse(CTCall* call) {
 int TCAllMatrixNonTemplBase::RoundInto(CTCall* call, vela::kernel::Rounding rounding) {
   return Run(call, Exactly(1), [&](Arguments& args) {
     const View view = AddressedView(args);
+    const unsigned type_id = view.layer.TypeId();
+    if (type_id != kTypeFloat && type_id != kTypeDouble) Fail(status::kUnsupported);
     const Layer result = vela::RequiredMatrix(args, 0);
-    vela::FillMatrix(result, view.layer.TypeId(), view->Shape(), false, [&](MatrixBlock& out) {
-      vela::WithMatrix(*view, [&]<class T>(MatrixSpan<T> x) {
-        if constexpr (vela::FloatingElement<T>) {
-          kernel::RoundElements<T>(x.Values(), rounding, out.As<T>().Values());
-        } else {
-          Fail(status::kUnsupported);
-        }
-      });
+    vela::FillMatrix(result, type_id, view->Shape(), false, [&](MatrixBlock& out) {
+      vela::WithMatrix(
+          *view, [&]<class T>(MatrixSpan<T> x) requires vela::FloatingElement<T> {
+            kernel::RoundElements<T>(x.Values(), rounding, out.As<T>().Values());
+          });
     });
     args.Return(0);
   });

@@ -13,6 +13,7 @@
 using vela::ConstElementSpan;
 using vela::Contents;
 using vela::ElementMemory;
+using vela::ElementSpan;
 using vela::Layer;
 using vela::LayerElements;
 using vela::LayerShape;
@@ -118,17 +119,8 @@ void TCAllMatrixNonTemplBase::GetListed(Arguments& args) {
   }
   const auto size = static_cast<std::int64_t>(indices.Span().size());
   const LayerShape shape = mode == 1 ? LayerShape{size, own.cols} : LayerShape{own.rows, size};
-  const std::span<const std::uint32_t> positions(
-      reinterpret_cast<const std::uint32_t*>(indices.Span().data()), indices.Span().size());
-  vela::FillMatrix(dest, view.layer.TypeId(), shape, dest == view.layer, [&](MatrixBlock& out) {
-    vela::WithMatrixWords(*view, [&]<class W>(MatrixSpan<W> x) {
-      if (mode == 1) {
-        kernel::SelectRows<W>(x, positions, out.As<W>());
-      } else {
-        kernel::SelectCols<W>(x, positions, out.As<W>());
-      }
-    });
-  });
+  vela::FillMatrix(dest, view.layer.TypeId(), shape, dest == view.layer,
+                   [&](MatrixBlock& out) { view->SelectLines(indices.Span(), mode == 1, out); });
   args.Return(1);
 }
 
@@ -237,6 +229,8 @@ int TCAllMatrixNonTemplBase::RemoveEmptyRows(CTCall* call) {
     const bool only_all = args.Int(0) != 0;
     const Layer removed = vela::RequiredVector(args, 1);
     if (removed.TypeId() != kTypeUnsignedInt) return args.Return(-1);
+    const MatrixBlock* own = BlockOf(view.layer.number);
+    if (own != nullptr && own->IsLocked()) Fail(status::kFailed);
     removed.Resize(static_cast<std::size_t>(view->Shape().rows), Contents::kDrop);
     kernel::RemovedRows rows;
     {
@@ -245,9 +239,10 @@ int TCAllMatrixNonTemplBase::RemoveEmptyRows(CTCall* call) {
       rows = type_id == kTypeDouble
                  ? kernel::RemoveRowsWithMissing(view->As<double>(), only_all, positions)
                  : kernel::RemoveRowsWithMissing(view->As<OneTCcomplex>(), only_all, positions);
-      list.Commit();
+      if (!removed.Buffer()) list.Commit();
     }
     removed.Resize(rows.removed);
+    removed.AnnounceChange();
     Check(ResizeLayer(view.layer.number, {static_cast<std::int64_t>(rows.kept), view->Shape().cols},
                       Contents::kDrop));
     Update(view.layer.number);
@@ -297,9 +292,11 @@ int TCAllMatrixNonTemplBase::DuplicateBlock(CTCall* call) {
     const std::size_t count = own.Size();
     own.Resize(LayerShape{(copies + 1) * shape.rows, shape.cols});
     const LayerElements elements(own);
-    for (std::int64_t copy = 1; copy <= copies; ++copy) {
-      const auto offset = static_cast<std::size_t>(copy) * count;
-      vela::ConvertElements(elements.Span().Part(0, count), elements.Span().Part(offset, count));
+    const ElementSpan& all = elements.Span();
+    for (std::size_t filled = count; filled < all.size;) {
+      const std::size_t part = std::min(filled, all.size - filled);
+      vela::ConvertElements(all.Part(0, part), all.Part(filled, part));
+      filled += part;
     }
     elements.Commit();
     args.Return(1);

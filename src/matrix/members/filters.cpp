@@ -85,15 +85,6 @@ int MatrixBlock::FreqFilter(DWORD filter_type, double cutoff, int order, double 
   return 0;
 }
 
-namespace {
-
-// Whether the script's number is an edge mode, -1 standing for one that is none.
-EdgeMode EdgeModeArgument(Arguments& args, unsigned arg) {
-  return static_cast<EdgeMode>(args.Int(arg));
-}
-
-}  // namespace
-
 // ApplyFilter(matrix kernel, int edgeMode, int normalise): each element becomes its neighbourhood
 // times the kernel, with normalise divided by the kernel's sum. 1, or 0 for a kernel that is not
 // square and an edge mode that does not fit.
@@ -105,7 +96,7 @@ int TCAllMatrixNonTemplBase::ApplyFilter(CTCall* call) {
     const Layer weights = vela::RequiredMatrix(args, 0);
     if (weights.TypeId() != kTypeDouble) Fail(status::kBadKernel);
     const LayerShape shape = weights.Shape();
-    const EdgeMode mode = EdgeModeArgument(args, 1);
+    const EdgeMode mode = static_cast<EdgeMode>(args.Int(1));
     const bool normalise = args.Int(2) != 0;
     if (shape.rows != shape.cols || shape.rows == 0) return args.Return(0);
     const vela::LayerValues<double> values(weights, weights == view.layer);
@@ -122,7 +113,7 @@ int TCAllMatrixNonTemplBase::MedianFilter(CTCall* call) {
   return Run(call, Exactly(2), [&](Arguments& args) {
     const View view = AddressedView(args);
     const int size = args.Int(0);
-    const EdgeMode mode = EdgeModeArgument(args, 1);
+    const EdgeMode mode = static_cast<EdgeMode>(args.Int(1));
     if (size <= 2) Fail(status::kWindowTooSmall);
     const int done = view->MedianFilter(size, mode);
     if (done != 0) Update(view.layer.number);

@@ -1,5 +1,6 @@
 // Rows, columns and all elements of a layer to and from vectors.
 #include <algorithm>
+#include <optional>
 
 #include "frame/container/container_arguments.h"
 #include "kernel/block.h"
@@ -36,16 +37,22 @@ std::size_t LineArgument(Arguments& args, unsigned arg, std::int64_t count) {
 // The vector's data as elements of the type, at most count of them.
 class Values {
  public:
-  Values(const Layer& vector, unsigned type_id, std::size_t count)
-      : elements_(vector, type_id), first_(vector.FirstOfData()) {
-    count_ = std::min(count, vector.Size() - first_);
+  Values(const Layer& vector, unsigned type_id, std::size_t count) {
+    const std::size_t first = vector.FirstOfData();
+    count = std::min(count, vector.Size() - first);
+    if (const ElementSpan buffer = vector.Buffer(); buffer.type_id == type_id) {
+      span_ = buffer.Part(first, count);
+      return;
+    }
+    copy_.emplace(type_id, count);
+    vela::member::Check(vector.container->ReadElements(vector.number, first, copy_->Span()));
+    span_ = copy_->Span();
   }
-  ConstElementSpan Span() const { return elements_.Span().Part(first_, count_); }
+  const ConstElementSpan& Span() const { return span_; }
 
  private:
-  vela::ConvertedElements elements_;
-  std::size_t first_;
-  std::size_t count_;
+  ConstElementSpan span_;
+  std::optional<vela::ElementMemory> copy_;
 };
 
 void CopyColumn(const vela::MatrixBlock& block, std::size_t col, const ElementSpan& out) {

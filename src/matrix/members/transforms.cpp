@@ -81,6 +81,18 @@ int MatrixBlock::FFTShift(MatrixBlock& target, int dim, bool inverse) {
   return 1;
 }
 
+void MatrixBlock::SelectLines(std::span<const int> lines, bool rows, MatrixBlock& target) const {
+  const std::span<const std::uint32_t> positions(
+      reinterpret_cast<const std::uint32_t*>(lines.data()), lines.size());
+  vela::WithMatrixWords(*this, [&]<class W>(MatrixSpan<W> x) {
+    if (rows) {
+      kernel::SelectRows<W>(x, positions, target.As<W>());
+    } else {
+      kernel::SelectCols<W>(x, positions, target.As<W>());
+    }
+  });
+}
+
 // The members that change the layer through its view: change(view, args) tells whether it did.
 template <class Change>
 int TCAllMatrixNonTemplBase::ChangeInPlace(CTCall* call, const vela::member::Arity& arity,
@@ -245,8 +257,8 @@ int TCAllMatrixNonTemplBase::SetDiagonal(CTCall* call) {
     const std::size_t size = DiagonalSize(*view, k);
     if (size == 0) return args.Return(-1);
     const vela::ConvertedElements elements(vector, view.layer.TypeId());
-    const vela::ConstElementSpan values =
-        elements.Span().Part(0, std::min(size, elements.Span().size));
+    const vela::ConstElementSpan data = elements.Span().From(vector.FirstOfData());
+    const vela::ConstElementSpan values = data.Part(0, std::min(size, data.size));
     vela::WithMatrixWords(
         *view, [&]<class W>(MatrixSpan<W> x) { kernel::StoreDiagonal<W>(values.As<W>(), k, x); });
     Update(view.layer.number);
@@ -287,12 +299,12 @@ int TCAllMatrixNonTemplBase::ReorderColWise(CTCall* call) { return ReorderLines(
 
 namespace {
 
-bool IsPermutation(std::span<const unsigned> order, std::int64_t count) {
+bool IsPermutation(std::span<const int> order, std::int64_t count) {
   if (static_cast<std::int64_t>(order.size()) != count) return false;
   std::vector<bool> taken(order.size());
-  for (const unsigned from : order) {
-    if (from >= order.size() || taken[from]) return false;
-    taken[from] = true;
+  for (const int from : order) {
+    if (from < 0 || from >= count || taken[static_cast<std::size_t>(from)]) return false;
+    taken[static_cast<std::size_t>(from)] = true;
   }
   return true;
 }
@@ -304,18 +316,11 @@ int TCAllMatrixNonTemplBase::ReorderLines(CTCall* call, bool rows) {
     const View view = AddressedView(args);
     const Layer list = vela::RequiredVector(args, 0);
     if (list.TypeId() != kTypeUnsignedInt && list.TypeId() != kTypeInt) return args.Return(0);
-    const vela::LayerValues<unsigned> order(list);
+    const vela::LayerValues<int> order(list);
     const LayerShape shape = view->Shape();
     if (!IsPermutation(order.Span(), rows ? shape.rows : shape.cols)) return args.Return(0);
-    vela::FillMatrix(view.layer, view.layer.TypeId(), shape, true, [&](MatrixBlock& out) {
-      vela::WithMatrixWords(*view, [&]<class W>(MatrixSpan<W> x) {
-        if (rows) {
-          kernel::SelectRows<W>(x, order.Span(), out.As<W>());
-        } else {
-          kernel::SelectCols<W>(x, order.Span(), out.As<W>());
-        }
-      });
-    });
+    vela::FillMatrix(view.layer, view.layer.TypeId(), shape, true,
+                     [&](MatrixBlock& out) { view->SelectLines(order.Span(), rows, out); });
     args.Return(1);
   });
 }
