@@ -21,8 +21,9 @@ namespace vela::kernel {
 /// for elements of 8 bits (up to side 181) it is constant. Windows may be far larger than the
 /// matrix: no step is spent on what lies beyond it twice. Scratch: the rows of a window and the
 /// like again, and a square of some twice its side; windows more than twice as large as the matrix
-/// take some 30 bytes per element of that. Throws std::bad_alloc with nothing changed, also for
-/// 2^32 or more elements in those, and std::length_error for sizes of 2^32 or more.
+/// take some 30 bytes per element of that, and of more rows than columns a copy. Throws
+/// std::bad_alloc with nothing changed, also for 2^32 or more elements in those, and
+/// std::length_error for sizes of 2^32 or more.
 template <Element T>
 bool MedianFilter(MatrixSpan<T> x, std::size_t size, EdgeMode mode);
 

@@ -11,7 +11,7 @@ namespace vela {
 // taken as doubles, and results truncate and saturate. The operand is read as the elements' type.
 // Each is a status, with x as it was unless 0; std::bad_alloc for want of memory.
 
-// x = x y; 1 where the shapes do not chain.
+// x = x y; 1 where the shapes do not chain, 7 for a product of more than 4 GiB - 1.
 int MultiplyLayer(const Layer& x, const Layer& y);
 // x = x times the inverse of y; 1 for a y that is not square, does not fit, or is singular.
 int DivideLayer(const Layer& x, const Layer& y);
