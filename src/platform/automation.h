@@ -1,7 +1,8 @@
 // Automation values: VARIANT, BSTR, SAFEARRAY, the interfaces they hold and the functions on them.
-// Windows has them; elsewhere this header declares the same names with the same layouts, and the
-// sources beside it implement the part of the published behaviour that the library needs. Text
-// conversions follow the invariant locale here, the user's on Windows.
+// Windows has them; elsewhere this header declares the same names with the same layouts, the
+// sources in automation/ implement the published behaviour, and the host runtime exports them, so
+// that a value may be made in one library of a process and cleared in another. Text conversions
+// follow the invariant locale here, the user's on Windows.
 #pragma once
 
 #if defined(_WIN32)
@@ -314,6 +315,9 @@ static_assert(sizeof(GUID) == 16 && sizeof(CY) == 8 && sizeof(DECIMAL) == 16);
 static_assert(sizeof(void*) != 8 || (sizeof(VARIANT) == 24 && sizeof(SAFEARRAY) == 32));
 static_assert(offsetof(VARIANT, llVal) == 8 && offsetof(SAFEARRAY, pvData) == 16);
 
+#pragma GCC visibility push(default)
+extern "C" {
+
 // Text. Null is a valid empty BSTR everywhere. The allocators return null when out of memory, or
 // for null text (SysAllocStringLen and ...ByteLen then make uninitialised, terminated text).
 BSTR SysAllocString(const OLECHAR* text);
@@ -374,5 +378,27 @@ inline constexpr USHORT VARIANT_ALPHABOOL = 2;    // truth values become "True" 
 
 inline constexpr LCID LOCALE_USER_DEFAULT = 0x400;
 inline constexpr LCID LOCALE_INVARIANT = 0x7F;
+
+// Arithmetic on values, reached by name (platform/module.h). result may be an operand; what it held
+// before is cleared. Operands are left alone otherwise.
+HRESULT VarAdd(VARIANT* left, VARIANT* right, VARIANT* result);
+HRESULT VarSub(VARIANT* left, VARIANT* right, VARIANT* result);
+HRESULT VarMul(VARIANT* left, VARIANT* right, VARIANT* result);
+HRESULT VarDiv(VARIANT* left, VARIANT* right, VARIANT* result);
+// One of VARCMP_*, or a failure where the values do not compare.
+HRESULT VarCmp(VARIANT* left, VARIANT* right, LCID locale, ULONG flags);
+
+inline constexpr HRESULT VARCMP_LT = 0;
+inline constexpr HRESULT VARCMP_EQ = 1;
+inline constexpr HRESULT VARCMP_GT = 2;
+inline constexpr HRESULT VARCMP_NULL = 3;  // an operand is VT_NULL
+
+// Bring the automation module into the process and take it out again; initialisations nest.
+// S_FALSE when it was there.
+HRESULT OleInitialize(PVOID reserved);
+void OleUninitialize();
+
+}  // extern "C"
+#pragma GCC visibility pop
 
 #endif

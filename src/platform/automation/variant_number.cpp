@@ -1,4 +1,4 @@
-#include "platform/variant_number.h"
+#include "platform/automation/variant_number.h"
 
 #if !defined(_WIN32)
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/automation.h"
-#include "platform/variant_number.h"
+#include "platform/automation/variant_number.h"
 
 namespace {
 
