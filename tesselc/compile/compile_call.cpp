@@ -1,6 +1,7 @@
 #include "tesselc/compile/compiler.h"
 #include "tesselc/run/builtins.h"
 #include "tesselc/run/elements.h"
+#include "tesselc/similar_name.h"
 
 namespace tesselc {
 
@@ -138,7 +139,12 @@ Value Compiler::CallBuiltin(const Call& call, const SourceRange& range) {
     return MakeValue(TypeName::kDouble, MakeClock());
   }
   const MathFunction* function = FindMathFunction(name);
-  if (!function) Fail(call.function.range, "there is no function '" + name + "'");
+  if (!function) {
+    SimilarName similar(name);
+    for (const auto& known : functions_) similar.Offer(known.first);
+    for (const std::string_view known : BuiltinNames()) similar.Offer(known);
+    Fail(call.function.range, "there is no function '" + name + "'", similar.Notes());
+  }
   need(function->binary ? 2 : 1);
   std::vector<NodePtr> numbers;
   for (const ExpressionPtr& argument : arguments) {

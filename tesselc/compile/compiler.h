@@ -294,8 +294,9 @@ class Compiler {
   };
 
   void Report(const ScriptMistake& mistake) { diagnostics_.push_back(mistake.diagnostic()); }
-  [[noreturn]] static void Fail(const SourceRange& range, std::string message) {
-    throw ScriptMistake(range, std::move(message));
+  [[noreturn]] static void Fail(const SourceRange& range, std::string message,
+                                std::vector<std::string> notes = {}) {
+    throw ScriptMistake(range, std::move(message), std::move(notes));
   }
   static Place AsPlace(Value value) {
     return {value.type, false, Place::Computed{value.carrier, std::move(value.node)}};

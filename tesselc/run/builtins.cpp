@@ -111,6 +111,12 @@ class Clock final : public Expr<Clock, double> {
 
 }  // namespace
 
+std::vector<std::string_view> BuiltinNames() {
+  std::vector<std::string_view> names = {"print", "printf", "assert", "exit", "clock"};
+  for (const MathFunction& function : kMathFunctions) names.push_back(function.name);
+  return names;
+}
+
 const MathFunction* FindMathFunction(std::string_view name) {
   for (const MathFunction& function : kMathFunctions) {
     if (function.name == name) return &function;

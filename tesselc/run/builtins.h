@@ -18,6 +18,8 @@ struct MathFunction {
 };
 
 // Null when there is none of that name.
+// Every function that a script can call without defining it.
+std::vector<std::string_view> BuiltinNames();
 const MathFunction* FindMathFunction(std::string_view name);
 NodePtr MakeMathCall(const MathFunction& function, std::vector<NodePtr> arguments);
 
