@@ -15,6 +15,7 @@
 #include "tesselc/diagnostic.h"
 #include "tesselc/run/arithmetic.h"
 #include "tesselc/run/bindings.h"
+#include "tesselc/run/builtins.h"
 #include "tesselc/run/control.h"
 #include "tesselc/run/function.h"
 #include "tesselc/run/member_call.h"
@@ -265,6 +266,8 @@ class Compiler {
                                const SourceRange& range);
   Value CallFunction(const Signature& signature, const tesselc::Call& call,
                      const SourceRange& range);
+  Value MathOnContainers(const MathFunction& function, std::vector<Value> arguments,
+                         const SourceRange& range);
   Value CallBuiltin(const tesselc::Call& call, const SourceRange& range);
   std::vector<PrintArgument> CompilePrinted(const std::vector<ExpressionPtr>& arguments,
                                             std::size_t first, bool only_texts);
