@@ -138,7 +138,7 @@ Value Compiler::CallBuiltin(const Call& call, const SourceRange& range) {
     return MakeValue(TypeName::kDouble, MakeClock());
   }
   const MathFunction* function = FindMathFunction(name);
-  if (!function) Fail(call.function.range, "there is no function '" + name + "'");
+  if (!function) return CallHost(call);
   need(function->binary ? 2 : 1);
   std::vector<NodePtr> numbers;
   for (const ExpressionPtr& argument : arguments) {
