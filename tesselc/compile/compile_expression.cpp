@@ -131,6 +131,12 @@ Place Compiler::Visit(const Unary& unary, const SourceRange& range) {
     return AsPlace(
         {operand.type, kObjectCarrier, MakeNegateObject(std::move(operand.node), range)});
   }
+  if (unary.op == UnaryOperator::kMinus && operand.type.IsVariant()) {
+    // A short zero never widens the value's type.
+    Value zero = Convert(MakeValue(TypeName::kInt, MakeConstant(0)),
+                         StaticType::Of(TypeName::kShort), range);
+    return AsPlace(Combine(BinaryOperator::kSubtract, std::move(zero), std::move(operand), range));
+  }
   if (operand.type.IsComplex() && unary.op != UnaryOperator::kComplement) {
     if (unary.op == UnaryOperator::kPlus) return AsPlace(std::move(operand));
     return AsPlace(

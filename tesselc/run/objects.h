@@ -59,6 +59,8 @@ NodePtr MakeAppendText(NodePtr object, NodePtr text, SourceRange where);
 NodePtr MakeKeep(NodePtr object);
 // The number in an object that holds one (a _VARIANT), as a scalar type.
 NodePtr MakeNumberOf(TypeName scalar, NodePtr object, SourceRange where);
+// Whether such an object holds a number other than 0: an int, 0 or 1, and 0 for no number.
+NodePtr MakeTruthOf(NodePtr object, SourceRange where);
 
 // What an operation code does: "add".
 const char* NameOfOperation(unsigned op);
