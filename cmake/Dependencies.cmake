@@ -43,6 +43,8 @@ if(NOT WIN32)
   find_package(PkgConfig REQUIRED)
   vela_pkg_library(icu libicu-dev icu-uc)
   vela_pkg_library(icu_i18n libicu-dev icu-i18n)
+  vela_pkg_library(cairo libcairo2-dev cairo)
+  vela_pkg_library(pixbuf libgdk-pixbuf-2.0-dev gdk-pixbuf-2.0)
 endif()
 
 find_package(Threads REQUIRED)

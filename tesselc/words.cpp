@@ -73,6 +73,7 @@ constexpr auto SortedWords() {
       TypeWord("stdioFile", TypeName::kStdioFile),
       TypeWord("_VARIANT", TypeName::kVariant),
       TypeWord("Picture", TypeName::kPicture),
+      TypeWord("DeviceContext", TypeName::kDeviceContext),
       TypeWord("Dataset", TypeName::kDataset),
       TypeWord("Curve", TypeName::kCurve),
       TypeWord("Categorical", TypeName::kCategorical),

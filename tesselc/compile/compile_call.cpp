@@ -4,7 +4,6 @@
 #include "tesselc/run/builtins.h"
 #include "tesselc/run/container_mathematics.h"
 #include "tesselc/run/elements.h"
-#include "tesselc/similar_name.h"
 
 namespace tesselc {
 
@@ -142,12 +141,7 @@ Value Compiler::CallBuiltin(const Call& call, const SourceRange& range) {
     return MakeValue(TypeName::kDouble, MakeClock());
   }
   const MathFunction* function = FindMathFunction(name);
-  if (!function) {
-    SimilarName similar(name);
-    for (const auto& known : functions_) similar.Offer(known.first);
-    for (const std::string_view known : BuiltinNames()) similar.Offer(known);
-    Fail(call.function.range, "there is no function '" + name + "'", similar.Notes());
-  }
+  if (!function) return CallHost(call);
   need(function->binary ? 2 : 1);
   std::vector<Value> values;
   for (const ExpressionPtr& argument : arguments) values.push_back(CompileValue(*argument));

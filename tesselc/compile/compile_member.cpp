@@ -246,6 +246,31 @@ StaticType ResultType(const CatalogueMember& member) {
 
 }  // namespace
 
+// The host's functions are members of an object of its own, which scripts do not name.
+Value Compiler::CallHost(const tesselc::Call& call) {
+  constexpr const char* kClass = "host";
+  const Identifier& function = call.function;
+  const Catalogue& catalogue = Catalogue::Get();
+  const auto found = catalogue.FindMembers(kClass, function.text);
+  if (found.empty()) {
+    SimilarName similar(function.text);
+    for (const auto& known : functions_) similar.Offer(known.first);
+    for (const std::string_view known : BuiltinNames()) similar.Offer(known);
+    for (const std::string_view known : catalogue.MemberNames(kClass)) similar.Offer(known);
+    Fail(function.range, "there is no function '" + function.text + "'", similar.Notes());
+  }
+  MemberUse use;
+  use.object = MakeObjectBinding(MakeHostFunctions());
+  use.member = function.text;
+  use.owner = kClass;
+  use.where = function.range;
+  for (const CatalogueMember* overload : found) use.signatures.push_back(overload->signature);
+  PassArguments(use, call.arguments, found);
+  const StaticType type = ResultType(*found.front());
+  const Carrier carrier = CarrierOf(type);
+  return {type, carrier, MakeMethodCall(std::move(use), carrier, ObjectTypeOf(type))};
+}
+
 Place Compiler::Visit(const Member& access, const SourceRange& range) {
   if (access.through_pointer) Fail(range, "pointers are not supported yet");
   StaticType owner;

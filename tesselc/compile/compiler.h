@@ -269,6 +269,7 @@ class Compiler {
   Value MathOnContainers(const MathFunction& function, std::vector<Value> arguments,
                          const SourceRange& range);
   Value CallBuiltin(const tesselc::Call& call, const SourceRange& range);
+  Value CallHost(const tesselc::Call& call);
   std::vector<PrintArgument> CompilePrinted(const std::vector<ExpressionPtr>& arguments,
                                             std::size_t first, bool only_texts);
 

@@ -121,6 +121,11 @@ class LoadReference final : public Expr<LoadReference, ObjectValue> {
   std::uint32_t offset_;
 };
 
+class HostFunctions final : public Expr<HostFunctions, ObjectValue> {
+ public:
+  ObjectValue Eval(Frame& frame) override { return ObjectValue(frame.run->HostFunctions()); }
+};
+
 class DeclareObject final : public Node {
  public:
   DeclareObject(ObjectPlace place, ObjectType type, ValuePtr<std::int64_t> count, SourceRange where)
@@ -484,6 +489,8 @@ NodePtr MakeLoadObject(const ObjectPlace& place, std::string name, SourceRange w
   }
   return std::make_unique<LoadObject>(place, std::move(name), where);
 }
+
+NodePtr MakeHostFunctions() { return std::make_unique<HostFunctions>(); }
 
 NodePtr MakeDeclareObject(const ObjectPlace& place, ObjectType type, NodePtr count,
                           SourceRange where) {

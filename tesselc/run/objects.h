@@ -18,6 +18,8 @@ struct ObjectType {
 
 // The object in a variable. `name` is the variable's: it may be used before its declaration ran.
 NodePtr MakeLoadObject(const ObjectPlace& place, std::string name, SourceRange where);
+// The object whose members are the host's functions.
+NodePtr MakeHostFunctions();
 // A new object of `count` elements (null: a plain one) in an owning variable. The old one, if any,
 // is released.
 NodePtr MakeDeclareObject(const ObjectPlace& place, ObjectType type, NodePtr count,
