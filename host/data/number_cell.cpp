@@ -60,21 +60,6 @@ std::size_t ImaginaryStart(std::string_view text) {
   return 0;
 }
 
-OneTCcomplex ReadComplex(std::string_view text) {
-  text = Trim(text);
-  const OneTCcomplex missing{kMissingValue, kMissingValue};
-  double re = 0, im = 0;
-  if (text.empty() || text.back() != 'i') {
-    return ReadNumberCell(text, re) && re != kMissingValue ? OneTCcomplex{re, 0} : missing;
-  }
-  text.remove_suffix(1);
-  const std::size_t start = ImaginaryStart(text);
-  std::string_view imaginary = text.substr(start);
-  if (imaginary.starts_with('+')) imaginary.remove_prefix(1);
-  if (imaginary.empty() || !ReadNumberCell(imaginary, im)) return missing;
-  if (start > 0 && !ReadNumberCell(text.substr(0, start), re)) return missing;
-  return {re, im};
-}
 
 }  // namespace
 
@@ -87,6 +72,25 @@ bool ReadNumberCell(std::string_view text, double& value) {
   if (text.empty() || text == kMissingText) return true;
   value = ReadNumber(text);
   return value != kMissingValue;
+}
+
+bool ReadComplexCell(std::string_view text, OneTCcomplex& value) {
+  text = Trim(text);
+  double re = 0, im = 0;
+  value = {kMissingValue, kMissingValue};
+  if (text.empty() || text.back() != 'i') {
+    if (!ReadNumberCell(text, re)) return false;
+    if (re != kMissingValue) value = {re, 0};
+    return true;
+  }
+  text.remove_suffix(1);
+  const std::size_t start = ImaginaryStart(text);
+  std::string_view imaginary = text.substr(start);
+  if (imaginary.starts_with('+')) imaginary.remove_prefix(1);
+  if (imaginary.empty() || !ReadNumberCell(imaginary, im)) return false;
+  if (start > 0 && !ReadNumberCell(text.substr(0, start), re)) return false;
+  value = {re, im};
+  return true;
 }
 
 char* WriteNumberCell(double value, char* buffer) {
@@ -107,7 +111,7 @@ void ReadElementCell(unsigned type_id, std::string_view text, void* element) {
   VisitNumberType(type_id, [&]<class T>(std::type_identity<T>) {
     T& value = *static_cast<T*>(element);
     if constexpr (std::is_same_v<T, OneTCcomplex>) {
-      value = ReadComplex(text);
+      ReadComplexCell(text, value);
     } else if constexpr (std::is_integral_v<T>) {
       const double number = ReadNumber(text);
       value = number == kMissingValue ? T{0} : Saturate<T>(number);

@@ -1,8 +1,9 @@
 // One number of a column and its text.
 #pragma once
 
-#include <string>
 #include <string_view>
+
+#include "frame/interface/complex.h"
 
 namespace vela::host {
 
@@ -12,6 +13,8 @@ inline constexpr int kCellTextSize = 96;
 // Whether a text stands for a number as columns have them: by the text-to-number rule, and inf,
 // -inf and nan as well, so that what was saved is read as it was. Empty text is the missing value.
 bool ReadNumberCell(std::string_view text, double& value);
+// The same for a complex value, 1+2i, or a number.
+bool ReadComplexCell(std::string_view text, OneTCcomplex& value);
 
 // The shortest text that reads back as the same number, without a terminator; nothing for the
 // missing value. Returns the end.

@@ -13,7 +13,7 @@
 
 namespace vela::host {
 
-class Worksheet {
+class VELAHOST_API Worksheet {
  public:
   explicit Worksheet(std::string name) : name_(std::move(name)) {}
   Worksheet(const Worksheet&) = delete;

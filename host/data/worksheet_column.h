@@ -12,7 +12,7 @@ namespace vela::host {
 
 class Worksheet;
 
-class WorksheetColumn : public VeData {
+class VELAHOST_API WorksheetColumn : public VeData {
  public:
   // A column of size cells without a value, not in a worksheet yet. Null for a type that columns
   // cannot have. Throws std::bad_alloc.

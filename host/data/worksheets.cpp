@@ -30,10 +30,15 @@ class WorksheetSources final : public VeDataSources {
   }
   VeData* CreateData(const char* book, const char* column, unsigned element_type,
                      std::int64_t size) override try {
-    if (*book == '\0' || *column == '\0') return nullptr;
+    if (*column == '\0') return nullptr;
     VeRef<WorksheetColumn> created = WorksheetColumn::Create(column, element_type, size);
-    if (!created || !Worksheets::Open(book).Add(created)) return nullptr;
-    return created.Get();
+    if (!created) return nullptr;
+    if (Worksheet* const worksheet = Worksheets::Find(book)) {
+      return worksheet->Add(created) ? created.Get() : nullptr;
+    }
+    auto worksheet = std::make_unique<Worksheet>(book);
+    worksheet->Add(created);
+    return Worksheets::Add(std::move(worksheet)) ? created.Get() : nullptr;
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
@@ -76,15 +81,15 @@ Worksheet* Worksheets::Find(std::string_view name) {
   return found != OpenBooks().end() ? found->second.get() : nullptr;
 }
 
-Worksheet& Worksheets::Open(std::string_view name) {
-  if (Worksheet* const open = Find(name)) return *open;
-  auto worksheet = std::make_unique<Worksheet>(std::string(name));
-  return *OpenBooks().emplace(std::string(name), std::move(worksheet)).first->second;
+bool Worksheets::IsFree(std::string_view name) {
+  return !name.empty() && name.find(']') == name.npos && Find(name) == nullptr;
 }
 
 bool Worksheets::Add(std::unique_ptr<Worksheet> worksheet) {
+  if (!IsFree(worksheet->Name())) return false;
   std::string name = worksheet->Name();
-  return OpenBooks().try_emplace(std::move(name), std::move(worksheet)).second;
+  OpenBooks().emplace(std::move(name), std::move(worksheet));
+  return true;
 }
 
 bool Worksheets::Close(std::string_view name) {

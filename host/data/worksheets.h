@@ -15,9 +15,10 @@ class VELAHOST_API Worksheets {
  public:
   // Null when there is none of the name.
   static Worksheet* Find(std::string_view name);
-  // The worksheet of the name, made when there is none. Throws std::bad_alloc.
-  static Worksheet& Open(std::string_view name);
-  // Takes the worksheet in; false when there is one of the name already.
+  // Whether a worksheet can get the name: it is not empty, has no ']' (which ends it in the name of
+  // a column) and there is none of the name yet.
+  static bool IsFree(std::string_view name);
+  // Takes the worksheet in; false when its name is not free.
   static bool Add(std::unique_ptr<Worksheet> worksheet);
   // False when there is none.
   static bool Close(std::string_view name);

@@ -23,6 +23,8 @@
 
 namespace tesselc {
 
+struct WorksheetFunction;
+
 // A compiled expression.
 struct Value {
   StaticType type;
@@ -265,6 +267,7 @@ class Compiler {
                                const SourceRange& range);
   Value CallFunction(const Signature& signature, const tesselc::Call& call,
                      const SourceRange& range);
+  Value CallWorksheetFunction(const WorksheetFunction& function, const Call& call);
   Value CallBuiltin(const tesselc::Call& call, const SourceRange& range);
   std::vector<PrintArgument> CompilePrinted(const std::vector<ExpressionPtr>& arguments,
                                             std::size_t first, bool only_texts);
