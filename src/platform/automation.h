@@ -372,6 +372,8 @@ HRESULT VariantCopyInd(VARIANT* destination, const VARIANT* source);
 // DISP_E_TYPEMISMATCH for text that is no number and where no conversion exists (dates to text
 // among them).
 HRESULT VariantChangeType(VARIANT* destination, const VARIANT* source, USHORT flags, VARTYPE type);
+HRESULT VariantChangeTypeEx(VARIANT* destination, const VARIANT* source, LCID locale, USHORT flags,
+                            VARTYPE type);
 
 inline constexpr USHORT VARIANT_NOVALUEPROP = 1;  // do not read an object's default property
 inline constexpr USHORT VARIANT_ALPHABOOL = 2;    // truth values become "True" and "False"

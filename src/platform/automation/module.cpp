@@ -3,6 +3,7 @@
 #if !defined(_WIN32)
 
 #include <atomic>
+#include <cstring>
 #include <strings.h>
 
 #include "platform/automation.h"
@@ -16,6 +17,20 @@ HMODULE Module() {
   static char module;
   return reinterpret_cast<HMODULE>(&module);
 }
+
+template <typename Function>
+FARPROC Address(Function* function) {
+  return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(function));
+}
+
+const struct {
+  const char* name;
+  FARPROC function;
+} kFunctions[] = {{"VarAdd", Address(VarAdd)},
+                  {"VarSub", Address(VarSub)},
+                  {"VarMul", Address(VarMul)},
+                  {"VarDiv", Address(VarDiv)},
+                  {"VarCmp", Address(VarCmp)}};
 
 }  // namespace
 
@@ -35,6 +50,12 @@ HMODULE GetModuleHandleA(const char* name) {
   return known && initialisations > 0 ? Module() : nullptr;
 }
 
-FARPROC GetProcAddress(HMODULE, const char*) { return nullptr; }
+FARPROC GetProcAddress(HMODULE module, const char* name) {
+  if (module != Module() || name == nullptr) return nullptr;
+  for (const auto& known : kFunctions) {
+    if (std::strcmp(known.name, name) == 0) return known.function;
+  }
+  return nullptr;
+}
 
 #endif

@@ -1,16 +1,14 @@
 #if !defined(_WIN32)
 
 #include <algorithm>
-#include <charconv>
 #include <string>
 
-#include "platform/automation.h"
-#include "platform/automation/variant_number.h"
+#include "platform/automation/convert.h"
+#include "platform/automation/number_text.h"
+#include "platform/automation/value_types.h"
 
+namespace vela::platform {
 namespace {
-
-using vela::platform::ExactNumber;
-using vela::platform::Number;
 
 // ASCII for the number scanner; other units become a character that no number contains.
 std::string Narrow(BSTR text) {
@@ -23,15 +21,6 @@ std::string Narrow(BSTR text) {
 BSTR Widen(const std::string& text) {
   const std::u16string wide(text.begin(), text.end());
   return SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
-}
-
-std::string FormatReal(double value, int digits) {
-  char text[40];
-  const char* end =
-      std::to_chars(text, text + sizeof text, value, std::chars_format::general, digits).ptr;
-  std::string formatted(static_cast<const char*>(text), end);
-  std::replace(formatted.begin(), formatted.end(), 'e', 'E');
-  return formatted;
 }
 
 bool EqualsIgnoringCase(const std::string& text, const char* lower) {
@@ -48,8 +37,8 @@ HRESULT TextToTruth(const std::string& text, VARIANT& value) {
     return S_OK;
   }
   Number number;
-  const HRESULT result = vela::platform::ParseNumber(text, true, number);
-  return FAILED(result) ? result : vela::platform::WriteNumber(number, VT_BOOL, value);
+  const HRESULT result = ParseNumber(text, VT_R8, number);
+  return FAILED(result) ? result : WriteNumber(number, VT_BOOL, value);
 }
 
 HRESULT TextToNumber(BSTR text, VARTYPE type, VARIANT& value) {
@@ -57,9 +46,8 @@ HRESULT TextToNumber(BSTR text, VARTYPE type, VARIANT& value) {
   const std::string narrow = Narrow(text);
   if (type == VT_BOOL) return TextToTruth(narrow, value);
   Number number;
-  const HRESULT result =
-      vela::platform::ParseNumber(narrow, type == VT_R4 || type == VT_R8, number);
-  return FAILED(result) ? result : vela::platform::WriteNumber(number, type, value);
+  const HRESULT result = ParseNumber(narrow, type, number);
+  return FAILED(result) ? result : WriteNumber(number, type, value);
 }
 
 HRESULT ToText(const VARIANT& source, USHORT flags, VARIANT& value) {
@@ -69,10 +57,10 @@ HRESULT ToText(const VARIANT& source, USHORT flags, VARIANT& value) {
     text = source.boolVal == VARIANT_FALSE ? "False" : "True";
   } else if (source.vt != VT_EMPTY) {
     Number number;
-    const HRESULT result = vela::platform::ReadNumber(source, number);
+    const HRESULT result = ReadNumber(source, number);
     if (FAILED(result)) return result;
     const auto* exact = std::get_if<ExactNumber>(&number);
-    text = exact != nullptr ? vela::platform::FormatExact(*exact)
+    text = exact != nullptr ? Format(*exact)
                             : FormatReal(std::get<double>(number), source.vt == VT_R4 ? 7 : 15);
   }
   value.bstrVal = Widen(text);
@@ -93,6 +81,20 @@ HRESULT ToInterface(const VARIANT& source, VARTYPE type, VARIANT& value) {
   return S_OK;
 }
 
+// Bytes of an integer type, 0 for any other.
+int IntegerWidth(VARTYPE type) {
+  const ValueType* known = FindValueType(type);
+  return known != nullptr && known->kind == ValueKind::kInteger && type != VT_BOOL ? known->bytes
+                                                                                   : 0;
+}
+
+bool KeepsBits(const VARIANT& source, VARTYPE type) {
+  const int width = IntegerWidth(type);
+  return width != 0 && (source.vt == VT_BOOL || IntegerWidth(source.vt) == width);
+}
+
+}  // namespace
+
 HRESULT ReadDefaultProperty(const VARIANT& source, VARIANT& value) {
   if (source.pdispVal == nullptr) return DISP_E_TYPEMISMATCH;
   DISPPARAMS none = {};
@@ -102,34 +104,6 @@ HRESULT ReadDefaultProperty(const VARIANT& source, VARIANT& value) {
   return FAILED(result) ? DISP_E_TYPEMISMATCH : S_OK;
 }
 
-// Bytes of an integer type, 0 for any other.
-int IntegerWidth(VARTYPE type) {
-  switch (type) {
-    case VT_I1:
-    case VT_UI1:
-      return 1;
-    case VT_I2:
-    case VT_UI2:
-      return 2;
-    case VT_I4:
-    case VT_UI4:
-    case VT_INT:
-    case VT_UINT:
-      return 4;
-    case VT_I8:
-    case VT_UI8:
-      return 8;
-    default:
-      return 0;
-  }
-}
-
-bool KeepsBits(const VARIANT& source, VARTYPE type) {
-  const int width = IntegerWidth(type);
-  return width != 0 && (source.vt == VT_BOOL || IntegerWidth(source.vt) == width);
-}
-
-// value is empty before; after, it owns its content.
 HRESULT Convert(const VARIANT& source, USHORT flags, VARTYPE type, VARIANT& value) {
   if (source.vt == type) return VariantCopy(&value, &source);
   if ((source.vt | type) & VT_ARRAY) return DISP_E_TYPEMISMATCH;
@@ -144,7 +118,7 @@ HRESULT Convert(const VARIANT& source, USHORT flags, VARTYPE type, VARIANT& valu
   if (type == VT_BSTR) return ToText(source, flags, value);
   if (source.vt == VT_BSTR) return TextToNumber(source.bstrVal, type, value);
   Number number;
-  const HRESULT result = vela::platform::ReadNumber(source, number);
+  const HRESULT result = ReadNumber(source, number);
   if (FAILED(result)) return result;
   if (KeepsBits(source, type)) {
     // Integers of one width are interchangeable, and a true value has every bit set.
@@ -152,8 +126,12 @@ HRESULT Convert(const VARIANT& source, USHORT flags, VARTYPE type, VARIANT& valu
     value.vt = type;
     return S_OK;
   }
-  return vela::platform::WriteNumber(number, type, value);
+  return WriteNumber(number, type, value);
 }
+
+}  // namespace vela::platform
+
+namespace {
 
 bool IsConvertibleType(VARTYPE type) {
   const VARTYPE base = type & VT_TYPEMASK;
@@ -163,23 +141,20 @@ bool IsConvertibleType(VARTYPE type) {
 
 }  // namespace
 
-HRESULT VariantChangeType(VARIANT* destination, const VARIANT* source, USHORT flags, VARTYPE type) {
+HRESULT VariantChangeTypeEx(VARIANT* destination, const VARIANT* source, LCID, USHORT flags,
+                            VARTYPE type) {
   if (destination == nullptr || source == nullptr) return E_INVALIDARG;
   if (!IsConvertibleType(source->vt) || !IsConvertibleType(type)) return DISP_E_BADVARTYPE;
   if (type & VT_BYREF) return DISP_E_TYPEMISMATCH;
-  VARIANT value = {};
-  VARIANT converted = {};
-  HRESULT result = VariantCopyInd(&value, source);
-  if (SUCCEEDED(result)) result = Convert(value, flags, type, converted);
-  VariantClear(&value);
-  if (FAILED(result)) return result;
-  result = VariantClear(destination);
-  if (FAILED(result)) {
-    VariantClear(&converted);
-    return result;
-  }
-  *destination = converted;
-  return S_OK;
+  vela::platform::OwnedValue value;
+  vela::platform::OwnedValue converted;
+  HRESULT result = VariantCopyInd(&*value, source);
+  if (SUCCEEDED(result)) result = vela::platform::Convert(*value, flags, type, *converted);
+  return FAILED(result) ? result : converted.MoveTo(*destination);
+}
+
+HRESULT VariantChangeType(VARIANT* destination, const VARIANT* source, USHORT flags, VARTYPE type) {
+  return VariantChangeTypeEx(destination, source, LOCALE_INVARIANT, flags, type);
 }
 
 #endif
