@@ -63,7 +63,7 @@ void Parse(std::string_view text, CsvCells& cells) {
 
 }  // namespace
 
-CsvCells::CsvCells(std::string_view text) {
+CsvCells::CsvCells(std::string_view text) : text_(text) {
   switch (SeparatorOf(text)) {
     case ';':
       Parse<';'>(text, *this);
@@ -75,6 +75,13 @@ CsvCells::CsvCells(std::string_view text) {
       Parse<','>(text, *this);
   }
   for (auto& column : columns_) column.resize(rows_);
+}
+
+// There are no more rows than line ends and no more cells than bytes.
+void CsvCells::ReserveRows() {
+  const auto rows = static_cast<std::size_t>(std::ranges::count(text_, '\n')) + 1;
+  const std::size_t most = text_.size() / columns_.size() + 1;
+  for (auto& column : columns_) column.reserve(std::min(rows, most));
 }
 
 void CsvCells::AddField(std::string_view text) {
@@ -96,6 +103,7 @@ void CsvCells::AddQuotedField(std::string_view quoted) {
 }
 
 void CsvCells::EndRow() {
+  if (rows_ == 0) ReserveRows();
   ++rows_;
   column_ = 0;
 }

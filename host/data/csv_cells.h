@@ -25,6 +25,9 @@ class CsvCells {
   void EndRow();
 
  private:
+  void ReserveRows();
+
+  std::string_view text_;
   std::vector<std::vector<std::string_view>> columns_;
   std::size_t rows_ = 0;
   std::size_t column_ = 0;

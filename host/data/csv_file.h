@@ -13,10 +13,10 @@
 namespace vela::host {
 
 // A worksheet of the name from a file in any encoding. A column whose cells all read as numbers, or
-// are empty, is one of doubles, and of complex values when they are such (1+2i); any other is one of
-// texts. Columns are named by the first row when that is a header, and otherwise A, B, ... Z, AA;
-// so are those without a name, and a name that is there already gets a number. Null with the cause
-// when the file cannot be read. Throws std::bad_alloc.
+// are empty, is one of doubles, and of complex values when they are such (1+2i); any other is one
+// of texts. Columns are named by the first row when that is a header, and otherwise A, B, ... Z,
+// AA; so are those without a name, and a name that is there already gets a number. Null with the
+// cause when the file cannot be read. Throws std::bad_alloc.
 VELAHOST_API std::unique_ptr<Worksheet> ReadCsvFile(const std::string& path, std::string name,
                                                     bool has_header, platform::FileCause& cause);
 

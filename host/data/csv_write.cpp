@@ -43,10 +43,10 @@ class Writer {
   static constexpr std::size_t kPieceBytes = std::size_t{1} << 20;
 
   FileCause Flush() {
-    const FileCause cause = encoding_ == text::TextEncoding::kUtf16Little ||
-                                    encoding_ == text::TextEncoding::kUtf16Big
-                                ? Write(text::EncodeText(text_, encoding_))
-                                : Write(text_);
+    const FileCause cause =
+        encoding_ == text::TextEncoding::kUtf16Little || encoding_ == text::TextEncoding::kUtf16Big
+            ? Write(text::EncodeText(text_, encoding_))
+            : Write(text_);
     text_.clear();
     return cause;
   }

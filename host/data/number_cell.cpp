@@ -60,7 +60,6 @@ std::size_t ImaginaryStart(std::string_view text) {
   return 0;
 }
 
-
 }  // namespace
 
 bool ReadNumberCell(std::string_view text, double& value) {

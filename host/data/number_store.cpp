@@ -22,8 +22,7 @@ void FillNew(unsigned type_id, void* elements, std::int64_t count) {
 
 }  // namespace
 
-NumberStore::NumberStore(unsigned type_id)
-    : type_id_(type_id), width_(PLTTypeToSizeOf(type_id)) {}
+NumberStore::NumberStore(unsigned type_id) : type_id_(type_id), width_(PLTTypeToSizeOf(type_id)) {}
 
 bool NumberStore::SetSize(std::int64_t size) try {
   if (size < 0 || size > kMostElements) return false;

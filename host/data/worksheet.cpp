@@ -21,8 +21,8 @@ WorksheetColumn* Worksheet::Column(int index) const {
 }
 
 WorksheetColumn* Worksheet::Find(std::string_view name) const {
-  const auto found = std::ranges::find_if(
-      columns_, [&](const auto& column) { return column->Name() == name; });
+  const auto found =
+      std::ranges::find_if(columns_, [&](const auto& column) { return column->Name() == name; });
   return found != columns_.end() ? found->Get() : nullptr;
 }
 

@@ -45,23 +45,16 @@ class CellColumn final : public WorksheetColumn {
   void ReadNumbers(std::int64_t first, std::int64_t count, double* to) override {
     for (std::int64_t i = 0; i < count; ++i) to[i] = NumberOf(At(first + i));
   }
-  bool WriteNumber(std::int64_t row, double value) override {
-    Cell& cell = At(row);
-    if (type_id_ == kTypeVariant) {
-      cell = {value, {}};
-    } else {
-      char text[kCellTextSize];
-      const char* const end = WriteNumberCell(value, text);
-      cell.text = std::string_view(text, static_cast<std::size_t>(end - text));
+  bool WriteNumbers(std::int64_t first, std::int64_t count, const double* from) override {
+    for (std::int64_t i = 0; i < count; ++i) {
+      At(first + i) =
+          type_id_ == kTypeVariant ? Cell{from[i], {}} : Cell{kMissingValue, TextOf(from[i])};
     }
     return true;
   }
   CStringUTF8 GetText(std::int64_t row) override {
     const Cell& cell = At(row);
-    if (cell.number == kMissingValue) return cell.text;
-    char text[kCellTextSize];
-    const char* const end = WriteNumberCell(cell.number, text);
-    return CStringUTF8(std::string_view(text, static_cast<std::size_t>(end - text)));
+    return cell.number == kMissingValue ? cell.text : TextOf(cell.number);
   }
   bool SetText(std::int64_t row, const char* text) override {
     At(row) = {kMissingValue, text};
@@ -90,6 +83,11 @@ class CellColumn final : public WorksheetColumn {
   };
 
   Cell& At(std::int64_t row) { return cells_[static_cast<std::size_t>(row)]; }
+  static CStringUTF8 TextOf(double value) {
+    char text[kCellTextSize];
+    const char* const end = WriteNumberCell(value, text);
+    return CStringUTF8(std::string_view(text, static_cast<std::size_t>(end - text)));
+  }
   static double NumberOf(const Cell& cell) {
     double value = cell.number;
     if (value == kMissingValue && !ReadNumberCell(cell.text.View(), value)) return kMissingValue;

@@ -158,8 +158,7 @@ std::string DecodeText(std::string text, TextEncoding encoding) {
   const std::string_view mark = MarkOf(encoding);
   const std::size_t skipped = !mark.empty() && text.starts_with(mark) ? mark.size() : 0;
   if (encoding == TextEncoding::kUtf16Little || encoding == TextEncoding::kUtf16Big) {
-    return Utf8OfUtf16(std::string_view(text).substr(skipped),
-                       encoding == TextEncoding::kUtf16Big);
+    return Utf8OfUtf16(std::string_view(text).substr(skipped), encoding == TextEncoding::kUtf16Big);
   }
   text.erase(0, skipped);
   return text;

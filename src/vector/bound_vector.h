@@ -70,9 +70,7 @@ class TCOVectorBase : public vela::member::WithMembers<TCOVectorBase<T>, TCAllVe
   int LayerCount() const override { return binding_.IsStale() ? 0 : 1; }
   bool IsStale() const override { return binding_.IsStale(); }
   VeSourceData* SourceOf(int) const override { return binding_.Data(); }
-  vela::LayerShape ShapeOf(int) const override {
-    return vela::LayerShape::OneRow(binding_.Size());
-  }
+  vela::LayerShape ShapeOf(int) const override { return vela::LayerShape::OneRow(binding_.Size()); }
   int LowerBoundOf(int) const override { return binding_.LowerBound(); }
   vela::ElementSpan BufferOf(int) override { return binding_.Buffer(); }
   int RawResize(int, std::int64_t size) override { return binding_.Resize(size); }

@@ -26,6 +26,10 @@ constexpr bool Holds() {
   }
 }
 
+bool HasTexts(unsigned column_type) {
+  return column_type == kTypeString || column_type == kTypeVariant;
+}
+
 // The numbers of a column with a buffer.
 ElementSpan BufferOf(VeData& data) {
   void* const elements = data.GetBuffer();
@@ -33,27 +37,39 @@ ElementSpan BufferOf(VeData& data) {
   return {data.GetElementType(), elements, static_cast<std::size_t>(data.GetSize())};
 }
 
-void ReadNumbers(VeData& data, std::size_t offset, const ElementSpan& to) {
-  const auto read = [&](std::size_t at, double* numbers, std::size_t count) {
-    data.ReadNumbers(static_cast<std::int64_t>(at), static_cast<std::int64_t>(count), numbers);
-  };
-  if (to.type_id == kTypeDouble) return read(offset, to.As<double>().data(), to.size);
+// Calls move(offset, numbers) for doubles that stand for the elements, some at a time.
+template <class Move>
+void InPieces(std::size_t size, Move&& move) {
   std::array<double, 512> numbers;
-  for (std::size_t done = 0; done < to.size;) {
-    const std::size_t count = std::min(to.size - done, numbers.size());
-    read(offset + done, numbers.data(), count);
-    ConvertElements(ConstElementSpan(std::span<const double>(numbers.data(), count)),
-                    to.Part(done, count));
+  for (std::size_t done = 0; done < size;) {
+    const std::size_t count = std::min(size - done, numbers.size());
+    move(done, std::span<double>(numbers.data(), count));
     done += count;
   }
+}
+
+void ReadNumbers(VeData& data, std::size_t offset, const ElementSpan& to) {
+  InPieces(to.size, [&](std::size_t at, std::span<double> numbers) {
+    data.ReadNumbers(static_cast<std::int64_t>(offset + at),
+                     static_cast<std::int64_t>(numbers.size()), numbers.data());
+    ConvertElements(ConstElementSpan(numbers), to.Part(at, numbers.size()));
+  });
+}
+
+bool WriteNumbers(VeData& data, std::size_t offset, const ConstElementSpan& from) {
+  bool done = true;
+  InPieces(from.size, [&](std::size_t at, std::span<double> numbers) {
+    ConvertElements(from.Part(at, numbers.size()), ElementSpan(numbers));
+    done = done && data.WriteNumbers(static_cast<std::int64_t>(offset + at),
+                                     static_cast<std::int64_t>(numbers.size()), numbers.data());
+  });
+  return done;
 }
 
 }  // namespace
 
 bool HoldsColumn(unsigned element_type, unsigned column_type) {
-  if (column_type == kTypeString || column_type == kTypeVariant) {
-    return element_type == kTypeDouble;
-  }
+  if (HasTexts(column_type)) return element_type == kTypeDouble;
   return WithElementType(element_type, [&]<class To>() {
     return WithElementType(column_type, []<class From>() { return Holds<To, From>(); });
   });
@@ -77,9 +93,10 @@ void DataBinding::AttachCopy(const DataBinding& other) {
 }
 
 ElementSpan DataBinding::Buffer() const {
-  if (Size() == 0) return {element_type_, nullptr, 0};
-  const ElementSpan elements = BufferOf(*data_);
-  return elements.type_id == element_type_ ? elements : ElementSpan();
+  if (Data() == nullptr || data_->GetElementType() != element_type_) return {};
+  // A column without rows need not have a buffer.
+  if (data_->GetSize() == 0) return {element_type_, nullptr, 0};
+  return BufferOf(*data_);
 }
 
 int DataBinding::Resize(std::int64_t size) {
@@ -122,11 +139,8 @@ int DataBinding::Store(std::size_t offset, const ConstElementSpan& from) {
     ConvertElements(from, elements.Part(offset, from.size));
     return status::kOk;
   }
-  if (from.size > 1) return status::kUnsupported;
-  double value = 0;
-  ConvertElements(from, ElementSpan(std::span(&value, 1)));
-  return data_->WriteNumber(static_cast<std::int64_t>(offset), value) ? status::kOk
-                                                                      : status::kUnsupported;
+  if (from.size > 1 && HasTexts(data_->GetElementType())) return status::kUnsupported;
+  return WriteNumbers(*data_, offset, from) ? status::kOk : status::kUnsupported;
 }
 
 void DataBinding::AnnounceChange() {

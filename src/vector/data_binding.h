@@ -37,7 +37,9 @@ class DataBinding {
   void AttachCopy(const DataBinding& other);
 
   std::int64_t Size() const { return Data() != nullptr ? data_->GetSize() : 0; }
-  int LowerBound() const { return Data() != nullptr ? static_cast<int>(data_->GetLowerBound()) : 0; }
+  int LowerBound() const {
+    return Data() != nullptr ? static_cast<int>(data_->GetLowerBound()) : 0;
+  }
   ElementSpan Buffer() const;
   int Resize(std::int64_t size);
   // The elements below lower become the missing value. 28 for a lower bound outside 0 .. size.

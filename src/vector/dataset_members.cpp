@@ -216,8 +216,8 @@ int Create(const Bound& bound, CTCall* call) {
       if (!data) Fail(status::kCannotResize);
       return args.Return(bound.binding.Attach(data.Get()) ? 1 : 0);
     }
-    VeData* const data = VeDataSources::Get().CreateData(args.Text(0).c_str(),
-                                                         args.Text(1).c_str(), type_id, rows);
+    VeData* const data =
+        VeDataSources::Get().CreateData(args.Text(0).c_str(), args.Text(1).c_str(), type_id, rows);
     args.Return(bound.binding.Attach(data) ? 1 : 0);
   });
 }

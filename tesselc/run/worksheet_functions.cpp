@@ -38,8 +38,8 @@ int SaveWorksheet(const WorksheetArguments& arguments) {
   Worksheet* const worksheet = Worksheets::Find(arguments.texts[0]);
   const auto encoding = static_cast<unsigned>(NumberOr(arguments, 1));
   if (!worksheet || encoding >= vela::text::kEncodings) return 0;
-  const FileCause cause = vela::host::WriteCsvFile(
-      *worksheet, arguments.texts[1], static_cast<vela::text::TextEncoding>(encoding));
+  const FileCause cause = vela::host::WriteCsvFile(*worksheet, arguments.texts[1],
+                                                   static_cast<vela::text::TextEncoding>(encoding));
   if (cause != FileCause::kNone) return 0;
   worksheet->SetModified(false);
   return 1;
@@ -66,9 +66,12 @@ int IsWorksheetModified(const WorksheetArguments& arguments) {
 }
 
 constexpr WorksheetFunction kFunctions[] = {
-    {"OpenWorksheet", "tti", 2, OpenWorksheet},   {"SaveWorksheet", "tti", 2, SaveWorksheet},
-    {"CloseWorksheet", "t", 1, CloseWorksheet},   {"UndoWorksheet", "t", 1, UndoWorksheet},
-    {"CountColumns", "t", 1, CountColumns},       {"IsWorksheetModified", "t", 1, IsWorksheetModified},
+    {"OpenWorksheet", "tti", 2, OpenWorksheet},
+    {"SaveWorksheet", "tti", 2, SaveWorksheet},
+    {"CloseWorksheet", "t", 1, CloseWorksheet},
+    {"UndoWorksheet", "t", 1, UndoWorksheet},
+    {"CountColumns", "t", 1, CountColumns},
+    {"IsWorksheetModified", "t", 1, IsWorksheetModified},
 };
 
 class WorksheetCall final : public Expr<WorksheetCall, int> {

@@ -103,11 +103,15 @@ class VELAHOST_API VeData : public VeSourceData {
   // The elements, of a number type, when they are one buffer that may be written in place: every
   // member then works on it directly. Null for any other column.
   virtual void* GetBuffer() { return nullptr; }
-  // For a column without a buffer: rows first .. first + count - 1, which exist, as numbers. What
-  // is no number reads as the missing value.
+  // For a column without a buffer, which is none of complex values: rows first .. first + count -
+  // 1, which exist, as numbers. What is no number reads as the missing value.
   virtual void ReadNumbers(std::int64_t /*first*/, std::int64_t /*count*/, double* /*to*/) {}
-  // One cell becomes a number. False, with nothing changed, when it cannot be done.
-  virtual bool WriteNumber(std::int64_t /*row*/, double /*value*/) { return false; }
+  // These rows become the numbers; of a column with texts it is one row at a time. False, with
+  // nothing changed, when it cannot be done.
+  virtual bool WriteNumbers(std::int64_t /*first*/, std::int64_t /*count*/,
+                            const double* /*from*/) {
+    return false;
+  }
 
   // The cell as text, empty where it has no value. The defaults serve columns with a buffer: a text
   // is read by the text-to-number rule. Throw std::bad_alloc.
