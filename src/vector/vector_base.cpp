@@ -99,7 +99,7 @@ int TCAllVectorNonTemplBase::Row(Arguments& args) const {
   const int rows = LayerCount();
   if (row >= 0 && row < rows) [[likely]]
     return row;
-  if (rows == 0) Fail(status::kUnsupported);
+  if (rows == 0) Fail(StatusOfNoLayer(status::kUnsupported));
   Fail(row < 0 ? status::kUnresolved : status::kOutOfRange);
 }
 

@@ -24,6 +24,8 @@
 
 namespace tesselc {
 
+struct WorksheetFunction;
+
 // A compiled expression.
 struct Value {
   StaticType type;
@@ -268,6 +270,7 @@ class Compiler {
                      const SourceRange& range);
   Value MathOnContainers(const MathFunction& function, std::vector<Value> arguments,
                          const SourceRange& range);
+  Value CallWorksheetFunction(const WorksheetFunction& function, const Call& call);
   Value CallBuiltin(const tesselc::Call& call, const SourceRange& range);
   Value CallHost(const tesselc::Call& call);
   std::vector<PrintArgument> CompilePrinted(const std::vector<ExpressionPtr>& arguments,
