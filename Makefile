@@ -41,10 +41,12 @@ unbuilt: packages
 	$(call build_preset,release)
 	$(release)/unbuilt_members
 
-# Every Linux test under AddressSanitizer and UndefinedBehaviorSanitizer.
+# Every Linux test under AddressSanitizer and UndefinedBehaviorSanitizer, and the automation
+# functions on their grid.
 sanitize: packages-test
 	$(call build_preset,debug)
 	ctest --preset debug -j $(JOBS)
+	build/debug/bin/automation_grid >/dev/null
 
 # Every fuzz target for FUZZ_SECONDS (30) each; fails on a finding.
 fuzz: packages-test

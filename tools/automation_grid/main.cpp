@@ -48,9 +48,8 @@ bool IsNoType(const VARIANT& value) {
 
 template <typename Function>
 void ForEachPair(Function function) {
-  auto samples = Samples();
-  for (auto& left : samples) {
-    for (auto& right : samples) {
+  for (auto& left : Samples()) {
+    for (auto& right : Samples()) {
       if (!IsNoType(left) || !IsNoType(right)) function(left, right);
     }
   }
