@@ -18,7 +18,16 @@ Symbol& Compiler::DeclareVariable(const Identifier& name, const StaticType& type
                                   bool is_reference) {
   const bool global = context_.levels.empty();
   auto& symbols = global ? globals_.symbols : context_.levels.back().symbols;
-  const auto [entry, added] = symbols.try_emplace(name.text);
+  auto [entry, added] = symbols.try_emplace(name.text);
+  if (!added && global && options_.interactive) {
+    // The same storage, where functions may refer to it; a new one for another type.
+    Symbol& known = entry->second;
+    known.is_const = is_const;
+    if (known.type == type) return known;
+    symbols.erase(entry);
+    entry = symbols.try_emplace(name.text).first;
+    added = true;
+  }
   if (!added) Fail(name.range, "there is a variable '" + name.text + "' already");
   if (global && functions_.contains(name.text)) {
     symbols.erase(entry);
@@ -135,7 +144,8 @@ void Compiler::InitializeObject(const Variable& variable, const Symbol& symbol,
   const SourceRange& range = variable.name.range;
   const Expression* value = variable.initializer.get();
   if (variable.form == Variable::Form::kArguments) {
-    const bool sizes = symbol.type.IsContainer() || symbol.type.name == TypeName::kStringArray;
+    const bool sizes = symbol.type.IsContainer() || symbol.type.name == TypeName::kStringArray ||
+                       symbol.type.name == TypeName::kDeviceContext;
     if (symbol.type.is_array || variable.arguments.empty() || variable.arguments.size() > 2) {
       Fail(range, "too many values for " + Spelling(symbol.type));
     }
@@ -157,7 +167,8 @@ void Compiler::InitializeObject(const Variable& variable, const Symbol& symbol,
 
 void Compiler::InitializeByArguments(const Variable& variable, const Symbol& symbol,
                                      std::vector<PlacedStatement>& out) {
-  const std::size_t wanted = symbol.type.IsMatrix() ? 2 : 1;
+  const bool is_flat = symbol.type.IsMatrix() || symbol.type.name == TypeName::kDeviceContext;
+  const std::size_t wanted = is_flat ? 2 : 1;
   const SourceRange& range = variable.name.range;
   if (variable.arguments.size() != wanted) {
     Fail(range, Spelling(symbol.type) + " takes " + std::to_string(wanted) +

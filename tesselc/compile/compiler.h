@@ -15,6 +15,7 @@
 #include "tesselc/diagnostic.h"
 #include "tesselc/run/arithmetic.h"
 #include "tesselc/run/bindings.h"
+#include "tesselc/run/builtins.h"
 #include "tesselc/run/control.h"
 #include "tesselc/run/function.h"
 #include "tesselc/run/member_call.h"
@@ -22,6 +23,8 @@
 #include "tesselc/run/range_loop.h"
 
 namespace tesselc {
+
+struct WorksheetFunction;
 
 // A compiled expression.
 struct Value {
@@ -93,6 +96,8 @@ struct Signature {
 struct CompilerOptions {
   PowerFunction power = nullptr;  // of the ^ operator
   unsigned char fill = 0;         // the bytes of a number that was declared without a value
+  // At a prompt: names may be declared anew, and a last expression without ';' shows its value.
+  bool interactive = false;
 };
 
 // The result of compiling a script. It refers to the globals it was compiled with.
@@ -108,9 +113,15 @@ class Compiler {
  public:
   Compiler(Globals& globals, const CompilerOptions& options);
 
+  // At a prompt, for one program after the other: a script refers to the programs and scripts
+  // before it. One with mistakes leaves the names that were known before.
   CompiledScript Compile(const Program& program);
   // In the order of the text.
   std::vector<Diagnostic> TakeDiagnostics();
+
+  // The type of a global variable, void for none; the names of variables and functions.
+  StaticType TypeOfGlobal(std::string_view name) const;
+  std::vector<std::string> GlobalNames() const;
 
  private:
   // --- compile_program.cpp
@@ -119,6 +130,7 @@ class Compiler {
   void CompileBody(Signature& signature);
   void CompileTopLevel(const Program& program, CompiledScript& script);
   void DeclareParameters(Signature& signature);
+  void Redefine(Signature& known, Signature&& signature);
 
   // --- compile_statement.cpp
   NodePtr CompileStatement(const Statement& statement);
@@ -265,7 +277,11 @@ class Compiler {
                                const SourceRange& range);
   Value CallFunction(const Signature& signature, const tesselc::Call& call,
                      const SourceRange& range);
+  Value MathOnContainers(const MathFunction& function, std::vector<Value> arguments,
+                         const SourceRange& range);
+  Value CallWorksheetFunction(const WorksheetFunction& function, const Call& call);
   Value CallBuiltin(const tesselc::Call& call, const SourceRange& range);
+  Value CallHost(const tesselc::Call& call);
   std::vector<PrintArgument> CompilePrinted(const std::vector<ExpressionPtr>& arguments,
                                             std::size_t first, bool only_texts);
 
@@ -294,8 +310,9 @@ class Compiler {
   };
 
   void Report(const ScriptMistake& mistake) { diagnostics_.push_back(mistake.diagnostic()); }
-  [[noreturn]] static void Fail(const SourceRange& range, std::string message) {
-    throw ScriptMistake(range, std::move(message));
+  [[noreturn]] static void Fail(const SourceRange& range, std::string message,
+                                std::vector<std::string> notes = {}) {
+    throw ScriptMistake(range, std::move(message), std::move(notes));
   }
   static Place AsPlace(Value value) {
     return {value.type, false, Place::Computed{value.carrier, std::move(value.node)}};
@@ -307,6 +324,7 @@ class Compiler {
   Globals& globals_;
   CompilerOptions options_;
   std::map<std::string, Signature*, std::less<>> functions_;
+  std::vector<std::pair<Signature*, Signature>> redefined_;  // with what they were before
   Context context_;
   std::vector<Diagnostic> diagnostics_;
 };

@@ -52,7 +52,9 @@ Layer OptionalLayer(Arguments& args, unsigned arg, unsigned flags) {
   auto* container = dynamic_cast<TCAllTensorsBase*>(object.object);
   if (container == nullptr) Fail(status::kBadArguments);
   const int layer = container->GetVecArrayIndex(&object.indices);
-  if (layer < 0 || layer >= container->LayerCount()) Fail(status::kOutOfRange);
+  if (layer < 0 || layer >= container->LayerCount()) {
+    Fail(container->StatusOfNoLayer(status::kOutOfRange));
+  }
   return {container, layer};
 }
 
@@ -100,6 +102,11 @@ void SetTotal(Arguments& args, unsigned arg, unsigned type_id, const OneTCcomple
   } else {
     args.Set(arg, total);
   }
+}
+
+void ReturnArray(Arguments& args, const Layer& layer, const ArrayLayout& layout) {
+  CComVariant array = layer.container->AsArray(layer.number, layout);
+  ReturnVariant(args, layer.Size() == 0 ? CComVariant() : std::move(array));
 }
 
 void SetPosition(Arguments& args, unsigned arg, std::ptrdiff_t position) {

@@ -6,7 +6,9 @@
 #include <memory>
 #include <vector>
 
+#include "frame/container/automation_array.h"
 #include "frame/container/element_span.h"
+#include "frame/interface/data_source.h"
 #include "frame/interface/tessel_object.h"
 #include "frame/value_access.h"
 
@@ -53,7 +55,8 @@ class TCAllTensorsBase : public vela::ValueAccess<TCAllTensorsBase, TesselCObjec
   // The elements when they are one buffer that may be written in place, else an empty span. Valid
   // until the layer's next change of size.
   virtual vela::ElementSpan BufferOf(int /*layer*/) { return {}; }
-  // Gives the layer this shape; new elements are zero. With kDrop the contents become unspecified.
+  // Gives the layer this shape; new elements are zero, or cells without a value where the host
+  // keeps them. With kDrop the contents become unspecified.
   // A status; on failure the layer is as it was. A vector takes the elements of any shape in one
   // row.
   virtual int ResizeLayer(int layer, const vela::LayerShape& shape, vela::Contents contents);
@@ -70,6 +73,15 @@ class TCAllTensorsBase : public vela::ValueAccess<TCAllTensorsBase, TesselCObjec
   virtual int StoreElements(int layer, std::size_t offset, const vela::ConstElementSpan& from);
   // Tells whoever shows the layer that it changed.
   virtual void AnnounceChange(int layer);
+  // The elements as an automation array; as MakeArray.
+  virtual CComVariant AsArray(int layer, const vela::ArrayLayout& layout);
+  // The host's data that the layer is a view of; null for a layer of the container's own.
+  virtual VeSourceData* SourceOf(int /*layer*/) const { return nullptr; }
+  // Whether the host removed the data that the container was attached to. It has no layer then, and
+  // what asks for one ends with status -1.
+  virtual bool IsStale() const { return false; }
+  // The status for a layer that there is not.
+  int StatusOfNoLayer(int otherwise) const { return IsStale() ? int{status::kNoRow} : otherwise; }
 
   // --- For the host ---
 
@@ -95,6 +107,15 @@ class TCAllTensorsBase : public vela::ValueAccess<TCAllTensorsBase, TesselCObjec
   int ReleaseBufferMSO(const MSOINDICES* at, void* buffer) override;
   int Operate2(const MSOINDICES* at, unsigned op, const tagMSOOBJVECT& operand,
                unsigned options) override;
+  // The addressed layer as an automation array, of two dimensions for a matrix; elements that have
+  // no automation type as an array of variants. SetVariantArray makes the layer such an array's
+  // elements, what is no value of the element type missing: status 8 for a value that is no array
+  // of one or two dimensions. The operations on one value do so too where no element is addressed,
+  // and set every element where the value is no array.
+  int GetVariantArray(const MSOINDICES* at, VARIANT* value, int lower_bound) override;
+  int SetVariantArray(const MSOINDICES* at, const VARIANT* value) override;
+  int GetIntoVariant(const MSOINDICES* at, VARIANT* value) override;
+  int SetFromVariant(const MSOINDICES* at, const VARIANT* value) override;
 
   template <class U>
   int Read(const MSOINDICES* at, U& value);
