@@ -35,27 +35,32 @@ std::uint32_t Little(Bytes file, std::size_t at, int bytes) {
   return value;
 }
 
-// Whether the pixels that the header promises are there.
+// Whether the header is one, and the pixels that it promises are there.
 bool HasPixels(Bytes bmp) {
-  constexpr std::size_t kShortHeader = 26, kHeader = 54;
-  if (bmp.size() < kShortHeader) return false;
-  const std::uint64_t offset = Little(bmp, 10, 4);
-  const bool is_short = Little(bmp, 14, 4) == kShortHeader - 14;
-  if (!is_short && bmp.size() < kHeader) return false;
-  const std::uint32_t compression = is_short ? 0 : Little(bmp, 30, 4);
-  constexpr std::uint32_t kPlain = 0, kMasks = 3;
-  if (compression != kPlain && compression != kMasks) {
-    return offset + Little(bmp, 34, 4) <= bmp.size();
+  constexpr std::size_t kFileHeader = 14, kShort = 12, kCommon = 40;
+  constexpr std::uint32_t kHeaderSizes[] = {kShort, kCommon, 52, 56, 64, 108, 124};
+  if (bmp.size() < kFileHeader + kShort) return false;
+  const std::uint32_t header = Little(bmp, 14, 4);
+  if (std::ranges::find(kHeaderSizes, header) == std::end(kHeaderSizes) ||
+      bmp.size() < kFileHeader + header) {
+    return false;
   }
+  const bool is_short = header == kShort;
   const std::int64_t width =
       is_short ? Little(bmp, 18, 2) : static_cast<std::int32_t>(Little(bmp, 18, 4));
   const std::int64_t height =
       is_short ? Little(bmp, 20, 2) : static_cast<std::int32_t>(Little(bmp, 22, 4));
   const std::int64_t rows = height < 0 ? -height : height;
   if (!IsImageSize(width, rows)) return false;
+
+  constexpr std::uint32_t kPlain = 0, kMasks = 3;
+  const std::uint32_t compression = is_short ? kPlain : Little(bmp, 30, 4);
   const std::int64_t bits = Little(bmp, is_short ? 24 : 28, 2);
   const std::int64_t stride = (width * bits + 31) / 32 * 4;
-  return offset + static_cast<std::uint64_t>(stride * rows) <= bmp.size();
+  const bool is_plain = compression == kPlain || compression == kMasks;
+  const std::uint64_t pixels =
+      is_plain ? static_cast<std::uint64_t>(stride * rows) : Little(bmp, 34, 4);
+  return Little(bmp, 10, 4) + pixels <= bmp.size();
 }
 
 // Decoders show what there is of a file that ends early, each in its own way. Of TIFF they do not.
