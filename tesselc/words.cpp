@@ -98,6 +98,8 @@ const Word* FindWord(std::string_view text) {
   return found != kWords.end() && found->text == text ? &*found : nullptr;
 }
 
+std::span<const Word> AllWords() { return kWords; }
+
 std::optional<TypeName> MakeUnsigned(TypeName type) {
   switch (type) {
     case TypeName::kChar:

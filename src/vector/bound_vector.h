@@ -1,13 +1,13 @@
 // Vectors bound to host data: Dataset, Curve and categorical data. A new one is not attached: it
-// has one empty row that cannot be resized until the host attaches it to a source.
+// has one empty row that cannot be resized until it is attached to a column.
 #pragma once
 
+#include "vector/dataset_members.h"
 #include "vector/typed_vector.h"
 
 namespace vela {
 
 // The rows of the tables, which are the same for every element type.
-std::initializer_list<CClassMember> DatasetRows();
 std::initializer_list<CClassMember> CurveRows();
 std::initializer_list<CClassMember> CategoricalRows();
 
@@ -16,10 +16,21 @@ std::initializer_list<CClassMember> CategoricalRows();
 template <class T>
 class TCOVectorBase : public vela::member::WithMembers<TCOVectorBase<T>, TCAllVectorsBase<T>> {
   using Base = vela::member::WithMembers<TCOVectorBase, TCAllVectorsBase<T>>;
+  using Member = int (*)(const vela::dataset::Bound&, CTCall*);
 
  public:
+  using Base::GetName;
+  using Base::IsValid;
+  using Base::Update;
+
   explicit TCOVectorBase(unsigned type_id, unsigned flag = kFlagDataset)
-      : Base((type_id & kTypeIdMask) | flag) {}
+      : Base((type_id & kTypeIdMask) | flag), binding_(vela::kElement<T>.type_id) {}
+  // Attached to data of its own with the other's elements, so that the host's data is not touched
+  // by what is done with a copy.
+  TCOVectorBase(const TCOVectorBase& other)
+      : Base(other.GetTypeID()), binding_(vela::kElement<T>.type_id) {
+    binding_.AttachCopy(other.binding_);
+  }
 
   const CRuntimeClass* GetRuntimeClass() const override {
     static constexpr auto kName = vela::TemplateName<T>("TCOVectorBase");
@@ -27,18 +38,81 @@ class TCOVectorBase : public vela::member::WithMembers<TCOVectorBase<T>, TCAllVe
                                              Base::GetRuntimeClass()};
     return &runtime_class;
   }
+  CScriptVelaObject* CreateCopy() override { return vela::NewCopy(*this); }
   static const CClassMember* MemberTable() {
     return vela::member::TypeTable<TCOVectorBase>::Rows();
   }
-  static std::initializer_list<CClassMember> MemberRows() { return vela::DatasetRows(); }
+  static std::initializer_list<CClassMember> MemberRows() {
+    using vela::member::Method;
+    namespace dataset = vela::dataset;
+    static const std::initializer_list<CClassMember> rows = {
+        Row<&dataset::Attach>("Attach"),
+        Row<&dataset::Detach>("Detach"),
+        Row<&dataset::SetText>("SetText"),
+        Row<&dataset::GetText>("GetText"),
+        Row<&dataset::GetStringArray>("GetStringArray"),
+        Row<&dataset::PutStringArray>("PutStringArray"),
+        Row<&dataset::GetMask>("GetMask"),
+        Row<&dataset::SetMask>("SetMask"),
+        Row<&dataset::GetName>("GetName"),
+        Method("Append", &TCAllVectorNonTemplBase::Append),
+        Row<&dataset::Update>("Update"),
+        Row<&dataset::Create>("Create"),
+        Row<&dataset::Destroy>("Destroy"),
+        Method("TrimLeft", &TCAllVectorNonTemplBase::TrimLeft),
+        Method("TrimRight", &TCAllVectorNonTemplBase::TrimRight),
+        Method("GetSize", &TCAllVectorNonTemplBase::GetSize),
+        Row<&dataset::PushUndo>("PushUndo"),
+    };
+    return rows;
+  }
 
-  int LayerCount() const override { return 1; }
-  int RawResize(int, std::int64_t) override { return status::kFailed; }
-  // Without elements there is nothing to read or store.
-  int ReadElements(int, std::size_t, const vela::ElementSpan&) override { return status::kOk; }
-  int StoreElements(int, std::size_t, const vela::ConstElementSpan&) override {
+  int LayerCount() const override { return binding_.IsStale() ? 0 : 1; }
+  bool IsStale() const override { return binding_.IsStale(); }
+  VeSourceData* SourceOf(int) const override { return binding_.Data(); }
+  vela::LayerShape ShapeOf(int) const override { return vela::LayerShape::OneRow(binding_.Size()); }
+  int LowerBoundOf(int) const override { return binding_.LowerBound(); }
+  vela::ElementSpan BufferOf(int) override { return binding_.Buffer(); }
+  int RawResize(int, std::int64_t size) override { return binding_.Resize(size); }
+  int ResizeWithLowerBound(int, std::int64_t size, int lower) override {
+    return binding_.ResizeWithLowerBound(size, lower);
+  }
+  int ReadElements(int, std::size_t offset, const vela::ElementSpan& to) override {
+    return binding_.Read(offset, to);
+  }
+  int StoreElements(int, std::size_t offset, const vela::ConstElementSpan& from) override {
+    return binding_.Store(offset, from);
+  }
+  void AnnounceChange(int row) override {
+    Base::AnnounceChange(row);
+    binding_.AnnounceChange();
+  }
+
+  int GetName(CTCall* call) override { return Forward<&vela::dataset::GetName>(call); }
+  int IsValid(CTCall* call) override { return Forward<&vela::dataset::IsValid>(call); }
+  int SetUpperBound(CTCall* call) override { return Forward<&vela::dataset::SetUpperBound>(call); }
+  int SetLowerBound(CTCall* call) override { return Forward<&vela::dataset::SetLowerBound>(call); }
+
+  // --- For the host ---
+
+  int Update(const MSOINDICES*) override {
+    if (binding_.IsStale()) return status::kNoRow;
+    binding_.AnnounceChange();
     return status::kOk;
   }
+  void* GetDatasetObject(const MSOINDICES*) override { return binding_.Data(); }
+
+ protected:
+  template <Member kMember>
+  int Forward(CTCall* call) {
+    return kMember({*this, binding_}, call);
+  }
+  template <Member kMember>
+  static CClassMember Row(const char* name) {
+    return vela::member::Method(name, &TCOVectorBase::template Forward<kMember>);
+  }
+
+  vela::DataBinding binding_;
 };
 
 template <class T>
@@ -61,6 +135,7 @@ class TCCurve : public vela::member::WithMembers<TCCurve<T>, TCOVectorBase<T>> {
                                              Base::GetRuntimeClass()};
     return &runtime_class;
   }
+  CScriptVelaObject* CreateCopy() override { return vela::NewCopy(*this); }
   static const CClassMember* MemberTable() { return vela::member::TypeTable<TCCurve>::Rows(); }
   static std::initializer_list<CClassMember> MemberRows() { return vela::CurveRows(); }
 };
@@ -78,6 +153,7 @@ class TCOlccomplexVector
  public:
   using Base::Base;
   const CRuntimeClass* GetRuntimeClass() const override;
+  CScriptVelaObject* CreateCopy() override { return vela::NewCopy(*this); }
   static const CClassMember* MemberTable();
 };
 
@@ -93,6 +169,7 @@ class tcCategoricalData : public vela::member::WithMembers<tcCategoricalData<T>,
                                              Base::GetRuntimeClass()};
     return &runtime_class;
   }
+  CScriptVelaObject* CreateCopy() override { return vela::NewCopy(*this); }
   static const CClassMember* MemberTable() {
     return vela::member::TypeTable<tcCategoricalData>::Rows();
   }

@@ -4,18 +4,6 @@ using vela::member::Unbuilt;
 
 namespace vela {
 
-std::initializer_list<CClassMember> DatasetRows() {
-  static const std::initializer_list<CClassMember> rows = {
-      Unbuilt("Attach"),  Unbuilt("Detach"),         Unbuilt("SetText"),
-      Unbuilt("GetText"), Unbuilt("GetStringArray"), Unbuilt("PutStringArray"),
-      Unbuilt("GetMask"), Unbuilt("SetMask"),        Unbuilt("GetName"),
-      Unbuilt("Append"),  Unbuilt("Update"),         Unbuilt("Create"),
-      Unbuilt("Destroy"), Unbuilt("TrimLeft"),       Unbuilt("TrimRight"),
-      Unbuilt("GetSize"), Unbuilt("PushUndo"),
-  };
-  return rows;
-}
-
 std::initializer_list<CClassMember> CurveRows() {
   static const std::initializer_list<CClassMember> rows = {
       Unbuilt("HasX"),          Unbuilt("AttachX"),    Unbuilt("Attach"),        Unbuilt("Sort"),
@@ -32,16 +20,14 @@ std::initializer_list<CClassMember> CategoricalRows() {
 
 }  // namespace vela
 
-namespace {
-
-const CClassMember kComplexDatasetMembers[] = {Unbuilt("Attach"), Unbuilt("Create"), {}};
-
-}  // namespace
-
 const CRuntimeClass* TCOlccomplexVector::GetRuntimeClass() const {
   static const CRuntimeClass runtime_class{"TCOlccomplexVector", sizeof(TCOlccomplexVector),
                                            Base::GetRuntimeClass()};
   return &runtime_class;
 }
 
-const CClassMember* TCOlccomplexVector::MemberTable() { return kComplexDatasetMembers; }
+const CClassMember* TCOlccomplexVector::MemberTable() {
+  static const CClassMember rows[] = {
+      Row<&vela::dataset::Attach>("Attach"), Row<&vela::dataset::Create>("Create"), {}};
+  return rows;
+}

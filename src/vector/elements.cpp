@@ -26,11 +26,17 @@ namespace kernel = vela::kernel;
 
 namespace {
 
-// Calls sort(values, indices) for what is not missing; the missing values go to the asked end.
+// Where missing values go when a row is sorted. Those of the host's data take part as the numbers
+// that they are.
+enum class MissingPlace { kFront, kBack, kSorted };
+
+// Calls sort(values, indices) for what takes part in the order; missing values go to their end.
 // indices, when not empty, follow the elements.
 template <class T, class SortRest>
-void SortAround(std::span<T> values, std::span<std::uint32_t> indices, bool missing_first,
+void SortAround(std::span<T> values, std::span<std::uint32_t> indices, MissingPlace place,
                 SortRest sort) {
+  if (place == MissingPlace::kSorted) return sort(values, indices);
+  const bool missing_first = place == MissingPlace::kFront;
   const std::size_t missing =
       kernel::PartitionMissing(values, indices, missing_first, kernel::IsMissing<T>);
   const std::size_t start = missing_first ? missing : 0;
@@ -42,24 +48,24 @@ void SortAround(std::span<T> values, std::span<std::uint32_t> indices, bool miss
 // All memory is there before anything moves, so that nothing has changed when there is too little.
 template <SimpleElement T>
 void SortNumbers(std::span<T> values, std::span<std::uint32_t> indices, bool ascending,
-                 bool missing_first) {
+                 MissingPlace place) {
   if (indices.empty()) {
-    return SortAround(values, indices, missing_first,
+    return SortAround(values, indices, place,
                       [&](auto rest, auto) { kernel::Sort<T>(rest, ascending); });
   }
   const kernel::SortScratch scratch(values.size());
-  SortAround(values, indices, missing_first, [&](auto rest, auto rest_indices) {
+  SortAround(values, indices, place, [&](auto rest, auto rest_indices) {
     kernel::SortWithIndices<T>(rest, rest_indices, ascending, scratch);
   });
 }
 
 template <vela::ComplexElement T>
 void SortNumbers(std::span<T> values, std::span<std::uint32_t> indices, bool ascending,
-                 bool missing_first) {
+                 MissingPlace place) {
   std::vector<T> sorted(values.begin(), values.end());
   std::vector<std::uint32_t> sorted_indices(indices.begin(), indices.end());
   SortAround(
-      std::span(sorted), std::span(sorted_indices), missing_first,
+      std::span(sorted), std::span(sorted_indices), place,
       [&](auto rest, auto rest_indices) { kernel::SortComplex(rest, rest_indices, ascending); });
   std::copy(sorted.begin(), sorted.end(), values.begin());
   std::copy(sorted_indices.begin(), sorted_indices.end(), indices.begin());
@@ -67,7 +73,7 @@ void SortNumbers(std::span<T> values, std::span<std::uint32_t> indices, bool asc
 
 // Points have no order and stay.
 template <vela::PointElement T>
-void SortNumbers(std::span<T>, std::span<std::uint32_t>, bool, bool) {}
+void SortNumbers(std::span<T>, std::span<std::uint32_t>, bool, MissingPlace) {}
 
 // By which elements count as the same.
 template <class T>
@@ -173,9 +179,12 @@ void TCAllVectorNonTemplBase::RotateElements(int row, std::int64_t shift) {
 
 void TCAllVectorNonTemplBase::SortElements(int row, bool ascending, bool missing_first,
                                            std::span<unsigned> positions) {
+  const MissingPlace place = SourceOf(row) != nullptr ? MissingPlace::kSorted
+                             : missing_first          ? MissingPlace::kFront
+                                                      : MissingPlace::kBack;
   const LayerElements elements({this, row});
   WithElements(elements.Span(), [&]<class T>(std::span<T> values) {
-    SortNumbers(values, positions, ascending, missing_first);
+    SortNumbers(values, positions, ascending, place);
   });
   elements.Commit();
 }

@@ -95,11 +95,11 @@ int TCAllVectorNonTemplBase::ResizeLayer(int row, const vela::LayerShape& shape,
 }
 
 int TCAllVectorNonTemplBase::Row(Arguments& args) const {
-  const int row = GetVecArrayIndex(&args.Indices());
+  const int row = args.Indices().ObjectIndex();
   const int rows = LayerCount();
   if (row >= 0 && row < rows) [[likely]]
     return row;
-  if (rows == 0) Fail(status::kUnsupported);
+  if (rows == 0) Fail(StatusOfNoLayer(status::kUnsupported));
   Fail(row < 0 ? status::kUnresolved : status::kOutOfRange);
 }
 

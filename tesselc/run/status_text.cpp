@@ -10,7 +10,7 @@ struct Meaning {
   const char* text;
 };
 constexpr Meaning kMeanings[] = {
-    {status::kNoRow, "there is no such row or layer"},
+    {status::kNoRow, "there is no such row or layer, or the data it is attached to was removed"},
     {status::kOk, "success"},
     {status::kFailed, "the call could not be carried out"},
     {status::kUnresolved, "there is no such object or element"},

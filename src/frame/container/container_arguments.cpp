@@ -52,7 +52,9 @@ Layer OptionalLayer(Arguments& args, unsigned arg, unsigned flags) {
   auto* container = dynamic_cast<TCAllTensorsBase*>(object.object);
   if (container == nullptr) Fail(status::kBadArguments);
   const int layer = container->GetVecArrayIndex(&object.indices);
-  if (layer < 0 || layer >= container->LayerCount()) Fail(status::kOutOfRange);
+  if (layer < 0 || layer >= container->LayerCount()) {
+    Fail(container->StatusOfNoLayer(status::kOutOfRange));
+  }
   return {container, layer};
 }
 

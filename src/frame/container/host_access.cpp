@@ -20,7 +20,7 @@ constexpr std::byte kGuard{0xCC};
 int TCAllTensorsBase::LocateLayer(const MSOINDICES* at, int& layer) const {
   layer = GetVecArrayIndex(at);
   if (layer < 0) return status::kUnresolved;
-  return layer < LayerCount() ? status::kOk : status::kOutOfRange;
+  return layer < LayerCount() ? status::kOk : StatusOfNoLayer(status::kOutOfRange);
 }
 
 int TCAllTensorsBase::IndexIn(int layer, const MSOINDICES* at, std::size_t& index) const {
@@ -137,7 +137,9 @@ int TCAllTensorsBase::GetValueToBuffer(void* buffer, unsigned size, const MSOIND
 
 int TCAllTensorsBase::GetExternalData(void** address) {
   if (address == nullptr) return status::kBadArguments;
-  if (LayerCount() == 0 || !vela::IsNumeric({this, 0})) return status::kUnsupported;
+  if (LayerCount() == 0 || !vela::IsNumeric({this, 0})) {
+    return StatusOfNoLayer(status::kUnsupported);
+  }
   const ElementSpan elements = BufferOf(0);
   if (!elements) return status::kNotContiguous;
   *address = elements.data;

@@ -2,6 +2,11 @@
 
 namespace vela {
 
+bool Layer::SharesSource(const Layer& other) const {
+  const VeSourceData* const source = container->SourceOf(number);
+  return source != nullptr && source == other.container->SourceOf(other.number);
+}
+
 bool IsReal(const Layer& layer) {
   return WithElementType(layer.TypeId(), []<class T>() { return SimpleElement<T>; });
 }

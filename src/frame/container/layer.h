@@ -13,13 +13,17 @@
 namespace vela {
 
 // Refers to a layer without owning it; a default one refers to none. Equal layers are the same
-// elements. What fails ends the handler with its status.
+// elements, be it that two containers are attached to one column of the host. What fails ends the
+// handler with its status.
 struct Layer {
   TCAllTensorsBase* container = nullptr;
   int number = 0;
 
   explicit operator bool() const { return container != nullptr; }
-  bool operator==(const Layer&) const = default;
+  bool operator==(const Layer& other) const {
+    if (container == other.container) return number == other.number;
+    return container != nullptr && other.container != nullptr && SharesSource(other);
+  }
 
   unsigned TypeId() const { return container->GetInternalDataTypeID(); }
   std::size_t Size() const { return container->SizeOf(number); }
@@ -39,6 +43,9 @@ struct Layer {
     Resize(LayerShape::OneRow(static_cast<std::int64_t>(size)), contents);
   }
   void AnnounceChange() const { container->AnnounceChange(number); }
+
+ private:
+  bool SharesSource(const Layer& other) const;
 };
 
 // Whether the layer's elements are numbers of any type, or real ones.

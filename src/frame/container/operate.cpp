@@ -26,7 +26,7 @@ bool TCAllTensorsBase::IsOperation(unsigned code) const {
 int TCAllTensorsBase::Operate2(const MSOINDICES* at, unsigned op, const tagMSOOBJVECT& operand,
                                unsigned options) try {
   const unsigned code = op & operation::kCodeMask;
-  if (LayerCount() == 0) return status::kUnsupported;
+  if (LayerCount() == 0) return StatusOfNoLayer(status::kUnsupported);
   if (!IsOperation(code)) return status::kFailed;
   if (at != nullptr && at->ElementCount() != 0) return OperateOnElement(at, code, operand);
   int layer;
@@ -39,7 +39,9 @@ int TCAllTensorsBase::Operate2(const MSOINDICES* at, unsigned op, const tagMSOOB
                         : dynamic_cast<TCAllTensorsBase*>(operand.object);
   if (container == nullptr) return OperateWithValue(layer, code, operand);
   const Layer source{container, container->GetVecArrayIndex(&operand.indices)};
-  if (source.number < 0 || source.number >= container->LayerCount()) return status::kOutOfRange;
+  if (source.number < 0 || source.number >= container->LayerCount()) {
+    return container->StatusOfNoLayer(status::kOutOfRange);
+  }
   return OperateWith(layer, code, source, options);
 } catch (...) {
   return vela::member::StatusOfException();

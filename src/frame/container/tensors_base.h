@@ -8,6 +8,7 @@
 
 #include "frame/container/automation_array.h"
 #include "frame/container/element_span.h"
+#include "frame/interface/data_source.h"
 #include "frame/interface/tessel_object.h"
 #include "frame/value_access.h"
 
@@ -54,7 +55,8 @@ class TCAllTensorsBase : public vela::ValueAccess<TCAllTensorsBase, TesselCObjec
   // The elements when they are one buffer that may be written in place, else an empty span. Valid
   // until the layer's next change of size.
   virtual vela::ElementSpan BufferOf(int /*layer*/) { return {}; }
-  // Gives the layer this shape; new elements are zero. With kDrop the contents become unspecified.
+  // Gives the layer this shape; new elements are zero, or cells without a value where the host
+  // keeps them. With kDrop the contents become unspecified.
   // A status; on failure the layer is as it was. A vector takes the elements of any shape in one
   // row.
   virtual int ResizeLayer(int layer, const vela::LayerShape& shape, vela::Contents contents);
@@ -73,6 +75,13 @@ class TCAllTensorsBase : public vela::ValueAccess<TCAllTensorsBase, TesselCObjec
   virtual void AnnounceChange(int layer);
   // The elements as an automation array; as MakeArray.
   virtual CComVariant AsArray(int layer, const vela::ArrayLayout& layout);
+  // The host's data that the layer is a view of; null for a layer of the container's own.
+  virtual VeSourceData* SourceOf(int /*layer*/) const { return nullptr; }
+  // Whether the host removed the data that the container was attached to. It has no layer then, and
+  // what asks for one ends with status -1.
+  virtual bool IsStale() const { return false; }
+  // The status for a layer that there is not.
+  int StatusOfNoLayer(int otherwise) const { return IsStale() ? int{status::kNoRow} : otherwise; }
 
   // --- For the host ---
 

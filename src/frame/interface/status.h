@@ -6,7 +6,8 @@
 namespace status {
 
 enum Code : int {
-  kNoRow = -1,  // the row or layer that the call names does not exist
+  kNoRow = -1,  // the row or layer that the call names does not exist, or the host removed the data
+                // that the object is attached to
   kOk = 0,
   kFailed = 1,              // the call could not be carried out: no frame, frame not ready, a
                             // property getter given arguments, wrong argument type, unset service
