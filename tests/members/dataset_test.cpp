@@ -267,7 +267,7 @@ TEST_F(DatasetTest, FollowsWhatTheHostDoes) {
   column.SetLowerBound(0);
   EXPECT_EQ(dataset->Operate2(nullptr, operation::kAssign, {plain.Get(), 0}, 0), 0);
   EXPECT_EQ(column.GetLowerBound(), 1);
-  ExpectValues(dataset, {kM, 2});
+  ExpectValues(dataset, {1, 2});
 }
 
 TEST_F(DatasetTest, KeepsTextsFromNumbers) {
