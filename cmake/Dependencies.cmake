@@ -35,10 +35,16 @@ vela_header_library(fast_float libfast-float-dev fast_float)
 # Its headers alone: the compiled part of Highway exists for Linux only, and the kernels do without.
 vela_header_library(hwy libhwy-dev hwy)
 vela_header_library(eigen libeigen3-dev eigen3)
+if(NOT WIN32)
+  vela_header_library(boost libboost-dev boost)
+endif()
 
 if(NOT WIN32)
   find_package(PkgConfig REQUIRED)
   vela_pkg_library(icu libicu-dev icu-uc)
+  vela_pkg_library(icu_i18n libicu-dev icu-i18n)
+  vela_pkg_library(cairo libcairo2-dev cairo)
+  vela_pkg_library(pixbuf libgdk-pixbuf-2.0-dev gdk-pixbuf-2.0)
 endif()
 
 find_package(Threads REQUIRED)

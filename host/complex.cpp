@@ -5,7 +5,9 @@
 #include <complex>
 #include <limits>
 
+#include "frame/interface/automation_values.h"
 #include "frame/interface/missing_value.h"
+#include "frame/interface/status.h"
 #include "frame/interface/string_utf8.h"
 #include "host/number_text.h"
 #include "host/saturate.h"
@@ -141,18 +143,6 @@ OneTCcomplex::operator PointDouble() const { return {m_re, m_im}; }
 OneTCcomplex::operator Point3D() const { return {m_re, m_im, 0}; }
 
 int OneTCcomplex::GetVariant(VARIANT& variant) const {
-  SAFEARRAY* const array = SafeArrayCreateVector(VT_R8, 0, 2);
-  if (!array) return 0;
-  void* data = nullptr;
-  if (FAILED(SafeArrayAccessData(array, &data))) {
-    SafeArrayDestroy(array);
-    return 0;
-  }
-  double* const parts = static_cast<double*>(data);
-  parts[0] = m_re;
-  parts[1] = m_im;
-  SafeArrayUnaccessData(array);
-  variant.vt = VT_ARRAY | VT_R8;
-  variant.parray = array;
-  return 1;
+  const double parts[] = {m_re, m_im};
+  return VariantOfParts(parts, variant) == status::kOk;
 }

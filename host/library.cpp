@@ -7,6 +7,7 @@
 #include "frame/interface/script_object.h"
 #include "frame/interface/type_base.h"
 #include "host/shared_library.h"
+#include "platform/automation.h"
 
 namespace vela::host {
 namespace {
@@ -84,6 +85,7 @@ bool Library::Load(const std::string& path) {
 
 void Library::Configure() {
   if (!IsLoaded()) return;
+  OleInitialize(nullptr);
   const auto configure = [this](unsigned mode, auto* value) {
     exports_.create_object(0, reinterpret_cast<void**>(value), 0, mode);
   };

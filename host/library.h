@@ -29,7 +29,8 @@ class VELAHOST_API Library {
   // The file that was loaded.
   const std::string& GetPath() const { return path_; }
 
-  // Gives the library the host's callback, error-report hook and context. Once, after Load.
+  // Gives the library the host's callback, error-report hook and context, and initialises
+  // automation, which the library then finds in the process. Once, after Load.
   void Configure();
   // New numeric storage is filled with 0xCC and lent buffers are guarded while mode is above 0.
   void SetDebugMode(int mode);

@@ -1,25 +1,15 @@
-// Automation. A simple scalar travels as the automation type of its own width, everything else as
-// text where it has one to give or take.
+// Automation. A simple scalar travels as the automation type of its own width, a complex value or
+// point as an array of its parts, everything else as text where it has one to give or take.
+#include <array>
 #include <exception>
-#include <iterator>
-#include <string>
-#include <utf8.h>
 
+#include "frame/interface/automation_values.h"
 #include "frame/interface/host_services.h"
 #include "frame/interface/script_object.h"
-#include "platform/automation.h"
+#include "frame/interface/type_words.h"
+#include "platform/com_variant.h"
 
 namespace {
-
-class OwnedVariant {
- public:
-  OwnedVariant() { VariantInit(&value); }
-  ~OwnedVariant() { VariantClear(&value); }
-  OwnedVariant(const OwnedVariant&) = delete;
-  OwnedVariant& operator=(const OwnedVariant&) = delete;
-
-  VARIANT value;
-};
 
 int ReadInteger(CScriptVelaObject& object, const MSOINDICES* at, bool is_unsigned, VARIANT& value) {
   value.vt = is_unsigned ? VT_UI8 : VT_I8;
@@ -39,17 +29,42 @@ int ReadReal(CScriptVelaObject& object, const MSOINDICES* at, VARIANT& value) {
 int ReadText(CScriptVelaObject& object, const MSOINDICES* at, VARIANT& value) {
   CStringUTF8 text;
   if (const int code = object.GetString(at, text)) return code;
-  const std::string valid = utf8::replace_invalid(text.View());
-  std::u16string units;
-  utf8::utf8to16(valid.begin(), valid.end(), std::back_inserter(units));
-  value.bstrVal = SysAllocStringLen(reinterpret_cast<const OLECHAR*>(units.data()),
-                                    static_cast<UINT>(units.size()));
-  if (!value.bstrVal) return status::kAutomationFailed;
-  value.vt = VT_BSTR;
-  return status::kOk;
+  return VariantOfText(text, value) == status::kOk ? status::kOk : status::kAutomationFailed;
 }
 
-int ReadAs(WORD type, CScriptVelaObject& object, const MSOINDICES* at, VARIANT& value) {
+template <class Point>
+int ReadPoint(CScriptVelaObject& object, const MSOINDICES* at, VARIANT& value) {
+  Point point;
+  if (const int code = object.GetPointValue(at, point)) return code;
+  std::array<double, Point::kDimensions> parts;
+  for (int i = 0; i < Point::kDimensions; ++i) parts[i] = static_cast<double>(point[i]);
+  return VariantOfParts(parts, value) == status::kOk ? status::kOk : status::kAutomationFailed;
+}
+
+int ReadParts(unsigned type_id, CScriptVelaObject& object, const MSOINDICES* at, VARIANT& value) {
+  switch (type_id) {
+    case kTypePointInt:
+      return ReadPoint<PointInt>(object, at, value);
+    case kTypePointDouble:
+      return ReadPoint<PointDouble>(object, at, value);
+    case kTypePoint3D:
+      return ReadPoint<Point3D>(object, at, value);
+    default:
+      OneTCcomplex number;
+      if (const int code = object.GetNumericValue(at, number)) return code;
+      return number.GetVariant(value) ? status::kOk : status::kAutomationFailed;
+  }
+}
+
+// Whether the type is a value of several numbers.
+bool HasParts(unsigned type_id) {
+  return type_id == kTypeComplex || type_id == kTypePointInt || type_id == kTypePointDouble ||
+         type_id == kTypePoint3D;
+}
+
+int ReadAs(WORD type, unsigned type_id, CScriptVelaObject& object, const MSOINDICES* at,
+           VARIANT& value) {
+  if (HasParts(type_id)) return ReadParts(type_id, object, at, value);
   switch (type) {
     case VT_EMPTY:
       return ReadText(object, at, value);
@@ -61,28 +76,37 @@ int ReadAs(WORD type, CScriptVelaObject& object, const MSOINDICES* at, VARIANT& 
   }
 }
 
-int WriteText(CScriptVelaObject& object, const MSOINDICES* at, const VARIANT& value) {
-  const auto* units = reinterpret_cast<const char16_t*>(value.bstrVal);
-  std::string text;
-  utf8::utf16to8(units, units + SysStringLen(value.bstrVal), std::back_inserter(text));
-  return object.SetString(at, text.c_str());
+int WriteParts(unsigned type_id, CScriptVelaObject& object, const MSOINDICES* at,
+               const VARIANT& value) {
+  std::array<double, 3> parts{};
+  if (const int code = PartsOfVariant(value, parts)) return code;
+  if (type_id == kTypeComplex) return object.SetNumericValue(at, OneTCcomplex(parts[0], parts[1]));
+  return object.SetPoint(at, {parts[0], parts[1], parts[2]});
 }
 
-bool Convert(VARIANT& to, const VARIANT& from, WORD type) {
-  return SUCCEEDED(VariantChangeType(&to, const_cast<VARIANT*>(&from), 0, type));
+int WriteNumber(CScriptVelaObject& object, const MSOINDICES* at, const VARIANT& value) {
+  VariantNumber number;
+  if (const int code = NumberOfVariant(value, number)) return code;
+  return std::visit([&](auto n) { return object.SetNumericValue(at, n); }, number);
+}
+
+int WriteText(CScriptVelaObject& object, const MSOINDICES* at, const VARIANT& value) {
+  CStringUTF8 text;
+  if (const int code = TextOfVariant(value, text)) return code;
+  return object.SetStringValue(at, text);
 }
 
 }  // namespace
 
 int CScriptVelaObject::GetIntoVariant(const MSOINDICES* at, VARIANT* value) try {
   if (!value) return status::kBadArguments;
-  const WORD type = GetVariantTypeFromSimpleType(GetTypeIDCheckIndex(at));
-  OwnedVariant made;
-  if (const int code = ReadAs(type, *this, at, made.value)) return code;
-  if (type != VT_EMPTY && !Convert(made.value, made.value, type)) return status::kAutomationFailed;
+  const unsigned type_id = GetTypeIDCheckIndex(at);
+  const WORD type = GetVariantTypeFromSimpleType(type_id);
+  CComVariant made;
+  if (const int code = ReadAs(type, type_id, *this, at, made)) return code;
+  if (type != VT_EMPTY && FAILED(made.ChangeType(type))) return status::kAutomationFailed;
   VariantClear(value);
-  *value = made.value;
-  VariantInit(&made.value);
+  *value = made.Detach();
   return status::kOk;
 } catch (const std::exception&) {
   return status::kAutomationFailed;
@@ -90,22 +114,10 @@ int CScriptVelaObject::GetIntoVariant(const MSOINDICES* at, VARIANT* value) try 
 
 int CScriptVelaObject::SetFromVariant(const MSOINDICES* at, const VARIANT* value) try {
   if (!value) return status::kBadArguments;
-  const WORD type = GetVariantTypeFromSimpleType(GetTypeIDCheckIndex(at));
-  OwnedVariant carrier;
-  switch (type) {
-    case VT_EMPTY:
-      if (!Convert(carrier.value, *value, VT_BSTR)) return status::kBadValue;
-      return WriteText(*this, at, carrier.value);
-    case VT_I8:
-      if (!Convert(carrier.value, *value, VT_I8)) return status::kBadValue;
-      return SetNumericValue(at, static_cast<std::int64_t>(carrier.value.llVal));
-    case VT_UI8:
-      if (!Convert(carrier.value, *value, VT_UI8)) return status::kBadValue;
-      return SetNumericValue(at, static_cast<std::uint64_t>(carrier.value.ullVal));
-    default:
-      if (!Convert(carrier.value, *value, VT_R8)) return status::kBadValue;
-      return SetNumericValue(at, carrier.value.dblVal);
-  }
+  const unsigned type_id = GetTypeIDCheckIndex(at);
+  if (HasParts(type_id)) return WriteParts(type_id, *this, at, *value);
+  return GetVariantTypeFromSimpleType(type_id) == VT_EMPTY ? WriteText(*this, at, *value)
+                                                           : WriteNumber(*this, at, *value);
 } catch (const std::exception&) {
   return status::kBadValue;
 }

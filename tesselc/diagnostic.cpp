@@ -12,6 +12,12 @@ namespace {
 constexpr std::size_t kShownWidth = 100;  // characters of a source line
 constexpr std::size_t kShownBefore = 60;  // of these at most so many left of the caret
 
+// Of a terminal.
+constexpr const char* kBold = "1";
+constexpr const char* kRed = "1;31";
+constexpr const char* kMagenta = "1;35";
+constexpr const char* kCyan = "1;36";
+
 struct Printable {
   std::vector<std::string> characters;
   std::size_t caret = 0;  // index of the character above the caret
@@ -37,6 +43,11 @@ Printable MakePrintable(std::string_view line, std::size_t caret_byte) {
   return result;
 }
 
+// What takes as much room as a character.
+std::string Blank(const std::string& character) {
+  return character == "\t" ? "\t" : std::string(DisplayWidth(character), ' ');
+}
+
 // The line and the caret line. A caret past the line's end stands behind its last character.
 std::string Excerpt(std::string_view line, std::size_t caret_byte) {
   const std::size_t skip = caret_byte > 8 * kShownWidth ? caret_byte - 8 * kShownWidth : 0;
@@ -52,7 +63,7 @@ std::string Excerpt(std::string_view line, std::size_t caret_byte) {
   std::string under = cut_front ? "   " : "";
   for (std::size_t i = begin; i < end; ++i) {
     text += shown.characters[i];
-    if (i < shown.caret) under += shown.characters[i] == "\t" ? "\t" : " ";
+    if (i < shown.caret) under += Blank(shown.characters[i]);
   }
   if (end < shown.characters.size()) text += "...";
   return text + "\n" + under + "^\n";
@@ -60,16 +71,31 @@ std::string Excerpt(std::string_view line, std::size_t caret_byte) {
 
 }  // namespace
 
-std::string Format(const Diagnostic& diagnostic, const SourceSet& sources) {
+std::string FormatPlace(const SourceRange& range, const SourceSet& sources) {
+  const SourceFile& file = sources.file(range.file);
+  const LineColumn place = file.Locate(range.offset);
+  return file.name() + ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
+}
+
+std::string Format(const Diagnostic& diagnostic, const SourceSet& sources, Colours colours) {
+  const auto paint = [colours](const char* colour, const std::string& text) {
+    return colours == Colours::kOn ? std::string("\x1B[") + colour + "m" + text + "\x1B[0m" : text;
+  };
   const SourceFile& file = sources.file(diagnostic.range.file);
   const std::size_t offset = diagnostic.range.offset;
-  const LineColumn place = file.Locate(offset);
   const bool is_error = diagnostic.severity == Diagnostic::Severity::kError;
-  std::string text = file.name() + ":" + std::to_string(place.line) + ":" +
-                     std::to_string(place.column) + (is_error ? ": error: " : ": warning: ") +
-                     diagnostic.message + "\n" +
+  std::string text = paint(kBold, FormatPlace(diagnostic.range, sources) + ":") + " " +
+                     paint(is_error ? kRed : kMagenta, is_error ? "error:" : "warning:") + " " +
+                     paint(kBold, diagnostic.message) + "\n" +
                      Excerpt(file.Line(offset), offset - file.LineStart(offset));
-  for (const std::string& note : diagnostic.notes) text += "note: " + note + "\n";
+  const auto add_note = [&](const std::string& note) {
+    text += paint(kCyan, "note:") + " " + note + "\n";
+  };
+  for (const std::string& note : diagnostic.notes) add_note(note);
+  for (SourceRange at = sources.Inclusion(diagnostic.range.file); at.length > 0;
+       at = sources.Inclusion(at.file)) {
+    add_note("included by " + FormatPlace(at, sources));
+  }
   return text;
 }
 

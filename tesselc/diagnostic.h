@@ -31,9 +31,15 @@ class ScriptMistake {
   Diagnostic diagnostic_;
 };
 
+enum class Colours : bool { kOff, kOn };
+
 // "file:line:column: error: message", the source line, a caret under the place and a line "note:
-// ..." for each note, each ending in a line feed. Tabs are kept, so that the caret lines up; a long
-// line is cut around the caret; bytes that are no printable text show as '?'.
-std::string Format(const Diagnostic& diagnostic, const SourceSet& sources);
+// ..." for each note and each file that includes the other, each ending in a line feed. Tabs are
+// kept, so that the caret lines up; a long line is cut around the caret; bytes that are no
+// printable text show as '?'.
+std::string Format(const Diagnostic& diagnostic, const SourceSet& sources,
+                   Colours colours = Colours::kOff);
+// "file:line:column".
+std::string FormatPlace(const SourceRange& place, const SourceSet& sources);
 
 }  // namespace tesselc

@@ -12,6 +12,7 @@
 #include "tesselc/grammar.h"
 #include "tesselc/grammar_messages.h"
 #include "tesselc/literals.h"
+#include "tesselc/similar_name.h"
 #include "tesselc/tree_builder.h"
 #include "tesselc/utf8_text.h"
 #include "tesselc/words.h"
@@ -52,7 +53,33 @@ std::optional<ScriptMistake> UnknownType(const TreeBuilder& builder, std::string
   if (!operand || behind.empty()) return std::nullopt;
   const auto* name = std::get_if<Name>(&operand->node);
   if (!name || !IsWordCharacter(behind[0])) return std::nullopt;
-  return ScriptMistake(operand->range, "unknown type '" + name->text + "'");
+  SimilarName similar(name->text);
+  for (const Word& word : AllWords()) {
+    if (word.kind == WordKind::kType && !word.catalogue_only) similar.Offer(word.text);
+  }
+  return ScriptMistake(operand->range, "unknown type '" + name->text + "'", similar.Notes());
+}
+
+// Whether a text ends in the middle of a function's parameters: a type, a name and an open
+// parenthesis stand in front. They read as a variable with arguments where a type is unknown.
+bool EndsInParameters(std::string_view before) {
+  const std::size_t open = before.find_last_of("(){};");
+  if (open == std::string_view::npos || before[open] != '(') return false;
+  const auto skip_space = [](std::string_view text) {
+    return text.substr(0, text.find_last_not_of(" \t\r\n") + 1);
+  };
+  const auto word_begin = [](std::string_view text) {
+    std::size_t begin = text.size();
+    while (begin > 0 && IsWordCharacter(text[begin - 1])) --begin;
+    return begin;
+  };
+  before = skip_space(before.substr(0, open));
+  const std::size_t function = word_begin(before);
+  if (function == before.size()) return false;
+  before = skip_space(before.substr(0, function));
+  if (before.ends_with('>')) return true;
+  const Word* type = FindWord(before.substr(word_begin(before)));
+  return type != nullptr && type->kind == WordKind::kType;
 }
 
 // Which '{' is still open, if that helps: it may be far above.
@@ -71,7 +98,11 @@ std::string OpenBraceNote(const SourceFile& file, const TreeBuilder& builder, Of
     throw ScriptMistake(builder.At(here, here + 1), *foreign);
   }
   std::string message = expected.message;
-  if (expected.place == grammar::Expectation::kAfterExpression) {
+  const bool may_be_type =
+      expected.place == grammar::Expectation::kAfterExpression ||
+      (expected.place == grammar::Expectation::kBehindPrevious && builder.last_operand() &&
+       EndsInParameters(file.text().substr(0, builder.last_operand()->range.offset)));
+  if (may_be_type) {
     if (const auto unknown = UnknownType(builder, behind)) throw *unknown;
   }
   if (expected.closes_brace) message += OpenBraceNote(file, builder, here);
@@ -362,6 +393,7 @@ void Include(TreeBuilder& builder, const SourceRange& directive) {
   const SourceSet::Loaded loaded = sources.Load(path);
   if (!loaded.ok) throw ScriptMistake(directive, loaded.error);
   if (!loaded.first_time) return;
+  sources.SetInclusion(loaded.id, directive);
   const TreeBuilder::Nesting level(builder.include_depth(), kMaxIncludeDepth, directive);
   builder.WithFile(loaded.id, [&builder] { ReadText<g::script>(builder); });
 }

@@ -74,6 +74,12 @@ class SourceSet {
   FileId Add(std::string name, std::string text);
 
   const SourceFile& file(FileId id) const { return files_[id]; }
+  // The directive that a file was included by; of length 0 for one that was not.
+  void SetInclusion(FileId id, const SourceRange& directive) { inclusions_[id] = directive; }
+  SourceRange Inclusion(FileId id) const {
+    const auto found = inclusions_.find(id);
+    return found == inclusions_.end() ? SourceRange{} : found->second;
+  }
   std::size_t size() const { return files_.size(); }
   std::string_view Text(const SourceRange& range) const;
 
@@ -83,6 +89,7 @@ class SourceSet {
 
  private:
   std::deque<SourceFile> files_;
+  std::map<FileId, SourceRange> inclusions_;
   std::map<std::string, FileId> loaded_;  // by the path with links and dots resolved
 };
 

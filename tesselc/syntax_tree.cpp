@@ -38,6 +38,7 @@ constexpr std::array kTraits = {
     TypeTraits{"stdioFile", TypeTraits::kOther},
     TypeTraits{"_VARIANT", TypeTraits::kOther},
     TypeTraits{"Picture", TypeTraits::kOther},
+    TypeTraits{"DeviceContext", TypeTraits::kOther},
     TypeTraits{"Dataset", TypeTraits::kTemplate},
     TypeTraits{"Curve", TypeTraits::kTemplate},
     TypeTraits{"Categorical", TypeTraits::kOther},

@@ -53,6 +53,7 @@ enum class TypeName : std::uint8_t {
   kStdioFile,
   kVariant,
   kPicture,
+  kDeviceContext,
   // Containers bound to the host's data.
   kDataset,
   kCurve,

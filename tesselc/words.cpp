@@ -73,6 +73,7 @@ constexpr auto SortedWords() {
       TypeWord("stdioFile", TypeName::kStdioFile),
       TypeWord("_VARIANT", TypeName::kVariant),
       TypeWord("Picture", TypeName::kPicture),
+      TypeWord("DeviceContext", TypeName::kDeviceContext),
       TypeWord("Dataset", TypeName::kDataset),
       TypeWord("Curve", TypeName::kCurve),
       TypeWord("Categorical", TypeName::kCategorical),
@@ -96,6 +97,8 @@ const Word* FindWord(std::string_view text) {
       [](const Word& word, std::string_view wanted) { return word.text < wanted; });
   return found != kWords.end() && found->text == text ? &*found : nullptr;
 }
+
+std::span<const Word> AllWords() { return kWords; }
 
 std::optional<TypeName> MakeUnsigned(TypeName type) {
   switch (type) {

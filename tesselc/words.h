@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string_view>
 
 #include "tesselc/syntax_tree.h"
@@ -20,6 +21,9 @@ struct Word {
 
 // Null when `text` is an ordinary name. Case matters. Binary search over some sixty words.
 const Word* FindWord(std::string_view text);
+
+// All of them, sorted.
+std::span<const Word> AllWords();
 
 // Letters, digits and the underscore.
 constexpr bool IsWordCharacter(char c) {

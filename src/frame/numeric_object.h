@@ -14,12 +14,12 @@
 
 namespace vela {
 
-// For CreateCopy: a copy-constructed object, or null when there is no memory for it.
+// For CreateCopy: a copy-constructed object, or null when it cannot be made.
 template <class Object>
 Object* NewCopy(const Object& object) noexcept {
   try {
     return new Object(object);
-  } catch (const std::bad_alloc&) {
+  } catch (...) {
     return nullptr;
   }
 }

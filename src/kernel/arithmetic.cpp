@@ -15,6 +15,8 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+#include "kernel/elementwise-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
@@ -136,14 +138,8 @@ HWY_INLINE void Step(D d, T* x, const T* y) {
 // stride of 0 the operands are one vector.
 template <class Operation, class T>
 void Loop(T* x, const T* y, std::size_t stride, std::size_t count) {
-  const hn::ScalableTag<T> d;
-  const hn::CappedTag<T, 1> one;
-  const std::size_t lanes = hn::Lanes(d);
-  const std::size_t lead = ElementsBeforeLine(x, count);
-  std::size_t i = 0;
-  for (; i < lead; ++i) Step<Operation>(one, x + i, y + i * stride);
-  for (; i + lanes <= count; i += lanes) Step<Operation>(d, x + i, y + i * stride);
-  for (; i < count; ++i) Step<Operation>(one, x + i, y + i * stride);
+  ForEachVector(x, count,
+                [=](auto d, std::size_t i) HWY_ATTR { Step<Operation>(d, x + i, y + i * stride); });
 }
 
 template <class T>

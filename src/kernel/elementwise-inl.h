@@ -32,10 +32,14 @@ HWY_INLINE void ForEachVector(const T* target, std::size_t count, Step step) {
   const hn::ScalableTag<LaneOf<T>> d;
   const hn::CappedTag<LaneOf<T>, 1> one;
   const std::size_t lead = ElementsBeforeLine(target, count);
-  std::size_t i = 0;
-  for (; i < lead; ++i) step(one, i);
-  for (; i + hn::Lanes(d) <= count; i += hn::Lanes(d)) step(d, i);
-  for (; i < count; ++i) step(one, i);
+  // With one call for the elements at both ends, because each is compiled in place.
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i >= lead) {
+      for (; i + hn::Lanes(d) <= count; i += hn::Lanes(d)) step(d, i);
+      if (i == count) break;
+    }
+    step(one, i);
+  }
 }
 
 }  // namespace vela::kernel::HWY_NAMESPACE

@@ -19,20 +19,10 @@ HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
 namespace {
 
-// `to`, of cols x rows, becomes `from` turned by a quarter.
-template <bool kClockwise, class W>
-HWY_INLINE void TurnBlock(Block<W> from, Block<W> to, std::size_t rows, std::size_t cols) {
-  if constexpr (kClockwise) {
-    TransposeBlock<W>(from.Reversed(rows), to, rows, cols);
-  } else {
-    TransposeBlock<W>(from, to.Reversed(cols), rows, cols);
-  }
-}
-
 // Moves four blocks of a square of side n, those that a turn brings onto one another, one place on.
-template <bool kClockwise, class W>
-HWY_INLINE void TurnFour(Block<W> x, std::size_t n, std::size_t r, std::size_t c, std::size_t rows,
-                         std::size_t cols) {
+template <class W>
+HWY_INLINE void TurnFour(bool clockwise, Block<W> x, std::size_t n, std::size_t r, std::size_t c,
+                         std::size_t rows, std::size_t cols) {
   constexpr std::size_t kSide = kLineElements<W>;
   HWY_ALIGN W aside[kSide * kSide];
   const Block<W> buffer{aside, static_cast<std::ptrdiff_t>(kSide)};
@@ -40,19 +30,25 @@ HWY_INLINE void TurnFour(Block<W> x, std::size_t n, std::size_t r, std::size_t c
   const Block<W> opposite = x.At(n - r - rows, n - c - cols);
   Block<W> source = x.At(c, n - r - rows);
   Block<W> target = x.At(n - c - cols, r);
-  if constexpr (kClockwise) std::swap(source, target);
-  TurnBlock<kClockwise>(first, buffer, rows, cols);
-  TurnBlock<kClockwise>(source, first, cols, rows);
-  TurnBlock<kClockwise>(opposite, source, rows, cols);
-  TurnBlock<kClockwise>(target, opposite, cols, rows);
+  if (clockwise) std::swap(source, target);
+  PrefetchRows(source, cols);
+  PrefetchRows(opposite, rows);
+  PrefetchRows(target, cols);
+  // Each takes the place of the one before it, the first that of a buffer.
+  const Block<W> places[] = {buffer, first, source, opposite, target};
+  for (std::size_t k = 0; k < 4; ++k) {
+    Block<W> from = places[k + 1], to = places[k];
+    (clockwise ? from = from.Reversed(rows) : to = to.Reversed(cols));
+    TransposeBlock<W>(from, to, rows, cols);
+    std::swap(rows, cols);
+  }
   CopyLines<W>(buffer, target, cols, rows);
 }
 
 // The upper left quarter of the square, with the middle row where n is odd, goes through TurnFour.
-template <bool kClockwise, class W>
-void TurnSquare(W* data, std::size_t n) {
+template <class W>
+void TurnSquare(W* data, std::size_t n, bool clockwise) {
   constexpr std::size_t kSide = kLineElements<W>;
-  constexpr std::size_t kTile = 4;
   const Block<W> x{data, static_cast<std::ptrdiff_t>(n)};
   const std::size_t lead = ElementsBeforeLine(data, n) % kSide;
   const Pieces rows((n + 1) / 2, (n + kSide - lead) % kSide, kSide);
@@ -61,7 +57,7 @@ void TurnSquare(W* data, std::size_t n) {
     for (std::size_t col = 0; col < cols.Size(); col += kTile) {
       for (std::size_t i = row; i < std::min(row + kTile, rows.Size()); ++i) {
         for (std::size_t j = col; j < std::min(col + kTile, cols.Size()); ++j) {
-          TurnFour<kClockwise>(x, n, rows.Begin(i), cols.Begin(j), rows.Count(i), cols.Count(j));
+          TurnFour<W>(clockwise, x, n, rows.Begin(i), cols.Begin(j), rows.Count(i), cols.Count(j));
         }
       }
     }
@@ -83,10 +79,8 @@ void RotateQuarters(MatrixSpan<W> x, int turns) {
     Transpose(x);
     const MatrixSpan<W> turned(x.data, x.cols, x.rows);
     clockwise ? FlipHorizontal(turned) : FlipVertical(turned);
-  } else if (clockwise) {
-    VELA_KERNEL_DISPATCH(TurnSquare<true, W>)(x.data, x.rows);
   } else {
-    VELA_KERNEL_DISPATCH(TurnSquare<false, W>)(x.data, x.rows);
+    VELA_KERNEL_DISPATCH(TurnSquare<W>)(x.data, x.rows, clockwise);
   }
 }
 

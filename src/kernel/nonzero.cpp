@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <concepts>
 #include <limits>
+#include <type_traits>
 
 #include "kernel/dispatch.h"
 #include "kernel/element_range.h"
@@ -12,8 +13,6 @@
 #endif
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
-
-#include "kernel/elementwise-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
@@ -51,13 +50,10 @@ bool AnyDecides(const T* HWY_RESTRICT x, std::size_t n, T bound) {
   return false;
 }
 
-template <bool kAll, class Element>
-void DecideRows(const Element* elements, std::size_t rows, std::size_t cols, Element bound,
-                double* result) {
-  using T = LaneOf<Element>;
-  const auto* const x = reinterpret_cast<const T*>(elements);
+template <bool kAll, class T>
+void DecideRows(const T* x, std::size_t rows, std::size_t cols, T bound, double* result) {
   for (std::size_t row = 0; row < rows; ++row) {
-    const bool decided = AnyDecides<kAll>(x + row * cols, cols, static_cast<T>(bound));
+    const bool decided = AnyDecides<kAll>(x + row * cols, cols, bound);
     result[row] = decided == kAll ? 0 : 1;
   }
 }
@@ -92,15 +88,12 @@ void DecideStrip(const T* HWY_RESTRICT x, std::size_t rows, std::size_t stride, 
   }
 }
 
-template <bool kAll, class Element>
-void DecideColumns(const Element* elements, std::size_t rows, std::size_t cols, Element bound,
-                   double* result) {
-  using T = LaneOf<Element>;
+template <bool kAll, class T>
+void DecideColumns(const T* x, std::size_t rows, std::size_t cols, T bound, double* result) {
   hwy::UnsignedFromSize<sizeof(T)> states[kStrip<T>];
-  const auto* const x = reinterpret_cast<const T*>(elements);
   for (std::size_t begin = 0; begin < cols; begin += kStrip<T>) {
     const std::size_t width = std::min(kStrip<T>, cols - begin);
-    DecideStrip<kAll>(x + begin, rows, cols, static_cast<T>(bound), states, width);
+    DecideStrip<kAll>(x + begin, rows, cols, bound, states, width);
     for (std::size_t k = 0; k < width; ++k) {
       result[begin + k] = (states[k] != 0) == kAll ? 0 : 1;
     }
@@ -117,9 +110,12 @@ namespace {
 
 template <bool kAll, class T>
 void Decide(MatrixSpan<const T> x, bool by_rows, T bound, std::span<double> result) {
-  const auto decide = by_rows ? VELA_KERNEL_DISPATCH(DecideRows<kAll, T>)
-                              : VELA_KERNEL_DISPATCH(DecideColumns<kAll, T>);
-  decide(x.data, x.rows, x.cols, bound, result.data());
+  // An integer is zero whatever its sign would be.
+  using Lane = std::conditional_t<std::integral<T>, hwy::UnsignedFromSize<sizeof(T)>, T>;
+  const auto decide = by_rows ? VELA_KERNEL_DISPATCH(DecideRows<kAll, Lane>)
+                              : VELA_KERNEL_DISPATCH(DecideColumns<kAll, Lane>);
+  decide(reinterpret_cast<const Lane*>(x.data), x.rows, x.cols, static_cast<Lane>(bound),
+         result.data());
 }
 
 // NaN, with which nothing compares, where there is no such element.

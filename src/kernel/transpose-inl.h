@@ -19,6 +19,9 @@ HWY_BEFORE_NAMESPACE();
 namespace vela::kernel::HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
+// Line blocks per side of a tile, the pages of which all have entries at once.
+inline constexpr std::size_t kTile = 4;
+
 // Lanes that hold an element, or half of one.
 template <std::size_t kWidth>
 using MoveLane = hwy::UnsignedFromSize<std::min<std::size_t>(kWidth, 8)>;
@@ -79,10 +82,11 @@ HWY_INLINE std::size_t TransposeRows(D d, ConstBlock<W> from, Block<W> to, std::
   return whole_rows;
 }
 
-// to(c, r) = from(r, c), for no more rows and columns than a line has elements.
+// to(c, r) = from(r, c), for no more rows and columns than a line has elements. Its code is long:
+// in line it would take most of the time that its callers need to compile.
 template <class W>
-HWY_INLINE void TransposeBlock(ConstBlock<W> from, Block<W> to, std::size_t rows,
-                               std::size_t cols) {
+HWY_NOINLINE void TransposeBlock(ConstBlock<W> from, Block<W> to, std::size_t rows,
+                                 std::size_t cols) {
   const hn::ScalableTag<MoveLane<sizeof(W)>> d;
   constexpr std::size_t kSide = kLineElements<W>;
   if (rows == kSide && cols == kSide) {
@@ -97,6 +101,13 @@ HWY_INLINE void TransposeBlock(ConstBlock<W> from, Block<W> to, std::size_t rows
   for (; r < rows; ++r) {
     for (std::size_t c = 0; c < cols; ++c) *to.At(c, r).data = *from.At(r, c).data;
   }
+}
+
+// Asks for the lines of a block that will be read and stored to: alone, one transfer would wait for
+// another.
+template <class W>
+HWY_INLINE void PrefetchRows(Block<W> block, std::size_t rows) {
+  for (std::size_t r = 0; r < rows; ++r) __builtin_prefetch(block.Row(r), 1, 2);
 }
 
 // Copies rows that are no longer than a cache line.

@@ -24,9 +24,6 @@ namespace {
 // page or so of it, and no more rows of `to` than there are entries for pages.
 constexpr std::size_t kStrip = 32;
 
-// Line blocks per side of a tile, the pages of which all have entries at once.
-constexpr std::size_t kTile = 4;
-
 // Whether all line blocks of the matrix begin a cache line in every row once `lead` elements are
 // set apart.
 template <class W>
@@ -46,13 +43,6 @@ HWY_INLINE void StreamLines(ConstBlock<W> from, Block<W> to, std::size_t rows) {
                  reinterpret_cast<Lane*>(to.Row(r)) + i);
     }
   }
-}
-
-// Asks for the lines that the block of the next rows will be stored to: the stores alone would wait
-// for one another.
-template <class W>
-HWY_INLINE void PrefetchRows(Block<W> to, std::size_t rows) {
-  for (std::size_t r = 0; r < rows; ++r) __builtin_prefetch(to.Row(r), 1, 2);
 }
 
 // Calls visit(i, j) for all pieces of rows and columns, in strips of columns.

@@ -16,6 +16,7 @@
 // clang-format off
 #include <windows.h>
 #include <oleauto.h>
+#include <olectl.h>
 // clang-format on
 
 // Macros of the system headers that would rename our own identifiers or swallow common words.
@@ -89,6 +90,7 @@ inline constexpr HRESULT E_OUTOFMEMORY = static_cast<HRESULT>(0x8007000Eu);
 inline constexpr HRESULT E_INVALIDARG = static_cast<HRESULT>(0x80070057u);
 inline constexpr HRESULT DISP_E_MEMBERNOTFOUND = static_cast<HRESULT>(0x80020003u);
 inline constexpr HRESULT DISP_E_TYPEMISMATCH = static_cast<HRESULT>(0x80020005u);
+inline constexpr HRESULT DISP_E_UNKNOWNNAME = static_cast<HRESULT>(0x80020006u);
 inline constexpr HRESULT DISP_E_BADVARTYPE = static_cast<HRESULT>(0x80020008u);
 inline constexpr HRESULT DISP_E_OVERFLOW = static_cast<HRESULT>(0x8002000Au);
 inline constexpr HRESULT DISP_E_BADINDEX = static_cast<HRESULT>(0x8002000Bu);
@@ -367,10 +369,10 @@ HRESULT VariantClear(VARIANT* value);
 // Clears destination first; a failed copy leaves it VT_EMPTY. Ind follows VT_BYREF.
 HRESULT VariantCopy(VARIANT* destination, const VARIANT* source);
 HRESULT VariantCopyInd(VARIANT* destination, const VARIANT* source);
-// Converts between numbers, truth values and text; destination may be source, and is unchanged on
-// failure. Fractions round half to even; DISP_E_OVERFLOW outside the target's range,
-// DISP_E_TYPEMISMATCH for text that is no number and where no conversion exists (dates to text
-// among them).
+// Converts between numbers, truth values, dates and text, in the forms of the invariant locale
+// whatever locale is asked for; destination may be source, and is unchanged on failure. Fractions
+// round half to even; DISP_E_OVERFLOW outside the target's range, DISP_E_TYPEMISMATCH for text that
+// is no number and where no conversion exists. docs/automation.md has the rules.
 HRESULT VariantChangeType(VARIANT* destination, const VARIANT* source, USHORT flags, VARTYPE type);
 HRESULT VariantChangeTypeEx(VARIANT* destination, const VARIANT* source, LCID locale, USHORT flags,
                             VARTYPE type);
@@ -381,14 +383,23 @@ inline constexpr USHORT VARIANT_ALPHABOOL = 2;    // truth values become "True" 
 inline constexpr LCID LOCALE_USER_DEFAULT = 0x400;
 inline constexpr LCID LOCALE_INVARIANT = 0x7F;
 
-// Arithmetic on values, reached by name (platform/module.h). result may be an operand; what it held
-// before is cleared. Operands are left alone otherwise.
+// Arithmetic on values, reached by name (platform/module.h), as docs/automation.md has it. result
+// may be an operand; what it held before is cleared, and kept on failure. Operands are left alone
+// otherwise.
 HRESULT VarAdd(VARIANT* left, VARIANT* right, VARIANT* result);
 HRESULT VarSub(VARIANT* left, VARIANT* right, VARIANT* result);
 HRESULT VarMul(VARIANT* left, VARIANT* right, VARIANT* result);
 HRESULT VarDiv(VARIANT* left, VARIANT* right, VARIANT* result);
-// One of VARCMP_*, or a failure where the values do not compare.
+// One of VARCMP_*, or a failure where the values do not compare. Numbers stand before texts, and
+// texts in the order of the words of the invariant locale, of which flags take out differences.
 HRESULT VarCmp(VARIANT* left, VARIANT* right, LCID locale, ULONG flags);
+
+inline constexpr ULONG NORM_IGNORECASE = 0x1;
+inline constexpr ULONG NORM_IGNORENONSPACE = 0x2;
+inline constexpr ULONG NORM_IGNORESYMBOLS = 0x4;
+inline constexpr ULONG SORT_STRINGSORT = 0x1000;  // hyphens and apostrophes as other symbols
+inline constexpr ULONG NORM_IGNOREKANATYPE = 0x10000;
+inline constexpr ULONG NORM_IGNOREWIDTH = 0x20000;
 
 inline constexpr HRESULT VARCMP_LT = 0;
 inline constexpr HRESULT VARCMP_EQ = 1;

@@ -20,6 +20,10 @@ using BOOL = int;
 struct HWND__;
 using HWND = HWND__*;
 
+// The bitmap of platform/picture.h.
+struct HBITMAP__;
+using HBITMAP = HBITMAP__*;
+
 // The automation value; complete in platform/automation.h.
 struct tagVARIANT;
 using VARIANT = tagVARIANT;

@@ -64,6 +64,9 @@ class TCVectorString
   int OperateWithLayer(int row, unsigned code, const vela::Layer& source,
                        unsigned options) override;
 
+  // As texts in UTF-16.
+  CComVariant AsArray(int row, const vela::ArrayLayout& layout) override;
+
   // The elements of a row, at most kMostElements.
   Texts& RowTexts(int row) { return rows_[row]; }
   const Texts& RowTexts(int row) const { return rows_[row]; }
@@ -115,9 +118,6 @@ class TCVectorString
   std::size_t CountTrailingMissing(int row, std::size_t first) override;
   void RemoveMissing(int row, std::size_t first) override;
   std::size_t AppendAbsent(int row, const vela::Layer& source) override;
-  // As texts in UTF-16.
-  void ReturnArray(int row, vela::member::Arguments& args,
-                   const vela::ArrayLayout& layout) override;
 
  private:
   // Status and address of the addressed element.

@@ -4,12 +4,12 @@
 #include <utility>
 
 #include "frame/container/container_arguments.h"
+#include "frame/interface/automation_values.h"
 #include "kernel/reorder.h"
 #include "text/operand_text.h"
 #include "text/string_array.h"
 #include "text/text_groups.h"
 #include "text/text_sort.h"
-#include "vector/automation_values.h"
 
 using vela::Layer;
 using vela::kernel::IndexRun;
@@ -154,12 +154,11 @@ std::size_t TCVectorString::AppendAbsent(int row, const Layer& source) {
   return count;
 }
 
-void TCVectorString::ReturnArray(int row, Arguments& args, const vela::ArrayLayout& layout) {
-  vela::ReturnValuesAsArray(args, VT_BSTR, RowSize(row), layout, [&](std::size_t i) {
-    const MSOINDICES at = MSOINDICES::Object(row).WithElement(static_cast<int>(i));
+CComVariant TCVectorString::AsArray(int row, const vela::ArrayLayout& layout) {
+  return vela::MakeArray(VT_BSTR, RowSize(row), layout, [&](std::size_t i) {
     VARIANT value;
     VariantInit(&value);
-    Check(GetIntoVariant(&at, &value));
+    Check(VariantOfText(rows_[row][i].c_str(), value));
     return value;
   });
 }

@@ -10,7 +10,6 @@
 #include "kernel/reorder.h"
 #include "kernel/rotate.h"
 #include "kernel/sort.h"
-#include "vector/automation_array.h"
 #include "vector/vector_base.h"
 
 using vela::AnyElement;
@@ -223,10 +222,4 @@ std::size_t TCAllVectorNonTemplBase::AppendAbsent(int row, const Layer& source) 
     count = static_cast<std::size_t>(std::count(absent.begin(), absent.end(), true));
   });
   return count;
-}
-
-void TCAllVectorNonTemplBase::ReturnArray(int row, Arguments& args,
-                                          const vela::ArrayLayout& layout) {
-  const LayerElements elements({this, row});
-  vela::ReturnAsArray(args, elements.Span(), layout);
 }

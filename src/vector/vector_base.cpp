@@ -95,7 +95,7 @@ int TCAllVectorNonTemplBase::ResizeLayer(int row, const vela::LayerShape& shape,
 }
 
 int TCAllVectorNonTemplBase::Row(Arguments& args) const {
-  const int row = GetVecArrayIndex(&args.Indices());
+  const int row = args.Indices().ObjectIndex();
   const int rows = LayerCount();
   if (row >= 0 && row < rows) [[likely]]
     return row;

@@ -171,9 +171,6 @@ class TCAllVectorNonTemplBase
   virtual void RemoveMissing(int row, std::size_t first);
   // Appends each element of source that the row does not have yet, once; how many.
   virtual std::size_t AppendAbsent(int row, const vela::Layer& source);
-  // Hands the elements to the result object of the call.
-  virtual void ReturnArray(int row, vela::member::Arguments& args, const vela::ArrayLayout& layout);
-
   // The row that a call addresses: 2 for a malformed index record, 28 for a row that does not
   // exist, 12291 for a vector without rows.
   int Row(vela::member::Arguments& args) const;

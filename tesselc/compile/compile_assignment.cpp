@@ -136,9 +136,8 @@ Value Compiler::AssignObject(Place target, std::optional<BinaryOperator> op, Val
   if (code == 0 || (op && !type.IsContainer() && !type.IsVariant())) {
     Fail(range, Spelling(type) + " does not know this assignment");
   }
-  if (value.type.IsString() && type.IsVariant() && !op) {
-    NodePtr text = ToText(std::move(value), range);
-    return {type, kObjectCarrier, MakeSetText(std::move(object), std::move(text), range)};
+  if (type.IsVariant() && (value.type.IsString() || value.type.IsPoint())) {
+    value = Convert(std::move(value), type, range);
   }
   const bool scalar = value.type.IsNumber() || value.type.IsComplex() ||
                       (value.type.IsPoint() && type.IsContainer() && IsPoint(type.element));

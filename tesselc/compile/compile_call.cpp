@@ -1,5 +1,8 @@
+#include <algorithm>
+
 #include "tesselc/compile/compiler.h"
 #include "tesselc/run/builtins.h"
+#include "tesselc/run/container_mathematics.h"
 #include "tesselc/run/elements.h"
 #include "tesselc/run/worksheet_functions.h"
 
@@ -162,14 +165,64 @@ Value Compiler::CallBuiltin(const Call& call, const SourceRange& range) {
     return CallWorksheetFunction(*function, call);
   }
   const MathFunction* function = FindMathFunction(name);
-  if (!function) Fail(call.function.range, "there is no function '" + name + "'");
+  if (!function) return CallHost(call);
   need(function->binary ? 2 : 1);
+  std::vector<Value> values;
+  for (const ExpressionPtr& argument : arguments) values.push_back(CompileValue(*argument));
+  const bool on_containers =
+      std::ranges::any_of(values, [](const Value& value) { return value.type.IsContainer(); });
+  if (on_containers) return MathOnContainers(*function, std::move(values), range);
   std::vector<NodePtr> numbers;
-  for (const ExpressionPtr& argument : arguments) {
-    numbers.push_back(ToNumber(CompileValue(*argument), TypeName::kDouble, argument->range));
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    numbers.push_back(ToNumber(std::move(values[i]), TypeName::kDouble, arguments[i]->range));
   }
   const TypeName result = function->test ? TypeName::kInt : TypeName::kDouble;
   return MakeValue(result, MakeMathCall(*function, std::move(numbers)));
+}
+
+Value Compiler::MathOnContainers(const MathFunction& function, std::vector<Value> arguments,
+                                 const SourceRange& range) {
+  const auto refuse = [&](const StaticType& type) {
+    Fail(range, "'" + std::string(function.name) + "' cannot be applied to " + Spelling(type),
+         {std::string("it takes numbers, and containers of double or float") +
+          (function.complex_unary ? " or complex" : "")});
+  };
+  // The result is a container of the same elements, and nobody else's.
+  const auto fresh = [&](Value value, StaticType& type) {
+    const StaticType from = value.type;
+    type = {from.IsMatrix() ? TypeName::kMatrix : TypeName::kVector, from.element};
+    if (from == type) return MakeCopy(std::move(value.node), ObjectTypeOf(type), range);
+    return MakeTemporary(ObjectTypeOf(type), kObjectCarrier, std::move(value.node), range);
+  };
+  const bool second = !arguments[0].type.IsContainer();
+  Value& target = arguments[second ? 1 : 0];
+  const TypeName element = target.type.element;
+  const bool is_complex = element == TypeName::kComplex;
+  if (is_complex ? !function.complex_unary : !IsFloating(element) || function.test) {
+    refuse(target.type);
+  }
+  StaticType type;
+  if (arguments.size() == 1) {
+    NodePtr container = fresh(std::move(target), type);
+    return {type, kObjectCarrier,
+            MakeMathOnContainer(function, element, std::move(container), range)};
+  }
+  Value& other = arguments[second ? 0 : 1];
+  const bool is_container = other.type.IsContainer();
+  NodePtr operand;
+  if (is_container) {
+    if (other.type.element != element || other.type.IsMatrix() != target.type.IsMatrix()) {
+      refuse(other.type);
+    }
+    operand = std::move(other.node);
+  } else {
+    operand = ToNumber(std::move(other), TypeName::kDouble, range);
+  }
+  const Carrier carrier = is_container ? kObjectCarrier : TypeName::kDouble;
+  NodePtr container = fresh(std::move(target), type);
+  return {type, kObjectCarrier,
+          MakeMathOnContainers(function, element, second ? MathTarget::kSecond : MathTarget::kFirst,
+                               std::move(container), carrier, std::move(operand), range)};
 }
 
 }  // namespace tesselc

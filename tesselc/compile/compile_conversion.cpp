@@ -45,8 +45,7 @@ Value Compiler::Convert(Value value, const StaticType& to, const SourceRange& ra
 
 Value Compiler::ConvertToObject(Value value, const StaticType& to, const SourceRange& range) {
   const StaticType from = value.type;
-  const bool containers = (from.IsContainer() && to.IsContainer()) ||
-                          (to.IsVariant() && !from.IsPoint()) ||
+  const bool containers = (from.IsContainer() && to.IsContainer()) || to.IsVariant() ||
                           (from.IsVariant() && to.IsContainer());
   if (!containers || to.is_array) Fail(range, CannotConvert(from, to));
   if (CanReferTo(to, from)) return {to, kObjectCarrier, std::move(value.node)};
@@ -90,7 +89,7 @@ NodePtr Compiler::ToTruth(Value value, const SourceRange& range) {
   // What tests a truth tests an int against 0.
   if (value.type == StaticType::Of(TypeName::kInt)) return std::move(value.node);
   if (value.type.is_null) return MakeConstant(0);
-  if (value.type.IsVariant()) return MakeNumberOf(TypeName::kInt, std::move(value.node), range);
+  if (value.type.IsVariant()) return MakeTruthOf(std::move(value.node), range);
   if (!value.type.IsNumber() && !value.type.IsComplex()) {
     Fail(range, "a condition cannot be of type " + Spelling(value.type));
   }

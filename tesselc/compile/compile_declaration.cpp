@@ -135,7 +135,8 @@ void Compiler::InitializeObject(const Variable& variable, const Symbol& symbol,
   const SourceRange& range = variable.name.range;
   const Expression* value = variable.initializer.get();
   if (variable.form == Variable::Form::kArguments) {
-    const bool sizes = symbol.type.IsContainer() || symbol.type.name == TypeName::kStringArray;
+    const bool sizes = symbol.type.IsContainer() || symbol.type.name == TypeName::kStringArray ||
+                       symbol.type.name == TypeName::kDeviceContext;
     if (symbol.type.is_array || variable.arguments.empty() || variable.arguments.size() > 2) {
       Fail(range, "too many values for " + Spelling(symbol.type));
     }
@@ -157,7 +158,8 @@ void Compiler::InitializeObject(const Variable& variable, const Symbol& symbol,
 
 void Compiler::InitializeByArguments(const Variable& variable, const Symbol& symbol,
                                      std::vector<PlacedStatement>& out) {
-  const std::size_t wanted = symbol.type.IsMatrix() ? 2 : 1;
+  const bool is_flat = symbol.type.IsMatrix() || symbol.type.name == TypeName::kDeviceContext;
+  const std::size_t wanted = is_flat ? 2 : 1;
   const SourceRange& range = variable.name.range;
   if (variable.arguments.size() != wanted) {
     Fail(range, Spelling(symbol.type) + " takes " + std::to_string(wanted) +

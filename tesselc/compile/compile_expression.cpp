@@ -3,6 +3,7 @@
 #include "tesselc/compile/constants.h"
 #include "tesselc/run/elements.h"
 #include "tesselc/run/long_chain.h"
+#include "tesselc/similar_name.h"
 
 namespace tesselc {
 
@@ -85,10 +86,16 @@ const Symbol* Compiler::FindSymbol(std::string_view name) const {
 
 Place Compiler::Visit(const Name& name, const SourceRange& range) {
   const Symbol* symbol = FindSymbol(name.text);
+  if (!symbol && functions_.contains(name.text)) {
+    Fail(range, "'" + name.text + "' is a function; call it with ()");
+  }
   if (!symbol) {
-    Fail(range, functions_.contains(name.text)
-                    ? "'" + name.text + "' is a function; call it with ()"
-                    : "there is no variable '" + name.text + "'");
+    SimilarName similar(name.text);
+    for (const auto& level : context_.levels) {
+      for (const auto& known : level.symbols) similar.Offer(known.first);
+    }
+    for (const auto& known : globals_.symbols) similar.Offer(known.first);
+    Fail(range, "there is no variable '" + name.text + "'", similar.Notes());
   }
   Place place{symbol->type, symbol->is_const, {}};
   if (symbol->type.IsScalar()) {
@@ -130,6 +137,12 @@ Place Compiler::Visit(const Unary& unary, const SourceRange& range) {
   if (unary.op == UnaryOperator::kMinus && operand.type.IsContainer()) {
     return AsPlace(
         {operand.type, kObjectCarrier, MakeNegateObject(std::move(operand.node), range)});
+  }
+  if (unary.op == UnaryOperator::kMinus && operand.type.IsVariant()) {
+    // A short zero never widens the value's type.
+    Value zero = Convert(MakeValue(TypeName::kInt, MakeConstant(0)),
+                         StaticType::Of(TypeName::kShort), range);
+    return AsPlace(Combine(BinaryOperator::kSubtract, std::move(zero), std::move(operand), range));
   }
   if (operand.type.IsComplex() && unary.op != UnaryOperator::kComplement) {
     if (unary.op == UnaryOperator::kPlus) return AsPlace(std::move(operand));

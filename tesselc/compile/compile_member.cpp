@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "tesselc/compile/compiler.h"
+#include "tesselc/similar_name.h"
 
 namespace tesselc {
 namespace {
@@ -98,9 +99,14 @@ MemberUse Compiler::UseMember(const Expression& object, const Identifier& member
   const Catalogue& catalogue = Catalogue::Get();
   const CatalogueClass* owner = type.IsVoid() ? nullptr : catalogue.FindClass(type.name);
   if (owner) found = catalogue.FindMembers(owner->name, member.text);
+  if (!owner) Fail(member.range, Spelling(type) + " has no members");
   if (found.empty()) {
-    Fail(member.range, owner ? Spelling(type) + " has no member '" + member.text + "'"
-                             : Spelling(type) + " has no members");
+    SimilarName similar(member.text);
+    for (const std::string_view name : catalogue.MemberNames(owner->name)) {
+      similar.Offer(name);
+      if (name.starts_with("Get")) similar.Offer(name, name.substr(3));
+    }
+    Fail(member.range, Spelling(type) + " has no member '" + member.text + "'", similar.Notes());
   }
   MemberUse use;
   use.object = BindObject(std::move(place), object.range);
@@ -239,6 +245,31 @@ StaticType ResultType(const CatalogueMember& member) {
 }
 
 }  // namespace
+
+// The host's functions are members of an object of its own, which scripts do not name.
+Value Compiler::CallHost(const tesselc::Call& call) {
+  constexpr const char* kClass = "host";
+  const Identifier& function = call.function;
+  const Catalogue& catalogue = Catalogue::Get();
+  const auto found = catalogue.FindMembers(kClass, function.text);
+  if (found.empty()) {
+    SimilarName similar(function.text);
+    for (const auto& known : functions_) similar.Offer(known.first);
+    for (const std::string_view known : BuiltinNames()) similar.Offer(known);
+    for (const std::string_view known : catalogue.MemberNames(kClass)) similar.Offer(known);
+    Fail(function.range, "there is no function '" + function.text + "'", similar.Notes());
+  }
+  MemberUse use;
+  use.object = MakeObjectBinding(MakeHostFunctions());
+  use.member = function.text;
+  use.owner = kClass;
+  use.where = function.range;
+  for (const CatalogueMember* overload : found) use.signatures.push_back(overload->signature);
+  PassArguments(use, call.arguments, found);
+  const StaticType type = ResultType(*found.front());
+  const Carrier carrier = CarrierOf(type);
+  return {type, carrier, MakeMethodCall(std::move(use), carrier, ObjectTypeOf(type))};
+}
 
 Place Compiler::Visit(const Member& access, const SourceRange& range) {
   if (access.through_pointer) Fail(range, "pointers are not supported yet");

@@ -119,8 +119,7 @@ Value Compiler::Combine(BinaryOperator op, Value left, Value right, const Source
   if (l.IsNumber() && r.IsNumber()) {
     return CombineNumbers(op, std::move(left), std::move(right), range);
   }
-  if ((l.IsString() && (IsTextual(r) || r.IsVariant())) ||
-      (r.IsString() && (IsTextual(l) || l.IsVariant()))) {
+  if ((l.IsString() && IsTextual(r)) || (r.IsString() && IsTextual(l))) {
     return CombineTexts(op, std::move(left), std::move(right), range);
   }
   if (HasOperators(l) || HasOperators(r)) {
@@ -209,25 +208,26 @@ Value Compiler::CombineObjects(BinaryOperator op, Value left, Value right,
   const StaticType l = left.type, r = right.type;
   const auto fits = [](const StaticType& type, const StaticType& other) {
     return HasOperators(type) || IsNumberOrComplex(type) ||
+           (type.IsString() && other.IsVariant()) ||
            (type.IsPoint() && other.IsContainer() && IsPoint(other.element));
   };
   if (!fits(l, r) || !fits(r, l)) FailOperands(op, l, r, range);
   if (IsComparison(op)) {
     if (l.IsContainer() || r.IsContainer()) FailOperands(op, l, r, range);
-    NodePtr a = HasOperators(l)
-                    ? std::move(left.node)
-                    : MakeTemporary(ObjectTypeOf(l), left.carrier, std::move(left.node), range);
-    NodePtr b = HasOperators(r)
-                    ? std::move(right.node)
-                    : MakeTemporary(ObjectTypeOf(r), right.carrier, std::move(right.node), range);
+    const StaticType variant = StaticType::Of(TypeName::kVariant);
+    NodePtr a = Convert(std::move(left), variant, range).node;
+    NodePtr b = Convert(std::move(right), variant, range).node;
     return MakeValue(TypeName::kInt,
                      MakeCompareObjects(ComparisonCode(op), std::move(a), std::move(b), range));
   }
+  if (l.IsString()) left = Convert(std::move(left), r, range);
+  if (r.IsString()) right = Convert(std::move(right), l, range);
   const unsigned code = OperationCode(op);
   if (code == 0) FailOperands(op, l, r, range);
-  if (HasOperators(l)) {
-    NodePtr copy = MakeCopy(std::move(left.node), ObjectTypeOf(l), range);
-    return {l, kObjectCarrier,
+  if (HasOperators(left.type)) {
+    const StaticType type = left.type;
+    NodePtr copy = MakeCopy(std::move(left.node), ObjectTypeOf(type), range);
+    return {type, kObjectCarrier,
             MakeOperateOnCopy(code, std::move(copy), right.carrier, std::move(right.node), range)};
   }
   return {

@@ -15,6 +15,7 @@
 #include "tesselc/diagnostic.h"
 #include "tesselc/run/arithmetic.h"
 #include "tesselc/run/bindings.h"
+#include "tesselc/run/builtins.h"
 #include "tesselc/run/control.h"
 #include "tesselc/run/function.h"
 #include "tesselc/run/member_call.h"
@@ -267,8 +268,11 @@ class Compiler {
                                const SourceRange& range);
   Value CallFunction(const Signature& signature, const tesselc::Call& call,
                      const SourceRange& range);
+  Value MathOnContainers(const MathFunction& function, std::vector<Value> arguments,
+                         const SourceRange& range);
   Value CallWorksheetFunction(const WorksheetFunction& function, const Call& call);
   Value CallBuiltin(const tesselc::Call& call, const SourceRange& range);
+  Value CallHost(const tesselc::Call& call);
   std::vector<PrintArgument> CompilePrinted(const std::vector<ExpressionPtr>& arguments,
                                             std::size_t first, bool only_texts);
 
@@ -297,8 +301,9 @@ class Compiler {
   };
 
   void Report(const ScriptMistake& mistake) { diagnostics_.push_back(mistake.diagnostic()); }
-  [[noreturn]] static void Fail(const SourceRange& range, std::string message) {
-    throw ScriptMistake(range, std::move(message));
+  [[noreturn]] static void Fail(const SourceRange& range, std::string message,
+                                std::vector<std::string> notes = {}) {
+    throw ScriptMistake(range, std::move(message), std::move(notes));
   }
   static Place AsPlace(Value value) {
     return {value.type, false, Place::Computed{value.carrier, std::move(value.node)}};

@@ -83,6 +83,8 @@ unsigned TypeWord(const StaticType& type) {
       return kTypeVariant;
     case TypeName::kPicture:
       return kTypePicture;
+    case TypeName::kDeviceContext:
+      return kTypeDeviceContext;
     default:
       return ScalarTypeId(type.name);
   }

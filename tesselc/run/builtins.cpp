@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <complex>
 
 #include "frame/interface/missing_value.h"
 #include "frame/interface/status.h"
@@ -19,6 +20,10 @@ bool IsNan(double x) { return std::isnan(x); }
 constexpr MathFunction OfOne(std::string_view name, double (*function)(double)) {
   return {name, function, nullptr, nullptr};
 }
+constexpr MathFunction OfOne(std::string_view name, double (*function)(double),
+                             OneTCcomplex (*complex_function)(const OneTCcomplex&)) {
+  return {name, function, nullptr, nullptr, complex_function};
+}
 constexpr MathFunction OfTwo(std::string_view name, double (*function)(double, double)) {
   return {name, nullptr, function, nullptr};
 }
@@ -26,15 +31,37 @@ constexpr MathFunction Test(std::string_view name, bool (*function)(double)) {
   return {name, nullptr, nullptr, function};
 }
 
+template <std::complex<double> (*kFunction)(const std::complex<double>&)>
+OneTCcomplex ComplexOf(const OneTCcomplex& z) {
+  const std::complex<double> result = kFunction({z.m_re, z.m_im});
+  return {result.real(), result.imag()};
+}
+
 const MathFunction kMathFunctions[] = {
-    OfOne("abs", std::fabs),  OfOne("sqrt", std::sqrt),   OfOne("exp", std::exp),
-    OfOne("log", std::log),   OfOne("log10", Log10),      OfOne("sin", std::sin),
-    OfOne("cos", std::cos),   OfOne("tan", std::tan),     OfOne("asin", std::asin),
-    OfOne("acos", std::acos), OfOne("atan", std::atan),   OfOne("sinh", std::sinh),
-    OfOne("cosh", std::cosh), OfOne("tanh", Tanh),        OfOne("floor", std::floor),
-    OfOne("ceil", std::ceil), OfOne("round", std::round), OfTwo("atan2", std::atan2),
-    OfTwo("fmod", std::fmod), OfTwo("pow", std::pow),     OfTwo("min", Min),
-    OfTwo("max", Max),        Test("isnan", IsNan),       Test("ismissing", IsMissing),
+    OfOne("abs", std::fabs),
+    OfOne("sqrt", std::sqrt, ComplexOf<std::sqrt>),
+    OfOne("exp", std::exp, ComplexOf<std::exp>),
+    OfOne("log", std::log, ComplexOf<std::log>),
+    OfOne("log10", Log10, ComplexOf<std::log10>),
+    OfOne("sin", std::sin, ComplexOf<std::sin>),
+    OfOne("cos", std::cos, ComplexOf<std::cos>),
+    OfOne("tan", std::tan, ComplexOf<std::tan>),
+    OfOne("asin", std::asin, ComplexOf<std::asin>),
+    OfOne("acos", std::acos, ComplexOf<std::acos>),
+    OfOne("atan", std::atan, ComplexOf<std::atan>),
+    OfOne("sinh", std::sinh, ComplexOf<std::sinh>),
+    OfOne("cosh", std::cosh, ComplexOf<std::cosh>),
+    OfOne("tanh", Tanh, ComplexOf<std::tanh>),
+    OfOne("floor", std::floor),
+    OfOne("ceil", std::ceil),
+    OfOne("round", std::round),
+    OfTwo("atan2", std::atan2),
+    OfTwo("fmod", std::fmod),
+    OfTwo("pow", std::pow),
+    OfTwo("min", Min),
+    OfTwo("max", Max),
+    Test("isnan", IsNan),
+    Test("ismissing", IsMissing),
 };
 
 class UnaryCall final : public Expr<UnaryCall, double> {
@@ -110,6 +137,12 @@ class Clock final : public Expr<Clock, double> {
 };
 
 }  // namespace
+
+std::vector<std::string_view> BuiltinNames() {
+  std::vector<std::string_view> names = {"print", "printf", "assert", "exit", "clock"};
+  for (const MathFunction& function : kMathFunctions) names.push_back(function.name);
+  return names;
+}
 
 const MathFunction* FindMathFunction(std::string_view name) {
   for (const MathFunction& function : kMathFunctions) {

@@ -6,6 +6,7 @@
 
 #include "frame/interface/script_object.h"
 #include "frame/interface/status.h"
+#include "tesselc/run/interrupt.h"
 #include "tesselc/run/object_value.h"
 #include "tesselc/run/script_error.h"
 
@@ -21,6 +22,9 @@ Flow ExecFrom(const std::vector<PlacedStatement>& statements, std::size_t first,
       const Flow flow = statements[i].node->Exec(frame);
       if (flow != Flow::kNext) return flow;
     }
+  } catch (Interrupted& interrupted) {
+    if (!interrupted.where) interrupted.where = statements[i].range;
+    throw;
   } catch (const std::bad_alloc&) {
     throw ScriptError(statements[i].range, status::kFailed, "out of memory");
   } catch (const std::length_error&) {
@@ -93,6 +97,7 @@ class WhileNode final : public Node {
       : condition_(std::move(condition)), body_(std::move(body)) {}
   Flow Exec(Frame& frame) override {
     while (condition_->Eval(frame)) {
+      CheckInterrupt();
       const Flow flow = body_->Exec(frame);
       if (flow == Flow::kBreak) break;
       if (flow == Flow::kReturn) return flow;
@@ -111,6 +116,7 @@ class DoWhileNode final : public Node {
       : body_(std::move(body)), condition_(std::move(condition)) {}
   Flow Exec(Frame& frame) override {
     do {
+      CheckInterrupt();
       const Flow flow = body_->Exec(frame);
       if (flow == Flow::kBreak) break;
       if (flow == Flow::kReturn) return flow;
@@ -133,6 +139,7 @@ class ForNode final : public Node {
   Flow Exec(Frame& frame) override {
     if (initializer_) initializer_->Exec(frame);
     while (!condition_ || condition_->Eval(frame)) {
+      CheckInterrupt();
       const Flow flow = body_->Exec(frame);
       if (flow == Flow::kBreak) break;
       if (flow == Flow::kReturn) return flow;

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "frame/interface/script_object.h"
+#include "tesselc/run/interrupt.h"
 #include "tesselc/run/run.h"
 
 namespace tesselc {
@@ -136,6 +137,7 @@ class CallBase {
  protected:
   // `result` points at the caller's variable for the result; null for a function without one.
   void Run(Frame& caller, void* result) {
+    CheckInterrupt();
     const FrameLease lease(*caller.run, function_.frame_size, where_);
     const OwnedSlots owned(lease.base(), function_.owned_slots);
     if (tidy_) {
@@ -171,7 +173,13 @@ class CallBase {
 
   void Execute(Frame& caller, std::byte* base, void* result) {
     Frame frame{base, caller.run, result};
-    const Flow flow = function_.body->Exec(frame);
+    Flow flow;
+    try {
+      flow = function_.body->Exec(frame);
+    } catch (ScriptError& error) {
+      error.AddCall(function_.name, where_);
+      throw;
+    }
     if (flow != Flow::kReturn && result && !function_.is_main) {
       throw ScriptError(where_, status::kFailed,
                         "'" + function_.name + "' ended without returning a value");

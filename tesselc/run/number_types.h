@@ -42,6 +42,14 @@ ScalarRows<A..., B...> Join(ScalarRows<A...>, ScalarRows<B...>);
 using NumberRows = decltype(Join(NarrowRows(), ArithmeticRows()));
 using AllScalarRows = decltype(Join(CompoundRows(), NumberRows()));
 
+template <class T, class... Rows>
+constexpr unsigned TypeIdIn(ScalarRows<Rows...>) {
+  return ((std::is_same_v<T, typename Rows::Value> ? Rows::kTypeId : 0) + ...);
+}
+// The type id of the scalar type that a C++ type holds.
+template <class T>
+inline constexpr unsigned kTypeIdOf = TypeIdIn<T>(AllScalarRows());
+
 // Calls f(std::type_identity<T>()) for the C++ type of a row; int for a name that is in none.
 template <class F>
 decltype(auto) WithRow(TypeName, ScalarRows<>, F&& f) {

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "frame/interface/missing_value.h"
 #include "frame/interface/script_object.h"
 #include "tesselc/run/bindings.h"
 #include "tesselc/run/member_call.h"
@@ -118,6 +119,11 @@ class LoadReference final : public Expr<LoadReference, ObjectValue> {
 
  private:
   std::uint32_t offset_;
+};
+
+class HostFunctions final : public Expr<HostFunctions, ObjectValue> {
+ public:
+  ObjectValue Eval(Frame& frame) override { return ObjectValue(frame.run->HostFunctions()); }
 };
 
 class DeclareObject final : public Node {
@@ -453,6 +459,18 @@ class NumberOf final : public Expr<NumberOf<T>, T> {
   SourceRange where_;
 };
 
+class TruthOf final : public Expr<TruthOf, int> {
+ public:
+  TruthOf(ObjectPtr object, SourceRange where) : number_(std::move(object), where) {}
+  int Eval(Frame& frame) override {
+    const double number = number_.Eval(frame);
+    return number != 0 && number != kMissingValue;
+  }
+
+ private:
+  NumberOf<double> number_;
+};
+
 template <template <class> class Operation>
 NodePtr OperationOf(unsigned op, NodePtr object, Carrier carrier, NodePtr operand,
                     SourceRange where) {
@@ -471,6 +489,8 @@ NodePtr MakeLoadObject(const ObjectPlace& place, std::string name, SourceRange w
   }
   return std::make_unique<LoadObject>(place, std::move(name), where);
 }
+
+NodePtr MakeHostFunctions() { return std::make_unique<HostFunctions>(); }
 
 NodePtr MakeDeclareObject(const ObjectPlace& place, ObjectType type, NodePtr count,
                           SourceRange where) {
@@ -546,6 +566,10 @@ NodePtr MakeAppendText(NodePtr object, NodePtr text, SourceRange where) {
 
 NodePtr MakeKeep(NodePtr object) {
   return std::make_unique<Keep>(As<ObjectValue>(std::move(object)));
+}
+
+NodePtr MakeTruthOf(NodePtr object, SourceRange where) {
+  return std::make_unique<TruthOf>(As<ObjectValue>(std::move(object)), where);
 }
 
 NodePtr MakeNumberOf(TypeName scalar, NodePtr object, SourceRange where) {

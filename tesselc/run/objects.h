@@ -18,6 +18,8 @@ struct ObjectType {
 
 // The object in a variable. `name` is the variable's: it may be used before its declaration ran.
 NodePtr MakeLoadObject(const ObjectPlace& place, std::string name, SourceRange where);
+// The object whose members are the host's functions.
+NodePtr MakeHostFunctions();
 // A new object of `count` elements (null: a plain one) in an owning variable. The old one, if any,
 // is released.
 NodePtr MakeDeclareObject(const ObjectPlace& place, ObjectType type, NodePtr count,
@@ -57,6 +59,8 @@ NodePtr MakeAppendText(NodePtr object, NodePtr text, SourceRange where);
 NodePtr MakeKeep(NodePtr object);
 // The number in an object that holds one (a _VARIANT), as a scalar type.
 NodePtr MakeNumberOf(TypeName scalar, NodePtr object, SourceRange where);
+// Whether such an object holds a number other than 0: an int, 0 or 1, and 0 for no number.
+NodePtr MakeTruthOf(NodePtr object, SourceRange where);
 
 // What an operation code does: "add".
 const char* NameOfOperation(unsigned op);

@@ -5,15 +5,18 @@
 #include <system_error>
 
 #include "host/output.h"
+#include "tesselc/run/terminal.h"
 
 #if defined(_WIN32)
 #include <fcntl.h>
 #include <io.h>
+#else
+#include <unistd.h>
 #endif
 
 namespace tesselc {
 
-Output::Output() {
+Output::Output() : by_line_(IsTerminal(stdout)) {
 #if defined(_WIN32)
   // Text comes out as it was written, the same on every platform.
   _setmode(_fileno(stdout), _O_BINARY);
@@ -35,6 +38,7 @@ Output::~Output() {
 }
 
 void Output::Flush() {
+  const Busy busy(*this);
   if (failure_.empty() && !buffer_.empty()) {
     errno = 0;
     const bool written = std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) == buffer_.size();
@@ -43,6 +47,13 @@ void Output::Flush() {
     }
   }
   buffer_.clear();
+}
+
+void Output::WriteInHaste() noexcept {
+  if (is_busy_ || buffer_.empty()) return;
+  // The stream of the C library may be in use.
+  [[maybe_unused]] const auto written =
+      write(fileno(stdout), buffer_.data(), static_cast<unsigned>(buffer_.size()));
 }
 
 void Output::WriteError(std::string_view text) {

@@ -4,7 +4,7 @@
 #include <type_traits>
 
 #include "frame/interface/object_argument.h"
-#include "frame/interface/type_words.h"
+#include "tesselc/run/number_types.h"
 
 namespace tesselc {
 
@@ -16,8 +16,7 @@ tagMSOOBJVECT PlainOperand(const T& value) {
   } else if constexpr (std::is_integral_v<T> && sizeof(T) == 8) {
     return tagMSOOBJVECT::Plain(value);
   } else {
-    const unsigned type_id = std::is_integral_v<T> ? kTypeInt : kTypeDouble;
-    return tagMSOOBJVECT::Plain(static_cast<double>(value), type_id);
+    return tagMSOOBJVECT::Plain(static_cast<double>(value), kTypeIdOf<T>);
   }
 }
 

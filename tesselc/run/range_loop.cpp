@@ -1,6 +1,7 @@
 #include "tesselc/run/range_loop.h"
 
 #include "frame/interface/script_object.h"
+#include "tesselc/run/interrupt.h"
 #include "tesselc/run/objects.h"
 
 namespace tesselc {
@@ -23,6 +24,7 @@ class RangeLoopNode final : public Node {
       } else {
         loop_.load->Exec(frame);
       }
+      CheckInterrupt();
       const Flow flow = loop_.body->Exec(frame);
       // The body may have made the container shorter than the element's index.
       if (loop_.store && i < Size(container)) loop_.store->Exec(frame);

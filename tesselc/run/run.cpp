@@ -1,6 +1,7 @@
 #include "tesselc/run/run.h"
 
 #include "frame/interface/status.h"
+#include "host/host_objects.h"
 #include "tesselc/run/native_stack.h"
 #include "tesselc/run/number_types.h"
 
@@ -25,6 +26,7 @@ Run::~Run() = default;
 vela::host::ObjectRef Run::Create(unsigned type_word, unsigned count, const std::string& type_name,
                                   const SourceRange& where) {
   vela::host::ObjectRef object(library_.Create(type_word, count));
+  if (!object) object = vela::host::ObjectRef(vela::host::CreateHostObject(type_word));
   if (!object) {
     // The library answers alike where it has no such type and where it has no memory for so many.
     const vela::host::ObjectRef one(count > 0 ? library_.Create(type_word, 0) : nullptr);
@@ -33,6 +35,13 @@ vela::host::ObjectRef Run::Create(unsigned type_word, unsigned count, const std:
         one ? "out of memory" : "objects of type " + type_name + " are not available");
   }
   return object;
+}
+
+CScriptVelaObject* Run::HostFunctions() {
+  if (!host_functions_) {
+    host_functions_ = vela::host::ObjectRef(vela::host::CreateHostFunctions());
+  }
+  return host_functions_.Get();
 }
 
 void Run::ThrowTooDeep(const SourceRange& where) {

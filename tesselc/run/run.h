@@ -29,9 +29,13 @@ class Run {
   const vela::host::Library& library() const { return library_; }
   Output& output() { return output_; }
 
-  // A new object of a type word. Throws a ScriptError at `where` when the library makes none.
+  // A new object of a type word, of the library or the host. Throws a ScriptError at `where` when
+  // neither makes one.
   vela::host::ObjectRef Create(unsigned type_word, unsigned count, const std::string& type_name,
                                const SourceRange& where);
+
+  // The object whose members are the host's functions.
+  CScriptVelaObject* HostFunctions();
 
   // Frames of script functions.
   // Takes `size` bytes for a frame; they hold garbage. Throws a ScriptError when the frames, or the
@@ -66,6 +70,7 @@ class Run {
   std::uintptr_t native_limit_;
   std::deque<vela::host::CallFrame> call_frames_;
   std::size_t call_depth_ = 0;
+  vela::host::ObjectRef host_functions_;
   std::array<std::vector<vela::host::ObjectRef>, static_cast<std::size_t>(TypeName::kAny) + 1>
       proxies_;
 };

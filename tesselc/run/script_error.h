@@ -20,11 +20,30 @@ class ScriptError {
   const std::string& message() const { return message_; }
   const std::vector<std::string>& notes() const { return notes_; }
 
+  struct Call {
+    std::string function;
+    SourceRange where;
+  };
+  // Told of every call that the error leaves, the innermost first.
+  void AddCall(const std::string& function, const SourceRange& where) {
+    if (calls_.size() == kKeptCalls) {
+      ++skipped_calls_;
+      calls_.pop_back();
+    }
+    calls_.push_back({function, where});
+  }
+  // The innermost calls and the outermost one, and how many between them are not kept.
+  const std::vector<Call>& calls() const { return calls_; }
+  std::size_t skipped_calls() const { return skipped_calls_; }
+
  private:
+  static constexpr std::size_t kKeptCalls = 10;
   SourceRange where_;
   int status_;
   std::string message_;
   std::vector<std::string> notes_;
+  std::vector<Call> calls_;
+  std::size_t skipped_calls_ = 0;
 };
 
 // Thrown by exit(): ends the script, past every catch.

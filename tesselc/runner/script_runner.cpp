@@ -6,7 +6,9 @@
 #include "frame/interface/script_object.h"
 #include "tesselc/compile/compiler.h"
 #include "tesselc/parser.h"
+#include "tesselc/run/interrupt.h"
 #include "tesselc/run/run.h"
+#include "tesselc/run/terminal.h"
 
 namespace tesselc {
 namespace {
@@ -42,10 +44,39 @@ int CallTopLevel(Run& run, const CompiledFunction& function) {
   return result;
 }
 
+// Its own notes and the calls that led there.
+std::vector<std::string> NotesOf(const ScriptError& error, const SourceSet& sources) {
+  std::vector<std::string> notes = error.notes();
+  for (const ScriptError::Call& call : error.calls()) {
+    if (error.skipped_calls() > 0 && &call == &error.calls().back()) {
+      // How deep a recursion can go depends on the machine.
+      const std::size_t skipped = error.skipped_calls();
+      notes.push_back("... " + (skipped < 1000 ? std::to_string(skipped) : "thousands of") +
+                      " more calls ...");
+    }
+    notes.push_back("in '" + call.function + "', called at " + FormatPlace(call.where, sources));
+  }
+  return notes;
+}
+
 }  // namespace
 
 ScriptRunner::ScriptRunner(Output& output, RunnerOptions options)
-    : output_(output), options_(std::move(options)) {}
+    : output_(output),
+      options_(std::move(options)),
+      colours_(WantsColours(stderr) ? Colours::kOn : Colours::kOff) {}
+
+void ScriptRunner::Report(const std::vector<Diagnostic>& diagnostics) {
+  constexpr std::ptrdiff_t kMostErrors = 20;
+  std::ptrdiff_t errors = 0;
+  for (const Diagnostic& diagnostic : diagnostics) {
+    if (diagnostic.severity == Diagnostic::Severity::kError && ++errors > kMostErrors) continue;
+    output_.WriteError(Format(diagnostic, sources_, colours_));
+  }
+  if (errors > kMostErrors) {
+    output_.WriteError(std::to_string(errors - kMostErrors) + " more errors\n");
+  }
+}
 
 void ScriptRunner::ReportError(const std::string& message) {
   output_.WriteError("tesselc: error: " + message + "\n");
@@ -88,9 +119,7 @@ int ScriptRunner::Run(FileId file) {
     script = compiler.Compile(parsed.program);
     parsed.diagnostics = compiler.TakeDiagnostics();
   }
-  for (const Diagnostic& diagnostic : parsed.diagnostics) {
-    output_.WriteError(Format(diagnostic, sources_));
-  }
+  Report(parsed.diagnostics);
   if (HasErrors(parsed.diagnostics)) return kMistake;
   return options_.check_only ? kSuccess : Execute(script, globals);
 }
@@ -101,6 +130,7 @@ int ScriptRunner::Execute(CompiledScript& script, Globals& globals) {
     FillArguments(run, globals, options_.arguments);
     int code = kSuccess;
     try {
+      const InterruptScope interruptible(output_);
       CallTopLevel(run, script.top_level);
       if (script.main) code = CallTopLevel(run, *script.main);
     } catch (const ExitRequest& request) {
@@ -114,7 +144,13 @@ int ScriptRunner::Execute(CompiledScript& script, Globals& globals) {
     return code != kSuccess ? code : int{kScriptFailed};
   } catch (const ScriptError& error) {
     globals.ReleaseObjects();
-    output_.WriteError(Format({error.where(), error.message(), error.notes()}, sources_));
+    output_.WriteError(
+        Format({error.where(), error.message(), NotesOf(error, sources_)}, sources_, colours_));
+  } catch (const Interrupted& interrupted) {
+    globals.ReleaseObjects();
+    const SourceRange where = interrupted.where.value_or(SourceRange{});
+    output_.WriteError(Format({where, "interrupted"}, sources_, colours_));
+    return interrupted.exit_code;
   } catch (const std::bad_alloc&) {
     ReportError("out of memory");
   }

@@ -32,10 +32,13 @@ class ScriptRunner {
   int Run(FileId file);
   bool LoadLibrary();
   int Execute(CompiledScript& script, Globals& globals);
+  // Shows them, errors beyond a screenful only counted.
+  void Report(const std::vector<Diagnostic>& diagnostics);
   void ReportError(const std::string& message);
 
   Output& output_;
   RunnerOptions options_;
+  Colours colours_;
   SourceSet sources_;
   vela::host::Library library_;
 };

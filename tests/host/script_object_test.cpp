@@ -184,7 +184,8 @@ TEST(ScriptObject, TravelsAsAutomationValue) {
   EXPECT_EQ(target.SetFromVariant(nullptr, &variant), 0);
   EXPECT_EQ(target.text(), source.text());
   NumberObject number;
-  EXPECT_EQ(number.SetFromVariant(nullptr, &variant), status::kBadValue);
+  EXPECT_EQ(number.SetFromVariant(nullptr, &variant), 0);
+  EXPECT_EQ(number.values()[0], kMissingValue);
   EXPECT_EQ(number.GetIntoVariant(nullptr, nullptr), status::kBadArguments);
   VariantClear(&variant);
 }

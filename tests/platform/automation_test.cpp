@@ -1,7 +1,6 @@
 // The same expectations on every platform: on Windows they hold for the system's own functions.
 #include "platform/automation.h"
 
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -86,95 +85,6 @@ TEST(Bstr, KeepsItsLengthAndEmbeddedZeros) {
   SysFreeString(nullptr);
 }
 
-TEST(SafeArray, ElementSizesAndTypes) {
-  const std::vector<std::pair<VARTYPE, UINT>> sizes = {
-      {VT_I1, 1},      {VT_UI1, 1},  {VT_I2, 2},       {VT_UI2, 2},     {VT_BOOL, 2},
-      {VT_I4, 4},      {VT_UI4, 4},  {VT_R4, 4},       {VT_ERROR, 4},   {VT_INT, 4},
-      {VT_UINT, 4},    {VT_R8, 8},   {VT_DATE, 8},     {VT_CY, 8},      {VT_I8, 8},
-      {VT_UI8, 8},     {VT_BSTR, 8}, {VT_DISPATCH, 8}, {VT_UNKNOWN, 8}, {VT_VARIANT, 24},
-      {VT_DECIMAL, 16}};
-  for (const auto& [type, size] : sizes) {
-    SCOPED_TRACE(type);
-    for (SAFEARRAY* array : {SafeArrayCreateVector(type, -3, 5), NewMatrix(type, 2, 0, 3, 7)}) {
-      ASSERT_NE(array, nullptr);
-      EXPECT_EQ(SafeArrayGetElemsize(array), size);
-      VARTYPE found = VT_EMPTY;
-      EXPECT_EQ(SafeArrayGetVartype(array, &found), S_OK);
-      EXPECT_EQ(found, type);
-      EXPECT_EQ(SafeArrayDestroy(array), S_OK);
-    }
-  }
-  for (const int type : {int{VT_EMPTY}, int{VT_NULL}, VT_ARRAY | VT_I4, VT_BYREF | VT_I4, 15}) {
-    EXPECT_EQ(SafeArrayCreateVector(static_cast<VARTYPE>(type), 0, 1), nullptr) << type;
-  }
-}
-
-TEST(SafeArray, BoundsAndLayout) {
-  SAFEARRAY* array = NewMatrix(VT_I4, 2, 10, 3, -1);
-  ASSERT_NE(array, nullptr);
-  EXPECT_EQ(SafeArrayGetDim(array), 2u);
-  LONG bound = 0;
-  std::vector<LONG> bounds;
-  for (const UINT dimension : {1u, 2u}) {
-    EXPECT_EQ(SafeArrayGetLBound(array, dimension, &bound), S_OK);
-    bounds.push_back(bound);
-    EXPECT_EQ(SafeArrayGetUBound(array, dimension, &bound), S_OK);
-    bounds.push_back(bound);
-  }
-  EXPECT_THAT(bounds, ElementsAre(10, 11, -1, 1));
-  EXPECT_EQ(SafeArrayGetLBound(array, 0, &bound), DISP_E_BADINDEX);
-  EXPECT_EQ(SafeArrayGetUBound(array, 3, &bound), DISP_E_BADINDEX);
-
-  // The first dimension is the fastest.
-  void* data = nullptr;
-  ASSERT_EQ(SafeArrayAccessData(array, &data), S_OK);
-  auto* const elements = static_cast<LONG*>(data);
-  for (int i = 0; i < 6; ++i) EXPECT_EQ(elements[i], 0);
-  LONG at[] = {11, 0};
-  void* element = nullptr;
-  EXPECT_EQ(SafeArrayPtrOfIndex(array, at, &element), S_OK);
-  EXPECT_EQ(element, elements + 3);
-  elements[3] = 42;
-  LONG value = 0;
-  EXPECT_EQ(SafeArrayGetElement(array, at, &value), S_OK);
-  EXPECT_EQ(value, 42);
-  for (const auto& [row, column] : {std::pair<LONG, LONG>{9, 0}, {12, 0}, {10, -2}, {10, 2}}) {
-    LONG outside[] = {row, column};
-    EXPECT_EQ(SafeArrayGetElement(array, outside, &value), DISP_E_BADINDEX);
-    EXPECT_EQ(SafeArrayPutElement(array, outside, &value), DISP_E_BADINDEX);
-  }
-  EXPECT_EQ(SafeArrayUnaccessData(array), S_OK);
-  EXPECT_EQ(SafeArrayDestroy(array), S_OK);
-}
-
-TEST(SafeArray, EmptyDimension) {
-  SAFEARRAYBOUND bounds = {0, 0};
-  SAFEARRAY* array = SafeArrayCreate(VT_R8, 1, &bounds);
-  ASSERT_NE(array, nullptr);
-  LONG bound = 5;
-  EXPECT_EQ(SafeArrayGetUBound(array, 1, &bound), S_OK);
-  EXPECT_EQ(bound, -1);
-  LONG zero = 0;
-  double value = 0;
-  EXPECT_EQ(SafeArrayGetElement(array, &zero, &value), DISP_E_BADINDEX);
-  EXPECT_EQ(SafeArrayDestroy(array), S_OK);
-}
-
-TEST(SafeArray, NullAndImpossibleArguments) {
-  SAFEARRAYBOUND bound = {3, 0};
-  EXPECT_EQ(SafeArrayCreate(VT_I4, 0, &bound), nullptr);
-  EXPECT_EQ(SafeArrayCreate(VT_I4, 1, nullptr), nullptr);
-  EXPECT_EQ(SafeArrayDestroy(nullptr), S_OK);
-  EXPECT_EQ(SafeArrayGetDim(nullptr), 0u);
-  EXPECT_EQ(SafeArrayGetElemsize(nullptr), 0u);
-  EXPECT_EQ(SafeArrayLock(nullptr), E_INVALIDARG);
-  EXPECT_EQ(SafeArrayUnlock(nullptr), E_INVALIDARG);
-  SAFEARRAY* array = SafeArrayCreate(VT_I4, 1, &bound);
-  EXPECT_EQ(SafeArrayRedim(array, nullptr), E_INVALIDARG);
-  EXPECT_EQ(SafeArrayCopy(array, nullptr), E_INVALIDARG);
-  SafeArrayDestroy(array);
-}
-
 #if !defined(_WIN32)
 // Not every system's own function notices that the product of the bounds overflows.
 TEST(SafeArray, SizesBeyondMemory) {
@@ -189,25 +99,6 @@ TEST(SafeArray, SizesBeyondMemory) {
   SafeArrayDestroy(array);
 }
 #endif
-
-TEST(SafeArray, LocksNestAndKeepTheArray) {
-  SAFEARRAY* array = SafeArrayCreateVector(VT_I2, 0, 4);
-  EXPECT_EQ(SafeArrayLock(array), S_OK);
-  EXPECT_EQ(SafeArrayLock(array), S_OK);
-  EXPECT_EQ(SafeArrayDestroy(array), DISP_E_ARRAYISLOCKED);
-  EXPECT_EQ(SafeArrayDestroyData(array), DISP_E_ARRAYISLOCKED);
-  SAFEARRAYBOUND more = {9, 0};
-  EXPECT_EQ(SafeArrayRedim(array, &more), DISP_E_ARRAYISLOCKED);
-  VARIANT holder;
-  VariantInit(&holder);
-  holder.vt = VT_ARRAY | VT_I2;
-  holder.parray = array;
-  EXPECT_EQ(VariantClear(&holder), DISP_E_ARRAYISLOCKED);
-  EXPECT_EQ(SafeArrayUnlock(array), S_OK);
-  EXPECT_EQ(SafeArrayUnlock(array), S_OK);
-  EXPECT_EQ(SafeArrayUnlock(array), E_UNEXPECTED);
-  EXPECT_EQ(SafeArrayDestroy(array), S_OK);
-}
 
 TEST(SafeArray, TextElementsAreDuplicated) {
   SAFEARRAY* array = SafeArrayCreateVector(VT_BSTR, 0, 2);
@@ -305,18 +196,6 @@ TEST(Variant, CopiesOwnTheirContent) {
   EXPECT_NE(copy->parray, nested->parray);
 }
 
-TEST(Variant, RefusesBadTypes) {
-  for (const int type : {15, VT_VECTOR | VT_I4, int{VT_RESERVED}, VT_BYREF | VT_EMPTY, 0x0FFF}) {
-    VARIANT bad;
-    VariantInit(&bad);
-    bad.vt = static_cast<VARTYPE>(type);
-    EXPECT_EQ(VariantClear(&bad), DISP_E_BADVARTYPE) << type;
-    Value good(1.0);
-    EXPECT_EQ(VariantCopy(&good, &bad), DISP_E_BADVARTYPE) << type;
-    EXPECT_EQ(good->vt, VT_R8);
-  }
-}
-
 TEST(Variant, IndirectCopyFollowsReferences) {
   LONG number = 12;
   Value reference;
@@ -344,156 +223,16 @@ TEST(Variant, IndirectCopyFollowsReferences) {
   SysFreeString(shared);
 }
 
-// value as text after a conversion to type, or the code in hexadecimal when that fails.
-std::string Converted(const VARIANT* value, VARTYPE type, USHORT flags = 0) {
-  Value result;
-  const HRESULT code = VariantChangeType(&result, value, flags, type);
-  if (code != S_OK) {
-    if (code == DISP_E_OVERFLOW) return "overflow";
-    return code == DISP_E_TYPEMISMATCH ? "mismatch" : "failed";
-  }
-  EXPECT_EQ(result->vt, type);
-  switch (type) {
-    case VT_I1:
-      return std::to_string(static_cast<signed char>(result->cVal));
-    case VT_UI1:
-      return std::to_string(result->bVal);
-    case VT_I2:
-    case VT_BOOL:
-      return std::to_string(result->iVal);
-    case VT_UI2:
-      return std::to_string(result->uiVal);
-    case VT_I4:
-      return std::to_string(result->lVal);
-    case VT_UI4:
-      return std::to_string(result->ulVal);
-    case VT_I8:
-    case VT_CY:
-      return std::to_string(result->llVal);
-    case VT_UI8:
-      return std::to_string(result->ullVal);
-    case VT_R4:
-      return std::to_string(result->fltVal);
-    case VT_R8:
-      return std::to_string(result->dblVal);
-    case VT_BSTR:
-      return TextOf(result->bstrVal);
-    default:
-      return "?";
-  }
-}
-
-TEST(VariantChangeType, RealNumbersRoundHalfToEven) {
-  const struct {
-    double value;
-    VARTYPE type;
-    const char* expected;
-  } cases[] = {{0.5, VT_I4, "0"},           {1.5, VT_I4, "2"},
-               {-2.5, VT_I4, "-2"},         {255.4, VT_UI1, "255"},
-               {255.6, VT_UI1, "overflow"}, {-1.0, VT_UI1, "overflow"},
-               {-0.4, VT_UI4, "0"},         {127.0, VT_I1, "127"},
-               {-129.0, VT_I1, "overflow"}, {65536.0, VT_UI2, "overflow"},
-               {1e300, VT_R4, "overflow"},  {0.25, VT_R4, "0.250000"},
-               {0.25, VT_BOOL, "-1"},       {0.0, VT_BOOL, "0"},
-               {1.23456, VT_CY, "12346"},   {1e300, VT_CY, "overflow"},
-               {0.1, VT_BSTR, "0.1"},       {-4.5, VT_BSTR, "-4.5"},
-               {1e20, VT_BSTR, "1E+20"},    {3, VT_BSTR, "3"}};
-  for (const auto& c : cases) {
-    Value value(c.value);
-    EXPECT_EQ(Converted(&value, c.type), c.expected) << c.value << " to " << c.type;
-  }
-  Value least(-2147483648.0), most(2147483647.4), more(2147483648.0);
-  EXPECT_EQ(Converted(&least, VT_I4), "-2147483648");
-  EXPECT_EQ(Converted(&most, VT_I4), "2147483647");
-  EXPECT_EQ(Converted(&more, VT_I4), "overflow");
-}
-
-// Between types of one width the bits stay, as in a cast.
-TEST(VariantChangeType, IntegersKeepTheirValueOrOverflow) {
-  const auto converted = [](VARTYPE from, std::int64_t number, VARTYPE to) {
-    Value value(from, number);
-    return Converted(&value, to);
-  };
-  const struct {
-    VARTYPE from;
-    std::int64_t value;
-    VARTYPE to;
-    const char* expected;
-  } cases[] = {{VT_UI8, -1, VT_I8, "-1"},         {VT_UI1, 200, VT_I1, "-56"},
-               {VT_I4, -1, VT_UI2, "overflow"},   {VT_I4, -1, VT_UI8, "overflow"},
-               {VT_I4, -1, VT_I2, "-1"},          {VT_I4, 3, VT_CY, "30000"},
-               {VT_CY, 25000, VT_I4, "2"},        {VT_CY, 35000, VT_I4, "4"},
-               {VT_CY, 12500, VT_BSTR, "1.25"},   {VT_BOOL, -1, VT_I4, "-1"},
-               {VT_BOOL, -1, VT_UI1, "255"},      {VT_BOOL, -1, VT_BSTR, "-1"},
-               {VT_BOOL, 0, VT_BSTR, "0"},        {VT_EMPTY, 9, VT_I4, "0"},
-               {VT_EMPTY, 9, VT_BSTR, ""},        {VT_EMPTY, 9, VT_BOOL, "0"},
-               {VT_NULL, 0, VT_I4, "mismatch"},   {VT_ERROR, 5, VT_I4, "mismatch"},
-               {VT_I4, 5, VT_UNKNOWN, "mismatch"}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(converted(c.from, c.value, c.to), c.expected)
-        << c.from << " to " << c.to << ": " << c.value;
-  }
-  constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
-  EXPECT_EQ(converted(VT_I4, -1, VT_UI4), "4294967295");
-  EXPECT_EQ(converted(VT_I4, 70000, VT_I2), "overflow");
-  EXPECT_EQ(converted(VT_I1, -5, VT_R8), "-5.000000");
-  EXPECT_EQ(converted(VT_CY, -15000, VT_R8), "-1.500000");
-  EXPECT_EQ(converted(VT_BOOL, -1, VT_R8), "-1.000000");
-  EXPECT_EQ(converted(VT_UI4, 0xFFFFFFFF, VT_I8), "4294967295");
-  EXPECT_EQ(converted(VT_I8, kMax, VT_UI8), "9223372036854775807");
-  EXPECT_EQ(converted(VT_I8, -kMax - 1, VT_BSTR), "-9223372036854775808");
-  Value truth(VT_BOOL, -1);
-  EXPECT_EQ(Converted(&truth, VT_BSTR, VARIANT_ALPHABOOL), "True");
-}
-
-TEST(VariantChangeType, TextIsRead) {
-  const auto read = [](const std::string& text, VARTYPE type) {
-    Value value(text);
-    return Converted(&value, type);
-  };
-  const struct {
-    const char* text;
-    VARTYPE type;
-    const char* expected;
-  } cases[] = {
-      {" 12 ", VT_I4, "12"},          {"2.5", VT_I4, "2"},          {"3.5", VT_I4, "4"},
-      {"1e3", VT_I4, "1000"},         {"+7", VT_UI1, "7"},          {"&H1F", VT_I4, "31"},
-      {"&O17", VT_I4, "15"},          {"0", VT_BOOL, "0"},          {"TRUE", VT_BOOL, "-1"},
-      {"false", VT_BOOL, "0"},        {"0.5", VT_BOOL, "-1"},       {"-1.5", VT_R8, "-1.500000"},
-      {"1.25E-2", VT_R8, "0.012500"}, {"256", VT_UI1, "overflow"},  {"1e400", VT_R8, "overflow"},
-      {"1.00006", VT_CY, "10001"},    {"", VT_I4, "mismatch"},      {"abc", VT_R8, "mismatch"},
-      {"1 2", VT_I4, "mismatch"},     {"1.2.3", VT_R8, "mismatch"}, {"yes", VT_BOOL, "mismatch"}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(read(c.text, c.type), c.expected) << '"' << c.text << "\" to " << c.type;
-  }
-  for (const std::string wide : {"9223372036854775807", "18446744073709551615"}) {
-    EXPECT_EQ(read(wide, wide[0] == '9' ? VT_I8 : VT_UI8), wide);
-  }
-}
-
-TEST(VariantChangeType, DecimalsAreExact) {
-  Value text("79228162514264337593543950335");  // 2^96 - 1
-  EXPECT_EQ(VariantChangeType(&text, &text, 0, VT_DECIMAL), S_OK);
-  EXPECT_EQ(text->decVal.Hi32, 0xFFFFFFFFu);
-  EXPECT_EQ(text->decVal.Lo64, ~std::uint64_t{0});
-  EXPECT_EQ(Converted(&text, VT_BSTR), "79228162514264337593543950335");
-  EXPECT_EQ(Converted(&text, VT_I8), "overflow");
-  Value real(-12.375);
-  EXPECT_EQ(VariantChangeType(&real, &real, 0, VT_DECIMAL), S_OK);
-  EXPECT_EQ(real->decVal.scale, 3);
-  EXPECT_EQ(real->decVal.sign, DECIMAL_NEG);
-  EXPECT_EQ(real->decVal.Lo64, 12375u);
-  EXPECT_EQ(Converted(&real, VT_R8), "-12.375000");
-}
-
 TEST(VariantChangeType, ObjectsGiveTheirDefaultProperty) {
   CountedObject object;
   Value value;
   value->vt = VT_DISPATCH;
   value->pdispVal = &object;
   object.AddRef();
-  EXPECT_EQ(Converted(&value, VT_BSTR), "77");
-  EXPECT_EQ(Converted(&value, VT_I4, VARIANT_NOVALUEPROP), "mismatch");
+  Value text;
+  EXPECT_EQ(VariantChangeType(&text, &value, 0, VT_BSTR), S_OK);
+  EXPECT_EQ(TextOf(text->bstrVal), "77");
+  EXPECT_EQ(VariantChangeType(&text, &value, VARIANT_NOVALUEPROP, VT_I4), DISP_E_TYPEMISMATCH);
   Value unknown;
   EXPECT_EQ(VariantChangeType(&unknown, &value, 0, VT_UNKNOWN), S_OK);
   EXPECT_EQ(object.references, 3u);
@@ -511,6 +250,66 @@ TEST(VariantChangeType, FailureLeavesTheDestination) {
   EXPECT_EQ(TextOf(source->bstrVal), "no number");
   EXPECT_EQ(VariantChangeType(&destination, &destination, 0, VT_BSTR), S_OK);
   EXPECT_EQ(TextOf(destination->bstrVal), "4");
+}
+
+TEST(Arithmetic, ResultsReplaceAnOperand) {
+  Value text("ab");
+  Value more("cd");
+  EXPECT_EQ(VarAdd(&text, &more, &text), S_OK);
+  EXPECT_EQ(TextOf(text->bstrVal), "abcd");
+  EXPECT_EQ(TextOf(more->bstrVal), "cd");
+  Value number(6.0);
+  Value digits("1.5");
+  EXPECT_EQ(VarDiv(&number, &digits, &digits), S_OK);
+  EXPECT_EQ(digits->vt, VT_R8);
+  EXPECT_EQ(digits->dblVal, 4.0);
+  EXPECT_EQ(VarMul(&number, &number, &number), S_OK);
+  EXPECT_EQ(number->dblVal, 36.0);
+}
+
+#if !defined(_WIN32)
+// What the system's own functions do with the result here is not published.
+TEST(Arithmetic, FailuresLeaveTheResult) {
+  Value text("abc");
+  Value number(2.0);
+  EXPECT_EQ(VarMul(&text, &number, &text), DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(TextOf(text->bstrVal), "abc");
+  Value array;
+  array->vt = VT_ARRAY | VT_I4;
+  array->parray = SafeArrayCreateVector(VT_I4, 0, 1);
+  SafeArrayLock(array->parray);
+  EXPECT_EQ(VarAdd(&number, &number, &array), DISP_E_ARRAYISLOCKED);
+  EXPECT_EQ(array->vt, VT_ARRAY | VT_I4);
+  SafeArrayUnlock(array->parray);
+}
+
+// An exponent beyond 32 bits, scales beyond 28, references to nothing.
+TEST(Variant, HostileContent) {
+  Value text("1e2147483648");
+  Value result;
+  EXPECT_EQ(VariantChangeType(&result, &text, 0, VT_R8), DISP_E_OVERFLOW);
+  Value decimal;
+  decimal->decVal.scale = 200;
+  decimal->decVal.Lo64 = 1;
+  decimal->vt = VT_DECIMAL;
+  EXPECT_EQ(VarAdd(&decimal, &decimal, &result), E_INVALIDARG);
+  EXPECT_EQ(VarCmp(&decimal, &decimal, LOCALE_INVARIANT, 0), E_INVALIDARG);
+  Value nowhere(VT_BYREF | VT_I4, 0);
+  EXPECT_EQ(VariantCopyInd(&result, &nowhere), E_INVALIDARG);
+  EXPECT_EQ(VariantClear(nullptr), E_INVALIDARG);
+}
+#endif
+
+TEST(Arithmetic, ObjectsAreReleased) {
+  CountedObject object;
+  Value value;
+  value->vt = VT_DISPATCH;
+  value->pdispVal = &object;
+  object.AddRef();
+  Value result;
+  EXPECT_EQ(VarAdd(&value, &value, &result), S_OK);
+  EXPECT_EQ(result->lVal, 154);
+  EXPECT_EQ(object.references, 2u);
 }
 
 }  // namespace

@@ -80,7 +80,8 @@ TEST_F(Sources, IncludesOnceRelativeToTheIncluder) {
 TEST_F(Sources, ReportsMistakesInTheFileTheyAreIn) {
   Write("bad.tc", "ok;\n  x = ;");
   EXPECT_EQ(Parsed(Write("main.tc", "#include \"bad.tc\"")),
-            Path("bad.tc") + ":2:7: error: expected an expression\n  x = ;\n      ^\n");
+            Path("bad.tc") + ":2:7: error: expected an expression\n  x = ;\n      ^\n" +
+                "note: included by " + Path("main.tc") + ":1:1\n");
   EXPECT_EQ(Parsed(Write("missing.tc", "a;\n#include \"none.tc\"\n")),
             Path("missing.tc") + ":2:1: error: cannot read '" + Path("none.tc") +
                 "': no such file\n#include \"none.tc\"\n^\n");

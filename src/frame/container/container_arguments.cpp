@@ -104,6 +104,11 @@ void SetTotal(Arguments& args, unsigned arg, unsigned type_id, const OneTCcomple
   }
 }
 
+void ReturnArray(Arguments& args, const Layer& layer, const ArrayLayout& layout) {
+  CComVariant array = layer.container->AsArray(layer.number, layout);
+  ReturnVariant(args, layer.Size() == 0 ? CComVariant() : std::move(array));
+}
+
 void SetPosition(Arguments& args, unsigned arg, std::ptrdiff_t position) {
   if (args.IsNull(arg)) return;
   const auto is_unsigned = [](unsigned type_id) {

@@ -39,6 +39,9 @@ inline void RefuseSameLayer(const Layer& argument, const Layer& layer) {
 void SetTotal(member::Arguments& args, unsigned arg, unsigned type_id, const OneTCcomplex& total);
 void RefuseNarrowReference(const member::Arguments& args, unsigned arg, unsigned type_id);
 
+// Makes the layer's elements the call's result, as MakeArray; no elements give an empty variant.
+void ReturnArray(member::Arguments& args, const Layer& layer, const ArrayLayout& layout);
+
 // Stores a position in a by-reference argument unless that is NULL; -1 is all bits set.
 void SetPosition(member::Arguments& args, unsigned arg, std::ptrdiff_t position);
 

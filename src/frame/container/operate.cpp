@@ -1,10 +1,22 @@
 // How an operator of the host reaches the elements of a container.
+#include "frame/container/automation_input.h"
 #include "frame/container/layer.h"
 #include "frame/container/layer_operation.h"
 #include "frame/element_operation.h"
 
 using vela::ElementSpan;
 using vela::Layer;
+
+namespace {
+
+// The automation array that an operand holds, else null.
+const VARIANT* ArrayOperand(const tagMSOOBJVECT& operand) {
+  if (operand.object == nullptr || operand.object->IsVariantArraySource() == 0) return nullptr;
+  const VARIANT* value = operand.object->GetVariantAddress(&operand.indices);
+  return value != nullptr && vela::ArrayIn(*value) != nullptr ? value : nullptr;
+}
+
+}  // namespace
 
 bool TCAllTensorsBase::IsOperation(unsigned code) const {
   return vela::WithElementType(GetInternalDataTypeID(),
@@ -19,6 +31,9 @@ int TCAllTensorsBase::Operate2(const MSOINDICES* at, unsigned op, const tagMSOOB
   if (at != nullptr && at->ElementCount() != 0) return OperateOnElement(at, code, operand);
   int layer;
   if (const int error = LocateLayer(at, layer); error != status::kOk) return error;
+  if (const VARIANT* array = ArrayOperand(operand)) {
+    return code == operation::kAssign ? SetVariantArray(at, array) : int{status::kFailed};
+  }
   auto* container = operand.indices.ElementCount() != 0
                         ? nullptr
                         : dynamic_cast<TCAllTensorsBase*>(operand.object);

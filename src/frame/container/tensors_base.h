@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "frame/container/automation_array.h"
 #include "frame/container/element_span.h"
 #include "frame/interface/data_source.h"
 #include "frame/interface/tessel_object.h"
@@ -72,6 +73,8 @@ class TCAllTensorsBase : public vela::ValueAccess<TCAllTensorsBase, TesselCObjec
   virtual int StoreElements(int layer, std::size_t offset, const vela::ConstElementSpan& from);
   // Tells whoever shows the layer that it changed.
   virtual void AnnounceChange(int layer);
+  // The elements as an automation array; as MakeArray.
+  virtual CComVariant AsArray(int layer, const vela::ArrayLayout& layout);
   // The host's data that the layer is a view of; null for a layer of the container's own.
   virtual VeSourceData* SourceOf(int /*layer*/) const { return nullptr; }
   // Whether the host removed the data that the container was attached to. It has no layer then, and
@@ -104,6 +107,15 @@ class TCAllTensorsBase : public vela::ValueAccess<TCAllTensorsBase, TesselCObjec
   int ReleaseBufferMSO(const MSOINDICES* at, void* buffer) override;
   int Operate2(const MSOINDICES* at, unsigned op, const tagMSOOBJVECT& operand,
                unsigned options) override;
+  // The addressed layer as an automation array, of two dimensions for a matrix; elements that have
+  // no automation type as an array of variants. SetVariantArray makes the layer such an array's
+  // elements, what is no value of the element type missing: status 8 for a value that is no array
+  // of one or two dimensions. The operations on one value do so too where no element is addressed,
+  // and set every element where the value is no array.
+  int GetVariantArray(const MSOINDICES* at, VARIANT* value, int lower_bound) override;
+  int SetVariantArray(const MSOINDICES* at, const VARIANT* value) override;
+  int GetIntoVariant(const MSOINDICES* at, VARIANT* value) override;
+  int SetFromVariant(const MSOINDICES* at, const VARIANT* value) override;
 
   template <class U>
   int Read(const MSOINDICES* at, U& value);

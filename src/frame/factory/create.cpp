@@ -94,7 +94,7 @@ CScriptVelaObject* CreateObject(const CreationRequest& request) {
     case kTypeVariant:
       return new TCVariantObj(request.n, type_id, request.args);
     case kTypePicture:
-      return new TCPicture(type_id);
+      return new TCPicture(request.n, type_id, request.args);
     default:
       return WithElementType(type_id, [&]<class T>() { return CreateNumeric<T>(request); });
   }

@@ -121,8 +121,8 @@ class VELAHOST_API CTCall {
     return 0;
   }
   // The bytes of an argument: the text of a string, the elements of a vector, the storage of a
-  // scalar. bytes is the least that the member will touch (0: whatever is there); an argument that
-  // has fewer is status 3. Pair with ReleaseBuffer.
+  // scalar. bytes is the least that the member will touch (0:
+  // whatever is there); an argument that has fewer is status 3. Pair with ReleaseBuffer.
   int GetBuffer(unsigned arg, void** out, int bytes);
   int ReleaseBuffer(unsigned arg);
   // How many bytes GetBuffer gave for the argument.

@@ -22,3 +22,7 @@ VELAHOST_API int CheckedPower(double x, double y, double& result);
 
 VELAHOST_API CStringUTF8 make_str_from_char(char ch);
 VELAHOST_API CStringUTF8 make_str_from_char_array(const char* text, int length);
+
+// A new bitmap with the picture of an image file, owned by the caller; null when the file cannot be
+// read. The name is UTF-8, null reads as none.
+VELAHOST_API HBITMAP LoadImageFile(const char* file_name);

@@ -1,6 +1,10 @@
 #include "frame/member/arguments.h"
 
+#include <cstring>
+
 #include "frame/element_types.h"
+#include "frame/element_value.h"
+#include "platform/com_variant.h"
 
 namespace vela::member {
 
@@ -17,6 +21,8 @@ int StatusOfException() noexcept {
     return status::kCannotResize;
   } catch (const std::out_of_range&) {
     return status::kOutOfRange;
+  } catch (const AutomationError& error) {
+    return error.code == E_OUTOFMEMORY ? status::kCannotResize : status::kAutomationFailed;
   } catch (...) {
     return status::kFailed;
   }
@@ -47,6 +53,19 @@ CStringUTF8 Arguments::Text(unsigned arg) {
   CStringUTF8 text;
   Check(call_.GetString(arg, text));
   return text;
+}
+
+std::uint64_t Arguments::Handle(unsigned arg) {
+  std::uint64_t handle = 0;
+  if (IsCharacter(arg)) {
+    // The text of an integer has all its digits, where a double has not.
+    const CStringUTF8 digits = Text(arg);
+    handle = *digits == '-' ? static_cast<std::uint64_t>(ValueOfText<std::int64_t>(digits))
+                            : ValueOfText<std::uint64_t>(digits);
+  } else {
+    std::memcpy(&handle, Buffer(arg, sizeof handle), sizeof handle);
+  }
+  return handle;
 }
 
 tagMSOOBJVECT Arguments::Object(unsigned arg) {

@@ -73,6 +73,8 @@ class Arguments {
   double Double(unsigned arg);
   OneTCcomplex Complex(unsigned arg);
   CStringUTF8 Text(unsigned arg);
+  // A handle of the system, as wide as a pointer: an integer, or what an object holds as raw data.
+  std::uint64_t Handle(unsigned arg);
   char Character(unsigned arg) { return static_cast<char>(Int(arg)); }
 
   // The object of an argument, resolved through references; its object is null for NULL. The

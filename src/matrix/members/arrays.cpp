@@ -1,10 +1,9 @@
 // A layer as an automation array, and from one.
 #include <algorithm>
 
+#include "frame/container/automation_input.h"
 #include "frame/container/container_arguments.h"
 #include "matrix/matrix_base.h"
-#include "vector/automation_array.h"
-#include "vector/automation_input.h"
 
 using vela::member::Arguments;
 using vela::member::Between;
@@ -17,12 +16,12 @@ using vela::member::Run;
 // elements have no automation type: status 12291.
 int TCAllMatrixNonTemplBase::GetAs2DArray(CTCall* call) {
   return Run(call, Between(0, 1), [&](Arguments& args) {
-    const View view = AddressedView(args);
+    const vela::Layer layer = Addressed(args, status::kNoRow);
     vela::ArrayLayout layout;
     layout.two_dimensional = true;
-    layout.columns = std::max(GetNumCols(view.layer.number), 1);
+    layout.columns = std::max(GetNumCols(layer.number), 1);
     layout.variants = args.Count() == 1 && args.Int(0) != 0;
-    vela::ReturnAsArray(args, view->Elements(), layout);
+    vela::ReturnArray(args, layer, layout);
   });
 }
 

@@ -125,8 +125,7 @@ HRESULT OperateOnReals(Operation operation, Rank rank, const VARIANT& left, cons
     return a.dblVal == 0 ? DISP_E_OVERFLOW : DISP_E_DIVBYZERO;
   }
   const double number = Compute(operation, a.dblVal, b.dblVal);
-  const bool finite = std::isfinite(a.dblVal) && std::isfinite(b.dblVal);
-  if (rank == Rank::kSingle && !(finite && std::isinf(static_cast<float>(number)))) {
+  if (rank == Rank::kSingle && !(std::fabs(number) > std::numeric_limits<float>::max())) {
     result.vt = VT_R4;
     result.fltVal = static_cast<float>(number);
     return S_OK;

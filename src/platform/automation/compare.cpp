@@ -1,10 +1,9 @@
 // VarCmp: numbers compare as numbers, whatever their types, and lie before every text.
 #if !defined(_WIN32)
 
-#include <algorithm>
-
 #include "platform/automation/number.h"
 #include "platform/automation/operand.h"
+#include "platform/automation/text_order.h"
 
 namespace vela::platform {
 namespace {
@@ -16,12 +15,10 @@ HRESULT CompareReals(double left, double right) {
   return left < right ? VARCMP_LT : left == right ? VARCMP_EQ : VARCMP_GT;
 }
 
-HRESULT CompareTexts(const VARIANT& left, const VARIANT& right) {
-  const std::u16string_view a(left.vt == VT_BSTR ? left.bstrVal : nullptr,
-                              left.vt == VT_BSTR ? SysStringLen(left.bstrVal) : 0);
-  const std::u16string_view b(right.vt == VT_BSTR ? right.bstrVal : nullptr,
-                              right.vt == VT_BSTR ? SysStringLen(right.bstrVal) : 0);
-  return Order(a.compare(b));
+// VT_EMPTY is an empty text.
+std::u16string_view TextOf(const VARIANT& value) {
+  if (value.vt != VT_BSTR) return {};
+  return {value.bstrVal, SysStringLen(value.bstrVal)};
 }
 
 HRESULT CompareNumbers(const VARIANT& left, const VARIANT& right) {
@@ -40,33 +37,36 @@ HRESULT CompareNumbers(const VARIANT& left, const VARIANT& right) {
   return CompareReals(ToReal(a), ToReal(b));
 }
 
-HRESULT CompareOperands(const Operand& left, const Operand& right) {
-  const Rank a = left.rank();
-  const Rank b = right.rank();
-  if (left.value().vt == VT_ERROR && right.value().vt == VT_ERROR) return VARCMP_EQ;
-  if (a <= Rank::kOther || b <= Rank::kOther) return DISP_E_TYPEMISMATCH;
-  if (a == Rank::kNull || b == Rank::kNull) return VARCMP_NULL;
-  const bool both_texts = (a == Rank::kText || a == Rank::kEmpty) &&
-                          (b == Rank::kText || b == Rank::kEmpty) && a != Rank::kEmpty;
-  if (both_texts || (a == Rank::kEmpty && b == Rank::kText)) {
-    return CompareTexts(left.value(), right.value());
+// Types that are older than the 64-bit integers mismatch, the others are unknown.
+HRESULT Refusal(const VARIANT& value) {
+  return value.vt <= VT_UI4 ? DISP_E_TYPEMISMATCH : DISP_E_BADVARTYPE;
+}
+
+HRESULT CompareValues(const VARIANT& left, const VARIANT& right, ULONG flags) {
+  // Of the types without arithmetic, VT_INT alone is known, and on the left alone.
+  const Rank a = left.vt == VT_INT ? Rank::kLong : RankOf(left.vt);
+  const Rank b = RankOf(right.vt);
+  if (left.vt == VT_ERROR && right.vt == VT_ERROR) return VARCMP_EQ;
+  if (a <= Rank::kOther || b <= Rank::kOther) {
+    const HRESULT refusal = a <= Rank::kOther ? Refusal(left) : Refusal(right);
+    return b <= Rank::kOther && Refusal(right) == DISP_E_BADVARTYPE ? DISP_E_BADVARTYPE : refusal;
   }
-  if (a == Rank::kText) return VARCMP_GT;
-  if (b == Rank::kText) return VARCMP_LT;
-  return CompareNumbers(left.value(), right.value());
+  if (a == Rank::kNull || b == Rank::kNull) return VARCMP_NULL;
+  const bool texts = a == Rank::kText || b == Rank::kText;
+  const auto is_text = [](Rank rank) { return rank == Rank::kText || rank == Rank::kEmpty; };
+  if (texts && is_text(a) && is_text(b)) {
+    return Order(CompareTexts(TextOf(left), TextOf(right), flags));
+  }
+  if (texts) return a == Rank::kText ? VARCMP_GT : VARCMP_LT;
+  return CompareNumbers(left, right);
 }
 
 }  // namespace
 }  // namespace vela::platform
 
-HRESULT VarCmp(VARIANT* left, VARIANT* right, LCID, ULONG) {
-  using vela::platform::Operand;
+HRESULT VarCmp(VARIANT* left, VARIANT* right, LCID, ULONG flags) {
   if (left == nullptr || right == nullptr) return E_INVALIDARG;
-  Operand a;
-  Operand b;
-  HRESULT code = a.Read(left);
-  if (SUCCEEDED(code)) code = b.Read(right);
-  return FAILED(code) ? code : vela::platform::CompareOperands(a, b);
+  return vela::platform::CompareValues(*left, *right, flags);
 }
 
 #endif

@@ -2,84 +2,84 @@
 
 #if !defined(_WIN32)
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstring>
-#include <limits>
+#include <string>
 
-#include "platform/automation/number_text.h"
+#include "platform/automation/date.h"
 #include "platform/automation/value_types.h"
 
 namespace vela::platform {
 namespace {
 
-// A real number times 10^scale, rounded to an integer; nothing beyond 96 bits and for NaN.
+// A real number rounded to so many digits after the point; nothing beyond 96 bits and for NaN.
 std::optional<ExactNumber> Round(double value, int scale) {
-  const double scaled = std::nearbyint(value * std::pow(10.0, scale));
-  if (!(std::fabs(scaled) < 0x1p96)) return std::nullopt;
-  return ExactNumber{std::signbit(scaled), static_cast<Magnitude>(std::fabs(scaled)), 0};
+  if (!(std::fabs(value) < 0x1p96)) return std::nullopt;
+  char text[48];
+  const char* const end =
+      std::to_chars(text, text + sizeof text, std::fabs(value), std::chars_format::fixed, scale)
+          .ptr;
+  std::string digits(static_cast<const char*>(text), end);
+  std::erase(digits, '.');
+  return ExactOf(std::signbit(value), digits, scale);
 }
 
 HRESULT WriteInteger(const Number& number, int scale, const ValueType& type, VARIANT& value) {
-  ExactNumber exact;
-  if (const auto* real = std::get_if<double>(&number)) {
-    const auto rounded = Round(*real, scale);
-    if (!rounded) return DISP_E_OVERFLOW;
-    exact = *rounded;
-  } else {
-    exact = std::get<ExactNumber>(number);
-    const auto magnitude = AtScale(exact, scale);
-    if (!magnitude) return DISP_E_OVERFLOW;
-    exact.magnitude = *magnitude;
-  }
+  const auto* known = std::get_if<ExactNumber>(&number);
+  const auto exact = known != nullptr ? *known : Round(ToReal(number), scale);
+  const auto magnitude = exact ? AtScale(*exact, scale) : std::nullopt;
+  if (!magnitude) return DISP_E_OVERFLOW;
   const int bits = 8 * type.bytes - (type.is_signed ? 1 : 0);
   const Magnitude limit = Magnitude{1} << bits;
   const bool fits =
-      exact.negative ? exact.magnitude <= (type.is_signed ? limit : 0) : exact.magnitude < limit;
+      exact->negative ? *magnitude <= (type.is_signed ? limit : 0) : *magnitude < limit;
   if (!fits) return DISP_E_OVERFLOW;
-  const auto unsigned_value = static_cast<std::uint64_t>(exact.magnitude);
-  value.ullVal = exact.negative ? 0 - unsigned_value : unsigned_value;
+  const auto unsigned_value = static_cast<std::uint64_t>(*magnitude);
+  value.ullVal = exact->negative ? 0 - unsigned_value : unsigned_value;
   return S_OK;
 }
 
+// A real number to so many significant digits.
+std::optional<ExactNumber> ToExact(double value, int digits) {
+  if (!std::isfinite(value)) return std::nullopt;
+  char text[40];
+  const char* const end = std::to_chars(text, text + sizeof text, std::fabs(value),
+                                        std::chars_format::scientific, digits - 1)
+                              .ptr;
+  // d.ddd...e+dd
+  const char* const exponent = std::find(static_cast<const char*>(text), end, 'e') + 1;
+  int power = 0;
+  std::from_chars(exponent + (*exponent == '+' ? 1 : 0), end, power);
+  std::string all(1, text[0]);
+  all.append(static_cast<const char*>(text) + 2, exponent - 1);
+  all.erase(all.find_last_not_of('0') + 1);
+  return ExactOf(std::signbit(value), all, static_cast<std::int64_t>(all.size()) - 1 - power);
+}
+
 HRESULT WriteDecimal(const Number& number, VARIANT& value) {
-  ExactNumber exact;
-  if (const auto* real = std::get_if<double>(&number)) {
-    // As many digits as a real number is sure to hold.
-    char text[32];
-    const char* end =
-        std::to_chars(text, text + sizeof text, *real, std::chars_format::scientific, 14).ptr;
-    Number parsed;
-    if (!std::isfinite(*real) || FAILED(ParseNumber({text, end}, VT_DECIMAL, parsed))) {
-      return DISP_E_OVERFLOW;
-    }
-    exact = std::get<ExactNumber>(parsed);
-    while (exact.scale > 0 && exact.magnitude % 10 == 0) {
-      exact.magnitude /= 10;
-      --exact.scale;
-    }
-  } else {
-    exact = std::get<ExactNumber>(number);
-  }
-  Store(exact, value.decVal);
+  const auto* known = std::get_if<ExactNumber>(&number);
+  const int digits = std::holds_alternative<float>(number) ? kFloatDigits : kDoubleDigits;
+  const auto exact = known != nullptr ? *known : ToExact(ToReal(number), digits);
+  if (!exact) return DISP_E_OVERFLOW;
+  Store(*exact, value.decVal);
   return S_OK;
 }
 
 HRESULT WriteReal(double real, VARTYPE type, VARIANT& value) {
-  if (type != VT_R4) {
+  if (type == VT_R4) {
+    value.fltVal = static_cast<float>(real);
+    if (std::isinf(value.fltVal)) return DISP_E_OVERFLOW;
+  } else {
     value.dblVal = real;
-    return S_OK;
+    if (type == VT_DATE && !IsDate(real)) return DISP_E_OVERFLOW;
   }
-  if (std::isfinite(real) && std::fabs(real) > std::numeric_limits<float>::max()) {
-    return DISP_E_OVERFLOW;
-  }
-  value.fltVal = static_cast<float>(real);
   return S_OK;
 }
 
 HRESULT WriteTruth(const Number& number, VARIANT& value) {
   const auto* exact = std::get_if<ExactNumber>(&number);
-  const bool truth = exact != nullptr ? exact->magnitude != 0 : std::get<double>(number) != 0;
+  const bool truth = exact != nullptr ? exact->magnitude != 0 : ToReal(number) != 0;
   value.boolVal = truth ? VARIANT_TRUE : VARIANT_FALSE;
   return S_OK;
 }
@@ -108,7 +108,8 @@ HRESULT ReadNumber(const VARIANT& value, Number& number) {
       number = ExactOf(std::int64_t{value.cyVal.int64}, kCurrencyScale);
       return S_OK;
     case ValueKind::kReal:
-      number = value.vt == VT_R4 ? static_cast<double>(value.fltVal) : value.dblVal;
+      number = value.dblVal;
+      if (value.vt == VT_R4) number = value.fltVal;
       return S_OK;
     case ValueKind::kDecimal:
       if (value.decVal.scale > kMaxScale) return E_INVALIDARG;
@@ -141,8 +142,9 @@ HRESULT WriteNumber(const Number& number, VARTYPE type, VARIANT& value) {
 }
 
 double ToReal(const Number& number) {
-  const auto* exact = std::get_if<ExactNumber>(&number);
-  return exact != nullptr ? ToReal(*exact) : std::get<double>(number);
+  if (const auto* exact = std::get_if<ExactNumber>(&number)) return ToReal(*exact);
+  const auto* single = std::get_if<float>(&number);
+  return single != nullptr ? *single : std::get<double>(number);
 }
 
 }  // namespace vela::platform

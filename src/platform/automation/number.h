@@ -9,7 +9,11 @@
 
 namespace vela::platform {
 
-using Number = std::variant<ExactNumber, double>;
+// A float knows its number to 7 digits, a double to 15.
+using Number = std::variant<ExactNumber, float, double>;
+
+inline constexpr int kFloatDigits = 7;
+inline constexpr int kDoubleDigits = 15;
 
 // The value of a numeric VARIANT, VT_EMPTY as 0 and VT_BOOL as the number it holds.
 // DISP_E_TYPEMISMATCH for everything else, text included; E_INVALIDARG for an ill-formed

@@ -4,105 +4,115 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <optional>
+
+#include "platform/automation/text_scanner.h"
+#include "platform/automation/value_types.h"
 
 namespace vela::platform {
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr char16_t kCurrencySign = 0xA4;
 
 // A number in text, taken apart: digits without leading zeros, of which fraction lie after the
-// point, times 10^exponent.
-struct DecimalText {
+// point, times 10^exponent; or the bits that &H and &O spell.
+struct NumberText {
   bool negative = false;
   std::string digits;
   int fraction = 0;
   int exponent = 0;
+  std::optional<std::uint64_t> bits;
 };
 
 class NumberScanner {
  public:
-  explicit NumberScanner(std::string_view text) : rest_(text) {}
+  explicit NumberScanner(std::u16string_view text) : text_(text) {}
 
-  std::optional<DecimalText> Decimal() {
-    DecimalText number;
-    SkipSpace();
-    const bool leading_sign = Sign(number.negative);
-    SkipSpace();
-    if (!Mantissa(number) || !Exponent(number.exponent)) return std::nullopt;
-    SkipSpace();
-    if (!leading_sign) Sign(number.negative);
-    SkipSpace();
-    if (!rest_.empty()) return std::nullopt;
-    return number;
-  }
-
-  // &H and &O; nothing also for more than 64 bits.
-  std::optional<std::uint64_t> Radix() {
-    SkipSpace();
-    if (!Take('&')) return std::nullopt;
-    const bool hexadecimal = TakeLetter('h');
-    if (!hexadecimal && !TakeLetter('o')) return std::nullopt;
-    std::uint64_t value = 0;
-    const auto [end, error] =
-        std::from_chars(rest_.data(), rest_.data() + rest_.size(), value, hexadecimal ? 16 : 8);
-    if (error != std::errc()) return std::nullopt;
-    rest_.remove_prefix(static_cast<std::size_t>(end - rest_.data()));
-    SkipSpace();
-    if (!rest_.empty()) return std::nullopt;
-    return value;
+  // DISP_E_OVERFLOW for more than 64 bits.
+  HRESULT Read(NumberText& number) {
+    while (text_.TakeSpace() || Sign() || Currency() || Open()) {
+    }
+    HRESULT result = S_OK;
+    if (text_.Take(u'&')) {
+      result = Radix(number);
+    } else if (!Mantissa(number) || !Exponent(number.exponent)) {
+      return DISP_E_TYPEMISMATCH;
+    }
+    if (result == DISP_E_TYPEMISMATCH) return result;
+    while (text_.TakeSpace() || (!leading_sign_ && Sign()) || Currency() || Close()) {
+    }
+    if (!text_.at_end() || (opened_ && !closed_)) return DISP_E_TYPEMISMATCH;
+    number.negative = minus_ || opened_;
+    return result;
   }
 
  private:
-  void SkipSpace() {
-    while (!rest_.empty() && IsSpace(rest_.front())) rest_.remove_prefix(1);
+  bool Once(char16_t c, bool& seen) { return !seen && (seen = text_.Take(c)); }
+  bool Sign() {
+    const bool taken = Once(u'+', plus_) || Once(u'-', minus_);
+    leading_sign_ |= taken && !digits_;
+    return taken;
   }
-  bool Take(char c) {
-    if (rest_.empty() || rest_.front() != c) return false;
-    rest_.remove_prefix(1);
-    return true;
-  }
-  bool TakeLetter(char lower) { return Take(lower) || Take(static_cast<char>(lower - 'a' + 'A')); }
-  bool Sign(bool& negative) {
-    negative = Take('-');
-    return negative || Take('+');
-  }
-  bool Mantissa(DecimalText& number) {
-    bool any = false;
-    bool point = false;
-    for (; !rest_.empty(); rest_.remove_prefix(1)) {
-      const char c = rest_.front();
+  bool Currency() { return Once(kCurrencySign, currency_); }
+  bool Open() { return Once(u'(', opened_); }
+  bool Close() { return opened_ && Once(u')', closed_); }
+
+  bool Mantissa(NumberText& number) {
+    for (bool point = false;; text_.Skip()) {
+      const char16_t c = text_.next();
       if (IsDigit(c)) {
-        any = true;
-        if (!number.digits.empty() || c != '0') number.digits += c;
+        digits_ = true;
+        if (!number.digits.empty() || c != u'0') number.digits += static_cast<char>(c);
         if (point) ++number.fraction;
-      } else if (c == '.' && !point) {
+      } else if (c == u'.' && !point) {
         point = true;
-      } else if (c != ',' || !any || point) {
-        break;
+      } else if (c != u',' || !digits_) {
+        return digits_;
       }
     }
-    return any;
   }
+
   bool Exponent(int& exponent) {
-    if (!TakeLetter('e') && !TakeLetter('d')) return true;
-    bool negative = false;
-    Sign(negative);
-    if (rest_.empty() || !IsDigit(rest_.front())) return false;
+    if (!text_.TakeLetter(u'e')) return true;
+    const bool negative = text_.Take(u'-');
+    if (!negative) text_.Take(u'+');
+    if (!IsDigit(text_.next())) return false;
     constexpr int kHuge = 100000;  // far beyond any type's range
-    for (; !rest_.empty() && IsDigit(rest_.front()); rest_.remove_prefix(1)) {
-      exponent = std::min(exponent * 10 + (rest_.front() - '0'), kHuge);
+    for (; IsDigit(text_.next()); text_.Skip()) {
+      exponent = std::min(exponent * 10 + (text_.next() - u'0'), kHuge);
     }
     if (negative) exponent = -exponent;
     return true;
   }
 
-  std::string_view rest_;
+  HRESULT Radix(NumberText& number) {
+    digits_ = true;
+    const bool hexadecimal = text_.TakeLetter(u'h');
+    if (!hexadecimal && !text_.TakeLetter(u'o')) return DISP_E_TYPEMISMATCH;
+    const std::u16string_view wide =
+        text_.TakeWhile([](char16_t c) { return IsDigit(c) || IsLetter(c); });
+    const std::string digits(wide.begin(), wide.end());
+    std::uint64_t bits = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, bits, hexadecimal ? 16 : 8);
+    if (error == std::errc::invalid_argument || stop != end) return DISP_E_TYPEMISMATCH;
+    number.bits = bits;
+    return error == std::errc() ? S_OK : DISP_E_OVERFLOW;
+  }
+
+  TextScanner text_;
+  bool plus_ = false;
+  bool minus_ = false;
+  bool leading_sign_ = false;
+  bool currency_ = false;
+  bool opened_ = false;
+  bool closed_ = false;
+  bool digits_ = false;
 };
 
-HRESULT ToReal(const DecimalText& text, Number& number) {
+HRESULT ReadReal(const NumberText& text, Number& number) {
   const std::string plain = (text.digits.empty() ? "0" : text.digits) + "e" +
                             std::to_string(text.exponent - text.fraction);
   double value = 0;
@@ -118,7 +128,7 @@ HRESULT ToReal(const DecimalText& text, Number& number) {
   return S_OK;
 }
 
-HRESULT ToExact(const DecimalText& text, Number& number) {
+HRESULT ReadExact(const NumberText& text, Number& number) {
   const auto exact =
       ExactOf(text.negative, text.digits, std::int64_t{text.fraction} - text.exponent);
   if (!exact) return DISP_E_OVERFLOW;
@@ -126,28 +136,44 @@ HRESULT ToExact(const DecimalText& text, Number& number) {
   return S_OK;
 }
 
-}  // namespace
-
-HRESULT ParseNumber(std::string_view text, VARTYPE type, Number& number) {
-  if (const auto bits = NumberScanner(text).Radix()) {
-    // As in a program text, where 32 bits spell a signed number.
-    const bool narrow = *bits <= std::numeric_limits<std::uint32_t>::max();
-    number = ExactOf(narrow ? std::int64_t{static_cast<std::int32_t>(*bits)}
-                            : static_cast<std::int64_t>(*bits));
+HRESULT ReadBits(std::uint64_t bits, const ValueType& type, Number& number) {
+  if (type.kind == ValueKind::kDecimal) {
+    number = ExactOf(bits);
     return S_OK;
   }
-  const auto parts = NumberScanner(text).Decimal();
-  if (!parts) return DISP_E_TYPEMISMATCH;
-  const bool real = type == VT_R4 || type == VT_R8 || type == VT_DATE || type == VT_BOOL;
-  return real ? ToReal(*parts, number) : ToExact(*parts, number);
+  const bool integer = type.kind == ValueKind::kInteger && type.type != VT_BOOL;
+  const bool narrow = bits <= std::numeric_limits<std::uint32_t>::max();
+  const int unused = 64 - 8 * (integer ? type.bytes : narrow ? 4 : 8);
+  if (unused > 0 && bits >> (64 - unused) != 0) return DISP_E_OVERFLOW;
+  const auto widened = static_cast<std::int64_t>(bits << unused) >> unused;
+  number = type.is_signed ? ExactOf(widened) : ExactOf(bits);
+  return S_OK;
 }
 
-std::string FormatReal(double value, int digits) {
+}  // namespace
+
+HRESULT ParseNumber(std::u16string_view text, VARTYPE type, Number& number) {
+  const ValueType* known = FindValueType(type);
+  NumberText parts;
+  const HRESULT result = known == nullptr ? DISP_E_TYPEMISMATCH : NumberScanner(text).Read(parts);
+  if (FAILED(result)) return result;
+  if (parts.bits) return ReadBits(*parts.bits, *known, number);
+  const bool real = known->kind == ValueKind::kReal || type == VT_BOOL;
+  return real ? ReadReal(parts, number) : ReadExact(parts, number);
+}
+
+std::string FormatNumber(const Number& number) {
+  if (const auto* exact = std::get_if<ExactNumber>(&number)) return Format(*exact);
+  const double value = ToReal(number);
+  if (value == 0) return "0";
+  if (std::isnan(value)) return "NAN";
+  const int digits = std::holds_alternative<float>(number) ? kFloatDigits : kDoubleDigits;
   char text[40];
-  const char* end =
+  const char* const end =
       std::to_chars(text, text + sizeof text, value, std::chars_format::general, digits).ptr;
   std::string formatted(static_cast<const char*>(text), end);
-  std::replace(formatted.begin(), formatted.end(), 'e', 'E');
+  std::transform(formatted.begin(), formatted.end(), formatted.begin(),
+                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
   return formatted;
 }
 

@@ -11,8 +11,8 @@ HRESULT Operand::Read(VARIANT* source) {
   return ReadDefaultProperty(*source, *property_);
 }
 
-Rank Operand::rank() const {
-  switch (value_->vt) {
+Rank RankOf(VARTYPE type) {
+  switch (type) {
     case VT_EMPTY:
       return Rank::kEmpty;
     case VT_UI1:

@@ -25,14 +25,15 @@ enum class Rank {
   kNull,
 };
 
-// A value as an operand: the default property stands in for an object.
+Rank RankOf(VARTYPE type);
+
+// A value as an operand of arithmetic: the default property stands in for an object.
 class Operand {
  public:
   // DISP_E_TYPEMISMATCH for an object without a default property.
   HRESULT Read(VARIANT* source);
   const VARIANT& value() const { return *value_; }
-  // Of kText and above kNone only where the operation takes the type.
-  Rank rank() const;
+  Rank rank() const { return RankOf(value_->vt); }
 
  private:
   VARIANT* value_ = nullptr;

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "platform/automation.h"
+#include "platform/automation/value_types.h"
 
 namespace {
 
@@ -28,40 +29,8 @@ Prefix& PrefixOf(SAFEARRAY* array) { return reinterpret_cast<Prefix*>(array)[-1]
 
 // 0 for a type that no array can hold.
 ULONG ElementSize(VARTYPE type) {
-  switch (type) {
-    case VT_I1:
-    case VT_UI1:
-      return 1;
-    case VT_I2:
-    case VT_UI2:
-    case VT_BOOL:
-      return 2;
-    case VT_I4:
-    case VT_UI4:
-    case VT_INT:
-    case VT_UINT:
-    case VT_R4:
-    case VT_ERROR:
-      return 4;
-    case VT_I8:
-    case VT_UI8:
-    case VT_R8:
-    case VT_CY:
-    case VT_DATE:
-      return 8;
-    case VT_BSTR:
-    case VT_DISPATCH:
-    case VT_UNKNOWN:
-    case VT_INT_PTR:
-    case VT_UINT_PTR:
-      return sizeof(void*);
-    case VT_DECIMAL:
-      return sizeof(DECIMAL);
-    case VT_VARIANT:
-      return sizeof(VARIANT);
-    default:
-      return 0;
-  }
+  const auto* known = vela::platform::FindValueType(type);
+  return known == nullptr ? 0 : known->bytes;
 }
 
 void SetElementType(SAFEARRAY* array, VARTYPE type) {
@@ -201,7 +170,8 @@ HRESULT ReplaceElement(const SAFEARRAY* array, const void* source, void* element
 }  // namespace
 
 HRESULT SafeArrayAllocDescriptor(UINT dimensions, SAFEARRAY** out) {
-  if (out == nullptr || dimensions < 1 || dimensions > 0xFFFF) return E_INVALIDARG;
+  if (out == nullptr) return E_POINTER;
+  if (dimensions < 1 || dimensions > 0xFFFF) return E_INVALIDARG;
   *out = AllocateDescriptor(dimensions, 0);
   return *out == nullptr ? E_OUTOFMEMORY : S_OK;
 }

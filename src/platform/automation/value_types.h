@@ -3,7 +3,6 @@
 
 #if !defined(_WIN32)
 
-#include <cstddef>
 #include <cstdint>
 
 #include "platform/automation.h"
@@ -24,16 +23,14 @@ enum class ValueKind : std::uint8_t {
 struct ValueType {
   VARTYPE type;
   ValueKind kind;
-  // Of a value, and of an element of an array; 0 for a type without values.
+  // Of a value, and of an element of an array; 0 for a type that no array holds.
   std::uint8_t bytes;
   bool is_signed = false;
-  // Whether an array may hold it.
-  bool is_element = true;
 };
 
 inline constexpr ValueType kValueTypes[] = {
-    {VT_EMPTY, ValueKind::kNothing, 0, false, false},
-    {VT_NULL, ValueKind::kNothing, 0, false, false},
+    {VT_EMPTY, ValueKind::kNothing, 0},
+    {VT_NULL, ValueKind::kNothing, 0},
     {VT_I1, ValueKind::kInteger, 1, true},
     {VT_UI1, ValueKind::kInteger, 1},
     {VT_I2, ValueKind::kInteger, 2, true},
@@ -66,6 +63,14 @@ constexpr const ValueType* FindValueType(VARTYPE type) {
     if (known.type == type) return &known;
   }
   return nullptr;
+}
+
+// Whether a VARIANT may be of the type.
+constexpr bool IsVariantType(VARTYPE type) {
+  const VARTYPE base = type & VT_TYPEMASK;
+  if (type & (VT_VECTOR | VT_RESERVED)) return false;
+  if ((type & (VT_ARRAY | VT_BYREF)) && base <= VT_NULL) return false;
+  return base != 15 && (base < VT_VOID || base == VT_RECORD);
 }
 
 }  // namespace vela::platform

@@ -6,6 +6,10 @@
 #include <string>
 
 #include "platform/automation.h"
+#include "platform/automation/value_types.h"
+
+using vela::platform::FindValueType;
+using vela::platform::IsVariantType;
 
 namespace {
 
@@ -30,13 +34,6 @@ BSTR Allocate(const void* bytes, std::uint64_t size) {
   return reinterpret_cast<BSTR>(text);
 }
 
-bool IsValidType(VARTYPE type) {
-  const VARTYPE base = type & VT_TYPEMASK;
-  if (type & (VT_VECTOR | VT_RESERVED)) return false;
-  if ((type & (VT_ARRAY | VT_BYREF)) && base <= VT_NULL) return false;
-  return base != 15 && (base < VT_VOID || base == VT_RECORD || base == VT_CLSID);
-}
-
 // Gives the bytes that value shares with its source an owner of their own.
 HRESULT OwnContent(VARIANT* value) {
   if (value->vt & VT_BYREF) return S_OK;
@@ -57,11 +54,6 @@ HRESULT OwnContent(VARIANT* value) {
   }
 }
 
-template <typename T>
-void Load(VARIANT& target, const void* address) {
-  std::memcpy(&target.llVal, address, sizeof(T));
-}
-
 // What a VT_BYREF value points at, still owned by where it lies.
 HRESULT Dereference(const VARIANT& source, VARIANT& target) {
   const VARTYPE type = source.vt & static_cast<VARTYPE>(~VT_BYREF);
@@ -77,39 +69,12 @@ HRESULT Dereference(const VARIANT& source, VARIANT& target) {
     target.parray = *source.pparray;
     return S_OK;
   }
-  switch (type) {
-    case VT_I1:
-    case VT_UI1:
-      Load<BYTE>(target, source.byref);
-      return S_OK;
-    case VT_I2:
-    case VT_UI2:
-    case VT_BOOL:
-      Load<SHORT>(target, source.byref);
-      return S_OK;
-    case VT_I4:
-    case VT_UI4:
-    case VT_INT:
-    case VT_UINT:
-    case VT_R4:
-    case VT_ERROR:
-      Load<LONG>(target, source.byref);
-      return S_OK;
-    case VT_I8:
-    case VT_UI8:
-    case VT_R8:
-    case VT_CY:
-    case VT_DATE:
-      Load<LONGLONG>(target, source.byref);
-      return S_OK;
-    case VT_BSTR:
-    case VT_DISPATCH:
-    case VT_UNKNOWN:
-      Load<void*>(target, source.byref);
-      return S_OK;
-    default:
-      return E_INVALIDARG;
+  const auto* known = FindValueType(type);
+  if (known == nullptr || known->bytes == 0 || known->bytes > sizeof target.llVal) {
+    return E_INVALIDARG;
   }
+  std::memcpy(&target.llVal, source.byref, known->bytes);
+  return S_OK;
 }
 
 }  // namespace
@@ -137,7 +102,7 @@ void VariantInit(VARIANT* value) { *value = {}; }
 
 HRESULT VariantClear(VARIANT* value) {
   if (value == nullptr) return E_INVALIDARG;
-  if (!IsValidType(value->vt)) return DISP_E_BADVARTYPE;
+  if (!IsVariantType(value->vt)) return DISP_E_BADVARTYPE;
   if (!(value->vt & VT_BYREF)) {
     if (value->vt & VT_ARRAY) {
       const HRESULT result = SafeArrayDestroy(value->parray);
@@ -154,7 +119,7 @@ HRESULT VariantClear(VARIANT* value) {
 
 HRESULT VariantCopy(VARIANT* destination, const VARIANT* source) {
   if (destination == nullptr || source == nullptr) return E_INVALIDARG;
-  if (!IsValidType(source->vt)) return DISP_E_BADVARTYPE;
+  if (!IsVariantType(source->vt)) return DISP_E_BADVARTYPE;
   if (destination == source) return S_OK;
   HRESULT result = VariantClear(destination);
   if (FAILED(result)) return result;
@@ -166,13 +131,13 @@ HRESULT VariantCopy(VARIANT* destination, const VARIANT* source) {
 
 HRESULT VariantCopyInd(VARIANT* destination, const VARIANT* source) {
   if (destination == nullptr || source == nullptr) return E_INVALIDARG;
-  if (!IsValidType(source->vt)) return DISP_E_BADVARTYPE;
+  if (!IsVariantType(source->vt)) return DISP_E_BADVARTYPE;
   const VARIANT* target = source;
   if (target->vt == (VT_BYREF | VT_VARIANT)) {
     target = target->pvarVal;
     // A reference to a reference to a value is one level too many.
     if (target == nullptr || target->vt == (VT_BYREF | VT_VARIANT)) return E_INVALIDARG;
-    if (!IsValidType(target->vt)) return DISP_E_BADVARTYPE;
+    if (!IsVariantType(target->vt)) return DISP_E_BADVARTYPE;
   }
   // The copy is made before destination is cleared, which may own what source refers to.
   VARIANT shared = *target;

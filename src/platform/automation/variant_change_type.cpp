@@ -1,21 +1,20 @@
 #if !defined(_WIN32)
 
 #include <algorithm>
+#include <optional>
 #include <string>
 
 #include "platform/automation/convert.h"
+#include "platform/automation/date.h"
 #include "platform/automation/number_text.h"
+#include "platform/automation/text_scanner.h"
 #include "platform/automation/value_types.h"
 
 namespace vela::platform {
 namespace {
 
-// ASCII for the number scanner; other units become a character that no number contains.
-std::string Narrow(BSTR text) {
-  std::string narrow(SysStringLen(text), '\0');
-  std::transform(text, text + narrow.size(), narrow.begin(),
-                 [](OLECHAR unit) { return unit < 0x80 ? static_cast<char>(unit) : '\x7F'; });
-  return narrow;
+std::u16string_view TextOf(const VARIANT& value) {
+  return {value.bstrVal, SysStringLen(value.bstrVal)};
 }
 
 BSTR Widen(const std::string& text) {
@@ -23,46 +22,61 @@ BSTR Widen(const std::string& text) {
   return SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
 }
 
-bool EqualsIgnoringCase(const std::string& text, const char* lower) {
-  const auto equal = [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + 32 : a) == b; };
-  return std::equal(text.begin(), text.end(), lower, lower + std::strlen(lower), equal);
+bool IsWord(std::u16string_view text, std::u16string_view lower) {
+  const auto equal = [](char16_t a, char16_t b) { return IsLetter(a) && (a | 0x20) == b; };
+  return std::equal(text.begin(), text.end(), lower.begin(), lower.end(), equal);
 }
 
-HRESULT TextToTruth(const std::string& text, VARIANT& value) {
-  const bool yes = EqualsIgnoringCase(text, "true") || EqualsIgnoringCase(text, "#true#");
-  const bool no = EqualsIgnoringCase(text, "false") || EqualsIgnoringCase(text, "#false#");
-  if (yes || no) {
-    value.vt = VT_BOOL;
-    value.boolVal = yes ? VARIANT_TRUE : VARIANT_FALSE;
-    return S_OK;
+// The words that a truth value is written as, and in files; nothing for any other text.
+std::optional<bool> TruthOf(std::u16string_view text) {
+  if (IsWord(text, u"true") || text == u"#TRUE#") return true;
+  if (IsWord(text, u"false") || text == u"#FALSE#") return false;
+  return std::nullopt;
+}
+
+HRESULT FromText(std::u16string_view text, VARTYPE type, VARIANT& value) {
+  const auto truth = type == VT_BOOL ? TruthOf(text) : std::nullopt;
+  Number number;
+  HRESULT result = S_OK;
+  if (truth) {
+    number = ExactOf(std::int64_t{*truth});
+  } else if (type == VT_DATE) {
+    double days = 0;
+    result = ParseDate(text, days);
+    number = days;
+  } else {
+    result = ParseNumber(text, type, number);
   }
-  Number number;
-  const HRESULT result = ParseNumber(text, VT_R8, number);
-  return FAILED(result) ? result : WriteNumber(number, VT_BOOL, value);
-}
-
-HRESULT TextToNumber(BSTR text, VARTYPE type, VARIANT& value) {
-  if (type == VT_DATE) return DISP_E_TYPEMISMATCH;
-  const std::string narrow = Narrow(text);
-  if (type == VT_BOOL) return TextToTruth(narrow, value);
-  Number number;
-  const HRESULT result = ParseNumber(narrow, type, number);
   return FAILED(result) ? result : WriteNumber(number, type, value);
 }
 
+// The bytes of an array of VT_UI1 as they are.
+HRESULT BytesToText(SAFEARRAY* array, VARIANT& value) {
+  void* data = nullptr;
+  ULONG size = 0;
+  const HRESULT result = array == nullptr ? E_INVALIDARG : SafeArrayAccessData(array, &data);
+  if (FAILED(result)) return result;
+  if (SafeArrayGetDim(array) == 1) size = array->rgsabound[0].cElements;
+  value.bstrVal = SysAllocStringByteLen(static_cast<const char*>(data), size);
+  SafeArrayUnaccessData(array);
+  if (value.bstrVal == nullptr) return E_OUTOFMEMORY;
+  value.vt = VT_BSTR;
+  return S_OK;
+}
+
 HRESULT ToText(const VARIANT& source, USHORT flags, VARIANT& value) {
-  if (source.vt == VT_DATE) return DISP_E_TYPEMISMATCH;
   std::string text;
+  HRESULT result = S_OK;
   if (source.vt == VT_BOOL && (flags & VARIANT_ALPHABOOL)) {
     text = source.boolVal == VARIANT_FALSE ? "False" : "True";
+  } else if (source.vt == VT_DATE) {
+    result = FormatDate(source.date, text);
   } else if (source.vt != VT_EMPTY) {
     Number number;
-    const HRESULT result = ReadNumber(source, number);
-    if (FAILED(result)) return result;
-    const auto* exact = std::get_if<ExactNumber>(&number);
-    text = exact != nullptr ? Format(*exact)
-                            : FormatReal(std::get<double>(number), source.vt == VT_R4 ? 7 : 15);
+    result = ReadNumber(source, number);
+    if (SUCCEEDED(result)) text = FormatNumber(number);
   }
+  if (FAILED(result)) return result;
   value.bstrVal = Widen(text);
   if (value.bstrVal == nullptr) return E_OUTOFMEMORY;
   value.vt = VT_BSTR;
@@ -88,6 +102,7 @@ int IntegerWidth(VARTYPE type) {
                                                                                    : 0;
 }
 
+// Between integers of one width the bits stay, and those of a truth value fill any integer.
 bool KeepsBits(const VARIANT& source, VARTYPE type) {
   const int width = IntegerWidth(type);
   return width != 0 && (source.vt == VT_BOOL || IntegerWidth(source.vt) == width);
@@ -106,23 +121,30 @@ HRESULT ReadDefaultProperty(const VARIANT& source, VARIANT& value) {
 
 HRESULT Convert(const VARIANT& source, USHORT flags, VARTYPE type, VARIANT& value) {
   if (source.vt == type) return VariantCopy(&value, &source);
-  if ((source.vt | type) & VT_ARRAY) return DISP_E_TYPEMISMATCH;
+  if (source.vt == (VT_ARRAY | VT_UI1) && type == VT_BSTR) {
+    return BytesToText(source.parray, value);
+  }
+  if ((source.vt | type) & VT_ARRAY || type == VT_ERROR || source.vt == VT_ERROR ||
+      source.vt == VT_RECORD) {
+    return DISP_E_TYPEMISMATCH;
+  }
+  if (type == VT_NULL || (type == VT_EMPTY && source.vt != VT_NULL)) {
+    value.vt = type;
+    return S_OK;
+  }
   if (type == VT_DISPATCH || type == VT_UNKNOWN) return ToInterface(source, type, value);
   if (source.vt == VT_DISPATCH && !(flags & VARIANT_NOVALUEPROP)) {
-    VARIANT property = {};
-    HRESULT result = ReadDefaultProperty(source, property);
-    if (SUCCEEDED(result)) result = Convert(property, flags | VARIANT_NOVALUEPROP, type, value);
-    VariantClear(&property);
-    return result;
+    OwnedValue property;
+    const HRESULT result = ReadDefaultProperty(source, *property);
+    return FAILED(result) ? result : Convert(*property, flags | VARIANT_NOVALUEPROP, type, value);
   }
   if (type == VT_BSTR) return ToText(source, flags, value);
-  if (source.vt == VT_BSTR) return TextToNumber(source.bstrVal, type, value);
+  if (source.vt == VT_BSTR) return FromText(TextOf(source), type, value);
   Number number;
   const HRESULT result = ReadNumber(source, number);
   if (FAILED(result)) return result;
   if (KeepsBits(source, type)) {
-    // Integers of one width are interchangeable, and a true value has every bit set.
-    value.llVal = source.vt == VT_BOOL ? (source.boolVal == VARIANT_FALSE ? 0 : -1) : source.llVal;
+    value.llVal = source.vt == VT_BOOL ? source.boolVal : source.llVal;
     value.vt = type;
     return S_OK;
   }
@@ -131,25 +153,16 @@ HRESULT Convert(const VARIANT& source, USHORT flags, VARTYPE type, VARIANT& valu
 
 }  // namespace vela::platform
 
-namespace {
-
-bool IsConvertibleType(VARTYPE type) {
-  const VARTYPE base = type & VT_TYPEMASK;
-  if (type & (VT_VECTOR | VT_RESERVED)) return false;
-  return base < VT_VOID && base != 15 && !((type & (VT_ARRAY | VT_BYREF)) && base <= VT_NULL);
-}
-
-}  // namespace
-
 HRESULT VariantChangeTypeEx(VARIANT* destination, const VARIANT* source, LCID, USHORT flags,
                             VARTYPE type) {
+  using namespace vela::platform;
   if (destination == nullptr || source == nullptr) return E_INVALIDARG;
-  if (!IsConvertibleType(source->vt) || !IsConvertibleType(type)) return DISP_E_BADVARTYPE;
+  if (!IsVariantType(source->vt) || !IsVariantType(type)) return DISP_E_BADVARTYPE;
   if (type & VT_BYREF) return DISP_E_TYPEMISMATCH;
-  vela::platform::OwnedValue value;
-  vela::platform::OwnedValue converted;
+  OwnedValue value;
+  OwnedValue converted;
   HRESULT result = VariantCopyInd(&*value, source);
-  if (SUCCEEDED(result)) result = vela::platform::Convert(*value, flags, type, *converted);
+  if (SUCCEEDED(result)) result = Convert(*value, flags, type, *converted);
   return FAILED(result) ? result : converted.MoveTo(*destination);
 }
 

@@ -1,5 +1,5 @@
 // The row as an automation array. Complex and point elements have no automation type: status 12291.
-#include "vector/automation_array.h"
+#include "frame/container/container_arguments.h"
 #include "vector/vector_base.h"
 
 using vela::ArrayLayout;
@@ -21,8 +21,9 @@ ArrayLayout OneDimension(Arguments& args, bool variants) {
 
 // GetAs1DArray(int lowerBound = 0): an array of the elements' automation type.
 int TCAllVectorNonTemplBase::GetAs1DArray(CTCall* call) {
-  return Run(call, Between(0, 1),
-             [&](Arguments& args) { ReturnArray(Row(args), args, OneDimension(args, false)); });
+  return Run(call, Between(0, 1), [&](Arguments& args) {
+    vela::ReturnArray(args, {this, Row(args)}, OneDimension(args, false));
+  });
 }
 
 int TCAllVectorNonTemplBase::GetDataAsOneDimensionalArray(CTCall* call) {
@@ -32,8 +33,9 @@ int TCAllVectorNonTemplBase::GetDataAsOneDimensionalArray(CTCall* call) {
 // GetDataAsOneDimensionalArrayOfVariants(int lowerBound = 0): the same with each element in a
 // variant of its own.
 int TCAllVectorNonTemplBase::GetDataAsOneDimensionalArrayOfVariants(CTCall* call) {
-  return Run(call, Between(0, 1),
-             [&](Arguments& args) { ReturnArray(Row(args), args, OneDimension(args, true)); });
+  return Run(call, Between(0, 1), [&](Arguments& args) {
+    vela::ReturnArray(args, {this, Row(args)}, OneDimension(args, true));
+  });
 }
 
 // GetAs2DArray(int columns, BOOL variants): an array of two dimensions that the elements fill row
@@ -44,6 +46,6 @@ int TCAllVectorNonTemplBase::GetAs2DArray(CTCall* call) {
     layout.two_dimensional = true;
     layout.columns = args.Int(0);
     layout.variants = args.Int(1) != 0;
-    ReturnArray(Row(args), args, layout);
+    vela::ReturnArray(args, {this, Row(args)}, layout);
   });
 }

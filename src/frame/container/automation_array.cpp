@@ -1,51 +1,31 @@
-#include "vector/automation_array.h"
+#include "frame/container/automation_array.h"
 
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <memory>
 
+#include "frame/container/locked_array.h"
 #include "frame/interface/host_services.h"
-#include "platform/automation.h"
-#include "vector/automation_values.h"
-#include "vector/locked_array.h"
 
 namespace vela {
 namespace {
-
-struct DestroyArray {
-  void operator()(SAFEARRAY* array) const { SafeArrayDestroy(array); }
-};
-using OwnedArray = std::unique_ptr<SAFEARRAY, DestroyArray>;
 
 struct Shape {
   std::size_t rows;
   std::size_t columns;
 };
 
-VARIANT& ResultVariant(member::Arguments& args) {
-  CScriptVelaObject* object = args.Call().GetReturnObject(0);
-  VARIANT* variant = object == nullptr ? nullptr : object->GetVariantAddress(nullptr);
-  if (variant == nullptr) member::Fail(status::kFailed);
-  return *variant;
-}
-
-// The sizes are checked here because not every system's array functions do.
-OwnedArray CreateArray(VARTYPE type, std::size_t element_size, const Shape& shape,
-                       const ArrayLayout& layout) {
-  constexpr std::size_t kMostBytes = std::numeric_limits<std::uint32_t>::max();
-  const std::int64_t upper = layout.lower_bound + static_cast<std::int64_t>(shape.rows) - 1;
-  if (shape.columns > kMostBytes / element_size / shape.rows ||
-      upper > std::numeric_limits<std::int32_t>::max()) {
-    member::Fail(status::kArrayFailed);
-  }
+CComVariant CreateArray(VARTYPE type, std::size_t element_size, const Shape& shape,
+                        const ArrayLayout& layout) {
   SAFEARRAYBOUND bounds[2] = {};
   bounds[0].cElements = static_cast<ULONG>(shape.rows);
   bounds[0].lLbound = layout.two_dimensional ? 0 : layout.lower_bound;
   bounds[1].cElements = static_cast<ULONG>(shape.columns);
-  OwnedArray array(SafeArrayCreate(type, layout.two_dimensional ? 2 : 1, bounds));
-  if (array == nullptr) member::Fail(status::kArrayFailed);
-  if (SafeArrayGetElemsize(array.get()) != element_size) member::Fail(status::kFailed);
+  CComVariant array;
+  array.parray = vela::CreateArray(type, std::span(bounds, layout.two_dimensional ? 2 : 1));
+  if (array.parray == nullptr) member::Fail(status::kArrayFailed);
+  array.vt = static_cast<VARTYPE>(VT_ARRAY | type);
+  if (SafeArrayGetElemsize(array.parray) != element_size) member::Fail(status::kFailed);
   return array;
 }
 
@@ -104,33 +84,42 @@ void FillVariants(void* cells, const ConstElementSpan& elements, VARTYPE type, s
 
 // An array of count elements, each of so many bytes, that fill(cells, shape) fills.
 template <class Fill>
-void ReturnFilled(member::Arguments& args, VARTYPE type, std::size_t width, std::size_t count,
-                  const ArrayLayout& layout, Fill&& fill) {
+CComVariant MakeFilled(VARTYPE type, std::size_t width, std::size_t count,
+                       const ArrayLayout& layout, Fill&& fill) {
   if (layout.columns < 1) member::Fail(status::kBadValue);
-  VARIANT& result = ResultVariant(args);
-  if (count == 0) {
-    if (FAILED(VariantClear(&result))) member::Fail(status::kFailed);
-    return;
-  }
   const auto columns = static_cast<std::size_t>(layout.columns);
-  const Shape shape{(count + columns - 1) / columns, columns};
-  const VARTYPE array_type = layout.variants ? VARTYPE{VT_VARIANT} : type;
-  OwnedArray array =
-      CreateArray(array_type, layout.variants ? sizeof(VARIANT) : width, shape, layout);
-  fill(LockedArray(array.get()).Get(), shape);
-  if (FAILED(VariantClear(&result))) member::Fail(status::kFailed);
-  result.vt = static_cast<VARTYPE>(VT_ARRAY | array_type);
-  result.parray = array.release();
+  const Shape shape{count / columns + (count % columns != 0), columns};
+  CComVariant array = layout.variants ? CreateArray(VT_VARIANT, sizeof(VARIANT), shape, layout)
+                                      : CreateArray(type, width, shape, layout);
+  fill(LockedArray(array.parray).Get(), shape);
+  return array;
 }
 
 }  // namespace
 
-void ReturnAsArray(member::Arguments& args, const ConstElementSpan& elements,
-                   const ArrayLayout& layout) {
+// The sizes are checked here because not every system's array functions do.
+SAFEARRAY* CreateArray(VARTYPE type, std::span<const SAFEARRAYBOUND> bounds) {
+  using Limits = std::numeric_limits<std::int32_t>;
+  constexpr std::uint64_t kMostBytes = std::numeric_limits<std::uint32_t>::max();
+  SAFEARRAY* const none = SafeArrayCreateVector(type, 0, 0);
+  if (none == nullptr) return nullptr;
+  std::uint64_t bytes = SafeArrayGetElemsize(none);
+  SafeArrayDestroy(none);
+  for (const SAFEARRAYBOUND& bound : bounds) {
+    const std::int64_t upper = std::int64_t{bound.lLbound} + bound.cElements - 1;
+    if (upper < Limits::min() || upper > Limits::max()) return nullptr;
+    if (bound.cElements != 0 && bytes > kMostBytes / bound.cElements) return nullptr;
+    bytes *= bound.cElements;
+  }
+  return SafeArrayCreate(type, static_cast<UINT>(bounds.size()),
+                         const_cast<SAFEARRAYBOUND*>(bounds.data()));
+}
+
+CComVariant MakeArray(const ConstElementSpan& elements, const ArrayLayout& layout) {
   const VARTYPE type = GetVariantTypeFromSimpleType(elements.type_id);
   if (type == VT_EMPTY) member::Fail(status::kUnsupported);
   const std::size_t width = PLTTypeToSizeOf(elements.type_id);
-  ReturnFilled(args, type, width, elements.size, layout, [&](void* cells, const Shape& shape) {
+  return MakeFilled(type, width, elements.size, layout, [&](void* cells, const Shape& shape) {
     if (layout.variants) {
       FillVariants(cells, elements, type, width, shape);
     } else {
@@ -139,10 +128,9 @@ void ReturnAsArray(member::Arguments& args, const ConstElementSpan& elements,
   });
 }
 
-void ReturnValuesAsArray(member::Arguments& args, VARTYPE type, std::size_t count,
-                         const ArrayLayout& layout,
-                         const std::function<VARIANT(std::size_t)>& make) {
-  ReturnFilled(args, type, sizeof(void*), count, layout, [&](void* cells, const Shape& shape) {
+CComVariant MakeArray(VARTYPE type, std::size_t count, const ArrayLayout& layout,
+                      const std::function<VARIANT(std::size_t)>& make) {
+  return MakeFilled(type, sizeof(void*), count, layout, [&](void* cells, const Shape& shape) {
     ForEachCell(count, shape, [&](std::size_t cell, std::size_t i) {
       const VARIANT value = make(i);
       if (layout.variants) {
@@ -152,6 +140,13 @@ void ReturnValuesAsArray(member::Arguments& args, VARTYPE type, std::size_t coun
       }
     });
   });
+}
+
+void ReturnVariant(member::Arguments& args, CComVariant&& value) {
+  CScriptVelaObject* object = args.Call().GetReturnObject(0);
+  VARIANT* result = object == nullptr ? nullptr : object->GetVariantAddress(nullptr);
+  if (result == nullptr || FAILED(VariantClear(result))) member::Fail(status::kFailed);
+  *result = value.Detach();
 }
 
 }  // namespace vela

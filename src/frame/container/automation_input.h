@@ -1,6 +1,7 @@
 // The numbers of an automation array.
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include "frame/container/layer.h"
@@ -19,5 +20,14 @@ struct ArrayNumbers {
 // Nothing for a variant without an array, and for one of more than two dimensions. Throws
 // std::bad_alloc.
 std::optional<ArrayNumbers> ReadArray(const VARIANT& value);
+
+// The array of a variant that holds or refers to one, else null.
+SAFEARRAY* ArrayIn(const VARIANT& value);
+// The shape of an array of one dimension, which is one row, or of two.
+std::optional<LayerShape> ShapeOfArray(SAFEARRAY* array);
+// Calls store(i, cell) for every element, row by row, with a variant that shows it and is not to be
+// cleared.
+void ForEachValue(const VARIANT& array,
+                  const std::function<void(std::size_t, const VARIANT&)>& store);
 
 }  // namespace vela
