@@ -25,7 +25,8 @@ int Work(std::vector<std::string> words) {
   if (line.exit_code) return *line.exit_code;
   if (line.members) return ShowMembers(*line.members);
   Output output;
-  ScriptRunner runner(output, {line.check_only, line.debug_mode, std::move(line.arguments)});
+  ScriptRunner runner(output, {line.check_only, line.warnings_are_errors, line.debug_mode,
+                               std::move(line.arguments)});
   if (!line.code && !line.script) return runner.RunPrompt(*MakeLineEditor());
   if (line.code) return runner.RunText("-e", std::move(*line.code));
   if (*line.script != "-") return runner.RunFile(*line.script);

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "tesselc/compile/compiler.h"
+#include "tesselc/compile/flow_check.h"
 
 namespace tesselc {
 
@@ -185,7 +186,11 @@ void Compiler::CompileBody(Signature& signature) {
   context_.layout = &signature.layout;
   context_.function = &signature;
   DeclareParameters(signature);
-  signature.compiled.body = CompileGuarded(*signature.declaration->body);
+  const Function& function = *signature.declaration;
+  signature.compiled.body = CompileGuarded(*function.body);
+  if (!signature.result.IsVoid() && !signature.compiled.is_main && CanReachEnd(*function.body)) {
+    Warn(function.name.range, "'" + function.name.text + "' can end without returning a value");
+  }
   signature.compiled.frame_size = signature.layout.size();
 }
 

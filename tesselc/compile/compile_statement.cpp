@@ -52,7 +52,20 @@ NodePtr Compiler::CompileLoopBody(const Statement& statement) {
   return body;
 }
 
+namespace {
+
+// Not if ((x = f())), where the second pair of parentheses says that it is meant.
+bool IsBareAssignment(const Expression& expression) {
+  const auto* assign = std::get_if<Assign>(&expression.node);
+  return assign && !assign->op && assign->target->range.offset == expression.range.offset;
+}
+
+}  // namespace
+
 NodePtr Compiler::CompileCondition(const Expression& expression) {
+  if (IsBareAssignment(expression)) {
+    Warn(std::get<Assign>(expression.node).op_range, "this assigns; to compare, write ==");
+  }
   return ToTruth(CompileValue(expression), expression.range);
 }
 
@@ -76,9 +89,35 @@ NodePtr Compiler::Visit(const Declaration& declaration, const SourceRange&) {
   return MakeBlock(std::move(parts));
 }
 
+namespace {
+
+// By its form; calls may have any effect.
+bool HasNoEffect(const Expression& expression) {
+  if (const auto* unary = std::get_if<Unary>(&expression.node)) {
+    const bool steps =
+        unary->op == UnaryOperator::kPreIncrement || unary->op == UnaryOperator::kPreDecrement ||
+        unary->op == UnaryOperator::kPostIncrement || unary->op == UnaryOperator::kPostDecrement;
+    return !steps && HasNoEffect(*unary->operand);
+  }
+  if (const auto* binary = std::get_if<Binary>(&expression.node)) {
+    const auto& links = binary->rest;
+    return HasNoEffect(*binary->first) &&
+           std::ranges::all_of(links, [](const auto& link) { return HasNoEffect(*link.operand); });
+  }
+  return std::holds_alternative<Name>(expression.node) ||
+         std::holds_alternative<IntLiteral>(expression.node) ||
+         std::holds_alternative<FloatLiteral>(expression.node) ||
+         std::holds_alternative<StringLiteral>(expression.node);
+}
+
+}  // namespace
+
 NodePtr Compiler::Visit(const ExpressionStatement& statement, const SourceRange& range) {
   Value value = CompileValue(*statement.expression);
   if (!value.node) Fail(range, "NULL is no statement");
+  if (statement.terminated && HasNoEffect(*statement.expression)) {
+    Warn(range, "this computes a value that nobody uses");
+  }
   if (!statement.terminated && !value.type.IsVoid()) {
     return MakeEcho({value.carrier, std::move(value.node)}, range);
   }

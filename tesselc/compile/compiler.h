@@ -310,6 +310,9 @@ class Compiler {
   };
 
   void Report(const ScriptMistake& mistake) { diagnostics_.push_back(mistake.diagnostic()); }
+  void Warn(const SourceRange& range, std::string message) {
+    diagnostics_.push_back({range, std::move(message), {}, Diagnostic::Severity::kWarning});
+  }
   [[noreturn]] static void Fail(const SourceRange& range, std::string message,
                                 std::vector<std::string> notes = {}) {
     throw ScriptMistake(range, std::move(message), std::move(notes));

@@ -54,14 +54,16 @@ constexpr const char* kHelp =
     "  --version                   Show the version and end\n"
     "  -e CODE                     Run this code\n"
     "  --check                     Check the script, but do not run it\n"
+    "  --werror                    Refuse a script with warnings\n"
     "  --debug-mode N              The library's debug mode\n"
     "  --members [TYPE[.MEMBER]]   Show the members of a type, or of all, and end\n";
 
-enum Option : int { kCheck = 256, kDebugMode, kMembers, kVersion };
+enum Option : int { kCheck = 256, kDebugMode, kMembers, kVersion, kWarningsAreErrors };
 
 constexpr option kOptions[] = {
     {"help", no_argument, nullptr, 'h'},
     {"version", no_argument, nullptr, kVersion},
+    {"werror", no_argument, nullptr, kWarningsAreErrors},
     {"check", no_argument, nullptr, kCheck},
     {"debug-mode", required_argument, nullptr, kDebugMode},
     {"members", no_argument, nullptr, kMembers},
@@ -98,6 +100,9 @@ std::optional<int> Take(int option, const char* word, CommandLine& line) {
       return std::nullopt;
     case kCheck:
       line.check_only = true;
+      return std::nullopt;
+    case kWarningsAreErrors:
+      line.warnings_are_errors = true;
       return std::nullopt;
     case kDebugMode:
       if (const auto mode = ReadMode(optarg)) {

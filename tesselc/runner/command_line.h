@@ -12,6 +12,7 @@ struct CommandLine {
   std::optional<std::string> script;   // its path
   std::vector<std::string> arguments;  // of the script
   bool check_only = false;
+  bool warnings_are_errors = false;
   int debug_mode = 0;
   std::optional<std::string> members;  // the filter of --members, which may be empty
 

@@ -127,7 +127,8 @@ int ScriptRunner::Run(FileId file) {
     parsed.diagnostics = compiler.TakeDiagnostics();
   }
   Report(parsed.diagnostics);
-  if (HasErrors(parsed.diagnostics)) return kMistake;
+  const bool refused = options_.warnings_are_errors && !parsed.diagnostics.empty();
+  if (refused || HasErrors(parsed.diagnostics)) return kMistake;
   return options_.check_only ? kSuccess : Execute(script, globals);
 }
 

@@ -17,6 +17,7 @@ enum ExitCode : int { kSuccess = 0, kScriptFailed = 1, kMistake = 2 };
 
 struct RunnerOptions {
   bool check_only = false;
+  bool warnings_are_errors = false;
   int debug_mode = 0;
   std::vector<std::string> arguments;  // the script's
 };
