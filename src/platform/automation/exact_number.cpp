@@ -60,6 +60,8 @@ ExactNumber ExactOf(const DECIMAL& value) {
 std::optional<ExactNumber> ExactOf(bool negative, std::string_view digits, std::int64_t scale) {
   digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
   if (digits.empty()) return ExactNumber{negative, 0, 0};
+  constexpr int kMostDigits = 29;
+  if (static_cast<std::int64_t>(digits.size()) - scale > kMostDigits) return std::nullopt;
   // More digits than any result has; of those behind them it only matters whether they are all 0.
   constexpr std::size_t kKept = 60;
   Wide value = 0;
@@ -69,7 +71,6 @@ std::optional<ExactNumber> ExactOf(bool negative, std::string_view digits, std::
     const bool more = digits.find_first_not_of('0', kKept) != std::string_view::npos;
     value = value * 10 + (more ? 1 : 0);
   }
-  if (scale < -kMaxScale) return std::nullopt;
   if (scale > kMaxScale + static_cast<std::int64_t>(kKept) + 1) return ExactNumber{negative, 0, 0};
   if (scale < 0) value *= PowerOfTen(static_cast<int>(-scale));
   return Fit(negative, value, static_cast<int>(std::max<std::int64_t>(scale, 0)));
