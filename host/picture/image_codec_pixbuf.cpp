@@ -35,6 +35,14 @@ void RefuseLargeSize(GdkPixbufLoader* loader, int width, int height, gpointer) {
   if (!IsImageSize(width, height)) gdk_pixbuf_loader_set_size(loader, 0, 0);
 }
 
+// A damaged file is for the caller to report; the library would write to standard error of some.
+void KeepQuiet() {
+  constexpr auto kLevels = static_cast<GLogLevelFlags>(G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_WARNING);
+  constexpr auto ignore = [](const char*, GLogLevelFlags, const char*, gpointer) {};
+  static const guint handler = g_log_set_handler("GdkPixbuf", kLevels, ignore, nullptr);
+  static_cast<void>(handler);
+}
+
 bool Read(GdkPixbufLoader* loader, Bytes file) {
   const bool written = gdk_pixbuf_loader_write(loader, file.data(), file.size(), nullptr) != 0;
   // To be closed in any case.
@@ -64,6 +72,7 @@ cairo_status_t Append(void* file, const unsigned char* data, unsigned length) {
 }  // namespace
 
 bool DecodeImage(ImageFormat format, Bytes file, const NewPixels& new_pixels) {
+  KeepQuiet();
   const Loader loader(gdk_pixbuf_loader_new_with_type(LoaderName(format), nullptr));
   if (loader == nullptr) return false;
   g_signal_connect(loader.get(), "size-prepared", G_CALLBACK(RefuseLargeSize), nullptr);

@@ -1,5 +1,6 @@
 // Telling image files apart by their structure.
 #include <algorithm>
+#include <cstdlib>
 #include <string_view>
 
 #include "host/picture/image_codec.h"
@@ -35,27 +36,59 @@ std::uint32_t Little(Bytes file, std::size_t at, int bytes) {
   return value;
 }
 
-// Whether the pixels that the header promises are there.
-bool HasPixels(Bytes bmp) {
-  constexpr std::size_t kShortHeader = 26, kHeader = 54;
-  if (bmp.size() < kShortHeader) return false;
-  const std::uint64_t offset = Little(bmp, 10, 4);
-  const bool is_short = Little(bmp, 14, 4) == kShortHeader - 14;
-  if (!is_short && bmp.size() < kHeader) return false;
-  const std::uint32_t compression = is_short ? 0 : Little(bmp, 30, 4);
-  constexpr std::uint32_t kPlain = 0, kMasks = 3;
-  if (compression != kPlain && compression != kMasks) {
-    return offset + Little(bmp, 34, 4) <= bmp.size();
+// The fields of a BMP file's header. The oldest kind has no more than a size and the bits per
+// pixel.
+struct BmpHeader {
+  static constexpr std::uint32_t kFile = 14, kShort = 12, kCommon = 40;
+
+  std::uint32_t size = 0, compression = 0, bytes = 0, colors = 0, pixels_at = 0;
+  std::int64_t width = 0, rows = 0, bits = 0;
+
+  // Whether it is all there, and of a known kind.
+  bool Read(Bytes bmp) {
+    constexpr std::uint32_t kSizes[] = {kShort, kCommon, 52, 56, 64, 108, 124};
+    if (bmp.size() < kFile + kShort) return false;
+    size = Little(bmp, kFile, 4);
+    if (std::ranges::find(kSizes, size) == std::end(kSizes)) return false;
+    if (bmp.size() < kFile + size) return false;
+    pixels_at = Little(bmp, 10, 4);
+    if (size == kShort) {
+      width = Little(bmp, 18, 2);
+      rows = Little(bmp, 20, 2);
+      bits = Little(bmp, 24, 2);
+      return true;
+    }
+    width = static_cast<std::int32_t>(Little(bmp, 18, 4));
+    rows = std::abs(std::int64_t{static_cast<std::int32_t>(Little(bmp, 22, 4))});
+    bits = Little(bmp, 28, 2);
+    compression = Little(bmp, 30, 4);
+    bytes = Little(bmp, 34, 4);
+    colors = Little(bmp, 46, 4);
+    return true;
   }
-  const std::int64_t width =
-      is_short ? Little(bmp, 18, 2) : static_cast<std::int32_t>(Little(bmp, 18, 4));
-  const std::int64_t height =
-      is_short ? Little(bmp, 20, 2) : static_cast<std::int32_t>(Little(bmp, 22, 4));
-  const std::int64_t rows = height < 0 ? -height : height;
-  if (!IsImageSize(width, rows)) return false;
-  const std::int64_t bits = Little(bmp, is_short ? 24 : 28, 2);
-  const std::int64_t stride = (width * bits + 31) / 32 * 4;
-  return offset + static_cast<std::uint64_t>(stride * rows) <= bmp.size();
+};
+
+// Whether a BMP file's header makes sense, and the colours and pixels that it promises are there.
+bool HasPixels(Bytes bmp) {
+  constexpr std::int64_t kBits[] = {1, 4, 8, 16, 24, 32};
+  constexpr std::uint32_t kPlain = 0, kRuns8 = 1, kRuns4 = 2, kMasks = 3;
+  BmpHeader header;
+  if (!header.Read(bmp) || !IsImageSize(header.width, header.rows) ||
+      std::ranges::find(kBits, header.bits) == std::end(kBits)) {
+    return false;
+  }
+  const std::uint64_t colors_end =
+      BmpHeader::kFile + header.size + std::uint64_t{header.colors} * 4;
+  if (colors_end > bmp.size()) return false;
+  std::uint64_t pixels = header.bytes;
+  if (header.compression == kPlain || header.compression == kMasks) {
+    pixels = static_cast<std::uint64_t>((header.width * header.bits + 31) / 32 * 4 * header.rows);
+  } else if (header.bits != (header.compression == kRuns8   ? 8
+                             : header.compression == kRuns4 ? 4
+                                                            : 0)) {
+    return false;
+  }
+  return header.pixels_at + pixels <= bmp.size();
 }
 
 // Decoders show what there is of a file that ends early, each in its own way. Of TIFF they do not.

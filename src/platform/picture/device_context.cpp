@@ -26,6 +26,7 @@ void SetColor(cairo_t* context, COLORREF color) {
 // Lines cover whole pixels, whose centres they run through.
 void DrawLine(cairo_t* context, COLORREF color, int width, POINT from, POINT to) {
   constexpr double kCentre = 0.5;
+  ReadAgain(cairo_get_target(context));
   SetColor(context, color);
   cairo_set_antialias(context, CAIRO_ANTIALIAS_NONE);
   cairo_set_line_width(context, width);

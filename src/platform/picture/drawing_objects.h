@@ -25,6 +25,14 @@ Surface NewImage(cairo_format_t format, int width, int height);
 // Ready for direct access; rows are cairo_image_surface_get_stride bytes apart.
 std::uint32_t* PixelRow(const Surface& image, int row);
 
+// Before an image is drawn from or on: its pixels may have been written in memory, of which Cairo
+// knows nothing.
+inline void ReadAgain(cairo_surface_t* surface) {
+  if (cairo_surface_get_type(surface) == CAIRO_SURFACE_TYPE_IMAGE) {
+    cairo_surface_mark_dirty(surface);
+  }
+}
+
 struct Bitmap : DrawingObject {
   Bitmap(Surface image, int bits)
       : DrawingObject(OBJ_BITMAP), surface(std::move(image)), bits_per_pixel(bits) {}

@@ -165,6 +165,21 @@ class Picture final : public IPicture, public IPictureDisp {
   void* handle_ = nullptr;
 };
 
+// Where an image becomes smaller, its pixels may be averaged; at its edges there is nothing to
+// average them with.
+void SetFilter(cairo_t* cairo, int stretch_mode) {
+  cairo_pattern_t* const source = cairo_get_source(cairo);
+  double x = 1, y = 1;
+  cairo_user_to_device_distance(cairo, &x, &y);
+  const bool is_smaller = std::fabs(x) < 1 || std::fabs(y) < 1;
+  cairo_surface_t* surface = nullptr;
+  cairo_pattern_get_surface(source, &surface);
+  const bool is_image = cairo_surface_get_type(surface) == CAIRO_SURFACE_TYPE_IMAGE;
+  const bool averages = is_smaller && stretch_mode == HALFTONE;
+  cairo_pattern_set_filter(source, averages ? CAIRO_FILTER_GOOD : CAIRO_FILTER_NEAREST);
+  if (is_image) cairo_pattern_set_extend(source, CAIRO_EXTEND_PAD);
+}
+
 HRESULT Picture::Render(HDC handle, LONG x, LONG y, LONG cx, LONG cy, OLE_XPOS_HIMETRIC x_source,
                         OLE_YPOS_HIMETRIC y_source, OLE_XSIZE_HIMETRIC cx_source,
                         OLE_YSIZE_HIMETRIC cy_source, LPCRECT) try {
@@ -180,6 +195,7 @@ HRESULT Picture::Render(HDC handle, LONG x, LONG y, LONG cx, LONG cy, OLE_XPOS_H
   if (content->width == 0 || content->height == 0) return E_FAIL;
 
   // A context of its own: one that an impossible size has put out of order stays so.
+  ReadAgain(cairo_get_target(dc->context.get()));
   const Context context(cairo_create(cairo_get_target(dc->context.get())));
   cairo_t* const cairo = context.get();
   cairo_rectangle(cairo, x, y, cx, cy);
@@ -190,10 +206,11 @@ HRESULT Picture::Render(HDC handle, LONG x, LONG y, LONG cx, LONG cy, OLE_XPOS_H
   cairo_translate(cairo, -static_cast<double>(x_source), height_ - static_cast<double>(y_source));
   cairo_scale(cairo, width_ / content->width, -height_ / content->height);
   cairo_translate(cairo, -content->left, -content->top);
-  if (type_ == PICTYPE_BITMAP) cairo_surface_mark_dirty(content->surface);
+  cairo_rectangle(cairo, content->left, content->top, content->width, content->height);
+  cairo_clip(cairo);
+  ReadAgain(content->surface);
   cairo_set_source_surface(cairo, content->surface, 0, 0);
-  cairo_pattern_set_filter(cairo_get_source(cairo),
-                           dc->stretch_mode == HALFTONE ? CAIRO_FILTER_GOOD : CAIRO_FILTER_NEAREST);
+  SetFilter(cairo, dc->stretch_mode);
   cairo_paint(cairo);
   cairo_surface_flush(cairo_get_target(cairo));
   return cairo_status(cairo) == CAIRO_STATUS_SUCCESS ? S_OK : E_FAIL;
