@@ -29,7 +29,7 @@ Expected WindowMean(std::span<const double> window) {
 void ExpectWindowMeans(std::span<const double> x, std::size_t half) {
   std::vector<double> out(x.size(), -1.0);
   MovingAverage(x, half, std::span(out));
-  const std::size_t step = half < 100 ? 1 : x.size() > 2000 ? 29 : 7;
+  const std::size_t step = half < 10 ? 1 : half < 100 ? 3 : x.size() > 2000 ? 29 : 7;
   for (std::size_t i = 0; i < x.size(); i += step) {
     const std::size_t reach = std::min({half, i, x.size() - 1 - i});
     const Expected expected = WindowMean(x.subspan(i - reach, 2 * reach + 1));
