@@ -1,7 +1,7 @@
 # The front door. `make run` and `make test` install what they need on a Debian 12 machine.
 .DEFAULT_GOAL := build
-.PHONY: run build build-release build-windows test bench unbuilt sanitize fuzz random-programs check \
-        format layering exports packages packages-test packages-bench clean
+.PHONY: run build build-release build-windows test bench unbuilt sanitize fuzz random-programs \
+        automation-grid check format layering exports packages packages-test packages-bench clean
 
 JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 30
@@ -41,10 +41,12 @@ unbuilt: packages
 	$(call build_preset,release)
 	$(release)/unbuilt_members
 
-# Every Linux test under AddressSanitizer and UndefinedBehaviorSanitizer.
+# Every Linux test under AddressSanitizer and UndefinedBehaviorSanitizer, and the automation
+# functions on their grid.
 sanitize: packages-test
 	$(call build_preset,debug)
 	ctest --preset debug -j $(JOBS)
+	build/debug/bin/automation_grid >/dev/null
 
 # Every fuzz target for FUZZ_SECONDS (30) each; fails on a finding.
 fuzz: packages-test
@@ -58,6 +60,12 @@ random-programs: packages-test
 	tools/random_programs.py --runner $(release)/tesselc --count $(PROGRAMS) --seed $(SEED)
 	tools/random_programs.py --runner $(windows)/tesselc.exe --emulator tools/wine.sh \
 	  --count $(PROGRAMS) --seed $(SEED)
+
+# The automation functions of both platforms on a grid of values, line for line.
+automation-grid: packages-test
+	$(call build_preset,release) --target automation_grid
+	$(call build_preset,windows) --target automation_grid
+	tools/compare_automation.py
 
 check: format layering exports
 

@@ -7,7 +7,7 @@
 Rounds alternate between the library and every peer in one run, one thread each, so that a change of
 the machine's speed touches both; the table shows medians, and the ratio of the fastest peer's time
 to ours (above 1: we are faster) with the ratio asked for. --target times the kernels of an older
-instruction set (SSE4, AVX2); --windows adds a column: the time of the Windows build under Wine over
+instruction set (SSE4, AVX2), and what the peers have for it; --windows adds a column: the time of the Windows build under Wine over
 ours.
 """
 
@@ -18,6 +18,18 @@ import sys
 
 for variable in ("OMP_NUM_THREADS", "OPENBLAS_NUM_THREADS", "MKL_NUM_THREADS"):
     os.environ[variable] = "1"
+
+# What keeps the peers from instructions that processors of a target have not; it is read as they are
+# loaded.
+AVX512 = "AVX512F AVX512CD AVX512_SKX AVX512_CLX AVX512_CNL AVX512_ICL"
+PEER_LIMITS = {
+    "AVX2": {"NPY_DISABLE_CPU_FEATURES": AVX512, "OPENCV_CPU_DISABLE": "AVX512-SKX",
+             "OPENBLAS_CORETYPE": "Haswell"},
+    "SSE4": {"NPY_DISABLE_CPU_FEATURES": AVX512 + " AVX2 FMA3 F16C AVX",
+             "OPENCV_CPU_DISABLE": "AVX512-SKX,AVX2,FP16,AVX", "OPENBLAS_CORETYPE": "Nehalem"},
+}
+if "--target" in sys.argv[:-1]:
+    os.environ |= PEER_LIMITS.get(sys.argv[sys.argv.index("--target") + 1], {})
 
 import bottleneck as bn  # noqa: E402
 import numpy as np  # noqa: E402

@@ -24,12 +24,9 @@ int Work(std::vector<std::string> words) {
   CommandLine line = ParseCommandLine(std::move(words));
   if (line.exit_code) return *line.exit_code;
   if (line.members) return ShowMembers(*line.members);
-  if (!line.code && !line.script) {
-    std::cerr << "tesselc: error: the prompt is not available yet; give a script or -e code\n";
-    return kMistake;
-  }
   Output output;
   ScriptRunner runner(output, {line.check_only, line.debug_mode, std::move(line.arguments)});
+  if (!line.code && !line.script) return runner.RunPrompt(*MakeLineEditor());
   if (line.code) return runner.RunText("-e", std::move(*line.code));
   if (*line.script != "-") return runner.RunFile(*line.script);
   std::string text(std::istreambuf_iterator<char>(std::cin), {});

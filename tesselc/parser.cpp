@@ -407,6 +407,9 @@ ParseResult Parse(SourceSet& sources, FileId file, TextKind kind) {
   } catch (const UnfinishedText& mistake) {
     result.diagnostics.push_back(mistake.diagnostic());
     result.incomplete = mistake.diagnostic().range.file == file;
+    result.lacks_semicolon =
+        result.incomplete &&
+        mistake.diagnostic().message == grammar::kExpectation<g::declaration_end>.message;
   } catch (const ScriptMistake& mistake) {
     result.diagnostics.push_back(mistake.diagnostic());
   }

@@ -14,6 +14,8 @@ struct ParseResult {
   // The text is right as far as it goes, but ends in the middle of something: a prompt asks for
   // another line. There is a diagnostic then too.
   bool incomplete = false;
+  // All that it lacks is the ';' of a declaration.
+  bool lacks_semicolon = false;
 
   bool ok() const { return diagnostics.empty(); }
 };

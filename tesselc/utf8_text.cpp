@@ -17,6 +17,10 @@ std::size_t Utf8SequenceLength(std::string_view text) {
   return static_cast<std::size_t>(std::distance(text.begin(), next));
 }
 
+char32_t Utf8CodePoint(std::string_view text) {
+  return static_cast<char32_t>(utf8::unchecked::peek_next(text.begin()));
+}
+
 std::size_t DisplayWidth(std::string_view text) {
   struct Range {
     char32_t first, last;
@@ -31,7 +35,7 @@ std::size_t DisplayWidth(std::string_view text) {
                                     {0xFFE0, 0xFFE6},   {0x1F300, 0x1F64F}, {0x1F680, 0x1F6FF},
                                     {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}};
   if (Utf8SequenceLength(text) == 0) return 1;
-  const auto point = static_cast<char32_t>(utf8::unchecked::peek_next(text.begin()));
+  const char32_t point = Utf8CodePoint(text);
   const auto lies_in = [point](const Range& range) {
     return range.first <= point && point <= range.last;
   };

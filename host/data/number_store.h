@@ -9,8 +9,9 @@ namespace vela::host {
 
 class NumberStore {
  public:
-  // Sizes are ints to scripts.
-  static constexpr std::int64_t kMostElements = 0x7FFFFFFF;
+  // New elements are written, so that the system gives memory for all that is asked for: a slip of
+  // a script must not take the whole machine's.
+  static constexpr std::int64_t kMostElements = std::int64_t{1} << 27;
 
   // type_id is one of VisitNumberType.
   explicit NumberStore(unsigned type_id);

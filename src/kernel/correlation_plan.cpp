@@ -31,9 +31,16 @@ double Magnitude(std::span<const double> values) {
   return sum;
 }
 
-// Whether sums of multiples of `unit` that stay below `bound` are exact, with a factor of two for
-// the rounding of the bound itself.
-bool IsExact(double bound, double unit) { return bound <= unit * 0x1p52; }
+// Whether sums in S of multiples of `unit` that stay below `bound` are exact, with a factor of two
+// for the rounding of the bound itself.
+template <class S>
+bool IsExact(double bound, double unit) {
+  return bound * std::numeric_limits<S>::epsilon() <= unit;
+}
+
+// Far from where floats end, so that neither what is below the least of them counts nor sums or
+// products of two factors overflow.
+bool FitsFloats(double magnitude) { return magnitude >= 0x1p-60 && magnitude <= 0x1p40; }
 
 struct Factors {
   std::vector<double> column, row;
@@ -66,7 +73,8 @@ bool Gives(const Factors& factors, MatrixSpan<const double> kernel, double toler
 
 CorrelationPlan::CorrelationPlan(MatrixSpan<const double> weights, bool normalise, bool whole,
                                  double largest)
-    : kernel(weights.data), side(weights.rows), divisor(1.0) {
+    : kernel(weights.Size() + kSlack), side(weights.rows), divisor(1.0) {
+  std::ranges::copy(weights.Values(), kernel.begin());
   const std::span<const double> values = weights.Values();
   if (normalise) {
     double sum = 0.0;
@@ -76,11 +84,29 @@ CorrelationPlan::CorrelationPlan(MatrixSpan<const double> weights, bool normalis
 
   const double magnitude = Magnitude(values);
   const double unit = CommonUnit(values);
-  exact = whole && IsExact(magnitude * largest, unit);
-  uncertainty = (static_cast<double>(values.size()) + 16) * 2 * kEpsilon * magnitude * largest /
-                std::fabs(divisor);
+  exact = whole && IsExact<double>(magnitude * largest, unit);
+  exact_in_floats = whole && IsExact<float>(magnitude * largest, unit) && divisor == 1.0;
+  Factor(weights, unit, largest);
 
-  if (side == 1 || unit == 0.0 || magnitude == 0.0) return;
+  const auto count = static_cast<double>(values.size());
+  const double bound = magnitude * largest / std::fabs(divisor);
+  uncertainty = (count + 16) * 2 * kEpsilon * bound;
+  const double steps = row.empty() ? count : static_cast<double>(2 * side);
+  constexpr double kHalfUlp = std::numeric_limits<float>::epsilon() / 2;
+  uncertainty_in_floats = (steps + 16) * kHalfUlp * bound;
+  const bool has_factors = !row.empty();
+  if (!FitsFloats(magnitude) ||
+      (has_factors && !(FitsFloats(Magnitude(row)) && FitsFloats(Magnitude(column))))) {
+    exact_in_floats = false;
+    uncertainty_in_floats = std::numeric_limits<double>::infinity();
+  }
+}
+
+// Finds the column and the row.
+void CorrelationPlan::Factor(MatrixSpan<const double> weights, double unit, double largest) {
+  constexpr std::size_t kSmallSide = 4;
+  if (side <= kSmallSide || unit == 0.0) return;
+  const std::span<const double> values = weights.Values();
   const auto less = [](double a, double b) { return std::fabs(a) < std::fabs(b); };
   std::size_t largest_at = 0, smallest_at = 0;
   for (std::size_t k = 0; k < values.size(); ++k) {
@@ -89,19 +115,21 @@ CorrelationPlan::CorrelationPlan(MatrixSpan<const double> weights, bool normalis
       smallest_at = k;
     }
   }
+  if (values[largest_at] == 0.0) return;
   // Factors of whole-number kernels are whole numbers more often with the smallest weight.
   const auto through = [&](std::size_t k) { return FactorsThrough(weights, k / side, k % side); };
   Factors factors = through(smallest_at);
-  const auto sums_exactly = [&] {
+  const auto sums_exactly = [&]<class S>(S /*type*/) {
     return Gives(factors, weights, 0.0) &&
-           IsExact(Magnitude(factors.column) * Magnitude(factors.row) * largest,
-                   CommonUnit(factors.column) * CommonUnit(factors.row));
+           IsExact<S>(Magnitude(factors.column) * Magnitude(factors.row) * largest,
+                      CommonUnit(factors.column) * CommonUnit(factors.row));
   };
-  if (!(exact && sums_exactly())) {
+  if (!(exact && sums_exactly(double()))) {
     factors = through(largest_at);
     if (!Gives(factors, weights, 8 * kEpsilon)) return;
-    exact = exact && sums_exactly();
+    exact = exact && sums_exactly(double());
   }
+  exact_in_floats = exact_in_floats && sums_exactly(float());
   column = std::move(factors.column);
   row = std::move(factors.row);
 }

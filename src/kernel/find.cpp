@@ -235,6 +235,10 @@ std::size_t FindEqual(std::span<const T> x, double value, double tolerance, Find
       });
 }
 
+bool HoldsMissing(std::span<const double> x) {
+  return FindEqual(x, kMissing, 0, {.first_only = true}, {}) > 0;
+}
+
 template <Element T>
 std::size_t FindInRange(std::span<const T> x, double low, double high, FindScope scope,
                         std::span<std::uint32_t> found) {

@@ -29,6 +29,9 @@ template <Element T>
 std::size_t FindEqual(std::span<const T> x, double value, double tolerance, FindScope scope,
                       std::span<std::uint32_t> found);
 
+/// Whether an element is missing.
+bool HoldsMissing(std::span<const double> x);
+
 /// As FindEqual, for the elements with low <= x <= high. Missing elements and NaN never match.
 template <Element T>
 std::size_t FindInRange(std::span<const T> x, double low, double high, FindScope scope,

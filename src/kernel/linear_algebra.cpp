@@ -53,6 +53,7 @@ struct DoubleForm<float> {
     return form;
   }
   static Matrix<double> Right(MatrixSpan<const float> x) { return Left(x); }
+  static Matrix<double> Result(MatrixSpan<float> out) { return {out.rows, out.cols}; }
   static void Store(const Matrix<double>& form, MatrixSpan<float> out) {
     Convert<float, double>(form.Values(), out.Values());
   }
@@ -86,6 +87,8 @@ struct DoubleForm<Complex> {
     }
     return form;
   }
+  // Of the shape of a Left.
+  static Matrix<double> Result(MatrixSpan<Complex> out) { return {out.rows, 2 * out.cols}; }
   static void Store(const Matrix<double>& form, MatrixSpan<Complex> out) {
     const MatrixSpan<const double> from = form;
     for (std::size_t row = 0; row < out.rows; ++row) {
@@ -103,11 +106,11 @@ std::span<const double> Numbers(std::span<const Complex> x) {
 }
 
 template <class T>
-bool HoldsMissing(std::span<const T> x) {
+bool AnyMissing(std::span<const T> x) {
   if constexpr (std::same_as<T, float>) {
     return false;
   } else {
-    return FindEqual(Numbers(x), kMissing, 0, {.first_only = true}, {}) != 0;
+    return HoldsMissing(Numbers(x));
   }
 }
 
@@ -119,7 +122,7 @@ constexpr Complex kMissingElement<Complex> = {kMissing, kMissing};
 template <class T>
 void MarkRows(MatrixSpan<const T> a, MatrixSpan<T> out) {
   for (std::size_t row = 0; row < a.rows; ++row) {
-    if (HoldsMissing<T>(a.Row(row))) std::ranges::fill(out.Row(row), kMissingElement<T>);
+    if (AnyMissing<T>(a.Row(row))) std::ranges::fill(out.Row(row), kMissingElement<T>);
   }
 }
 
@@ -127,9 +130,9 @@ template <class T>
 std::vector<bool> ColumnsWithMissing(MatrixSpan<const T> b) {
   std::vector<bool> columns(b.cols);
   for (std::size_t row = 0; row < b.rows; ++row) {
-    if (!HoldsMissing<T>(b.Row(row))) continue;
+    if (!AnyMissing<T>(b.Row(row))) continue;
     for (std::size_t col = 0; col < b.cols; ++col) {
-      if (HoldsMissing<T>(b.Row(row).subspan(col, 1))) columns[col] = true;
+      if (AnyMissing<T>(b.Row(row).subspan(col, 1))) columns[col] = true;
     }
   }
   return columns;
@@ -161,7 +164,7 @@ void Multiply(MatrixSpan<const T> a, MatrixSpan<const T> b, MatrixSpan<T> out) {
   } else {
     using Form = DoubleForm<T>;
     const Matrix<double> left = Form::Left(a), right = Form::Right(b);
-    Matrix<double> product = Form::Left(out);
+    Matrix<double> product = Form::Result(out);
     Doubles().multiply(left, right, product);
     Form::Store(product, out);
   }
@@ -171,13 +174,13 @@ void Multiply(MatrixSpan<const T> a, MatrixSpan<const T> b, MatrixSpan<T> out) {
 
 template <class T>
 bool SolveRight(MatrixSpan<const T> a, MatrixSpan<const T> b, MatrixSpan<T> out) {
-  if (HoldsMissing<T>(b.Values())) return false;
+  if (AnyMissing<T>(b.Values())) return false;
   if constexpr (std::same_as<T, double>) {
     if (!Doubles().solve_right(a, b, out)) return false;
   } else {
     using Form = DoubleForm<T>;
     const Matrix<double> left = Form::Left(a), right = Form::Right(b);
-    Matrix<double> solution = Form::Left(out);
+    Matrix<double> solution = Form::Result(out);
     if (!Doubles().solve_right(left, right, solution)) return false;
     Form::Store(solution, out);
   }
@@ -188,7 +191,7 @@ bool SolveRight(MatrixSpan<const T> a, MatrixSpan<const T> b, MatrixSpan<T> out)
 template <class T>
 bool Invert(MatrixSpan<T> x) {
   if constexpr (std::same_as<T, double>) {
-    return !HoldsMissing<double>(x.Values()) && Doubles().invert(x);
+    return !AnyMissing<double>(x.Values()) && Doubles().invert(x);
   } else {
     Matrix<T> inverse(x.rows, x.cols);
     if (!SolveRight<T>(Identity<T>(x.rows), x, inverse)) return false;

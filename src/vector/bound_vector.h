@@ -2,14 +2,17 @@
 // has one empty row that cannot be resized until it is attached to a column.
 #pragma once
 
+#include "vector/curve_members.h"
 #include "vector/dataset_members.h"
 #include "vector/typed_vector.h"
 
 namespace vela {
 
-// The rows of the tables, which are the same for every element type.
-std::initializer_list<CClassMember> CurveRows();
+// The rows of the table, which are the same for every element type.
 std::initializer_list<CClassMember> CategoricalRows();
+
+// "%s, %s(1:%d-%d)" of the names of X and Y and the bounds, or without X "%s(1:%d-%d)".
+CStringUTF8 CurveText(const DataBinding& y, const DataBinding& x);
 
 }  // namespace vela
 
@@ -128,6 +131,7 @@ class TCCurve : public vela::member::WithMembers<TCCurve<T>, TCOVectorBase<T>> {
 
  public:
   explicit TCCurve(unsigned type_id) : Base(type_id, kFlagCurve) {}
+  TCCurve(const TCCurve& other) : Base(other) { x_.AttachCopy(other.x_); }
 
   const CRuntimeClass* GetRuntimeClass() const override {
     static constexpr auto kName = vela::TemplateName<T>("TCCurve");
@@ -137,7 +141,42 @@ class TCCurve : public vela::member::WithMembers<TCCurve<T>, TCOVectorBase<T>> {
   }
   CScriptVelaObject* CreateCopy() override { return vela::NewCopy(*this); }
   static const CClassMember* MemberTable() { return vela::member::TypeTable<TCCurve>::Rows(); }
-  static std::initializer_list<CClassMember> MemberRows() { return vela::CurveRows(); }
+  static std::initializer_list<CClassMember> MemberRows() {
+    using vela::member::Method;
+    namespace curve = vela::curve;
+    static const std::initializer_list<CClassMember> rows = {
+        Method("HasX", &TCAllVectorNonTemplBase::HasX),
+        Row<&curve::AttachX>("AttachX"),
+        Row<&curve::Attach>("Attach"),
+        Row<&curve::Sort>("Sort"),
+        Method("GetRectPoints", &TCAllVectorNonTemplBase::GetRectPoints),
+        Row<&curve::SetXBounds>("SetXBounds"),
+        Row<&curve::ConstructInit>("ConstructInit"),
+    };
+    return rows;
+  }
+
+  VeData* XData() const override { return x_.Data(); }
+  int SupportsAuxillX() override { return 1; }
+  using Base::GetString;
+  int GetString(CStringUTF8& text) override {
+    if (this->binding_.Data() == nullptr) return Base::GetString(text);
+    text = vela::CurveText(this->binding_, x_);
+    return 1;
+  }
+
+ private:
+  using Member = int (*)(const vela::curve::Bound&, CTCall*);
+  template <Member kMember>
+  int ForwardCurve(CTCall* call) {
+    return kMember({{*this, this->binding_}, x_}, call);
+  }
+  template <Member kMember>
+  static CClassMember Row(const char* name) {
+    return vela::member::Method(name, &TCCurve::template ForwardCurve<kMember>);
+  }
+
+  vela::DataBinding x_{kTypeDouble};
 };
 
 template <class T>

@@ -1,15 +1,21 @@
+#include <string>
+
 #include "vector/bound_vector.h"
 
 using vela::member::Unbuilt;
 
 namespace vela {
 
-std::initializer_list<CClassMember> CurveRows() {
-  static const std::initializer_list<CClassMember> rows = {
-      Unbuilt("HasX"),          Unbuilt("AttachX"),    Unbuilt("Attach"),        Unbuilt("Sort"),
-      Unbuilt("GetRectPoints"), Unbuilt("SetXBounds"), Unbuilt("ConstructInit"),
-  };
-  return rows;
+CStringUTF8 CurveText(const DataBinding& y, const DataBinding& x) {
+  // A host has one curve for each pair of columns.
+  constexpr int kCurve = 1;
+  CStringUTF8 text;
+  if (x.Data() != nullptr) text = std::string(x.Data()->GetName().View()) + ", ";
+  CStringUTF8 own;
+  own.Format("%s(%d:%d-%d)", y.Data()->GetName().c_str(), kCurve, y.LowerBound(),
+             static_cast<int>(y.Size()) - 1);
+  text += own.View();
+  return text;
 }
 
 std::initializer_list<CClassMember> CategoricalRows() {

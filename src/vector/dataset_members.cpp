@@ -17,18 +17,6 @@ using vela::member::Run;
 namespace vela::dataset {
 namespace {
 
-void CheckRow(const Bound& bound, const Arguments& args) {
-  const int row = bound.vector.GetVecArrayIndex(&args.Indices());
-  if (row != 0) Fail(row < 0 ? status::kUnresolved : status::kOutOfRange);
-}
-
-VeData& Data(const Bound& bound, const Arguments& args) {
-  CheckRow(bound, args);
-  if (bound.binding.IsStale()) Fail(status::kNoRow);
-  if (!bound.binding.IsAttached()) Fail(status::kFailed);
-  return *bound.binding.Data();
-}
-
 std::int64_t RowArgument(const VeData& data, Arguments& args, unsigned arg) {
   const int row = args.Int(arg);
   if (row < 0 || row >= data.GetSize()) Fail(status::kOutOfRange);
@@ -53,19 +41,43 @@ VeData* FindNamed(std::string_view name) {
   return VeDataSources::Get().FindData(book.c_str(), column.c_str());
 }
 
-VeData* SourceArgument(Arguments& args) {
-  if (args.Count() == 2) {
-    const CStringUTF8 book = args.Text(0);
-    VeDataSources& sources = VeDataSources::Get();
-    return args.IsText(1) ? sources.FindData(book.c_str(), args.Text(1).c_str())
-                          : sources.FindData(book.c_str(), args.Int(1));
-  }
-  if (args.IsText(0)) return FindNamed(args.Text(0).View());
-  const Layer other = RequiredVector(args, 0);
-  return dynamic_cast<VeData*>(other.container->SourceOf(other.number));
+}  // namespace
+
+void CheckRow(const Bound& bound, const Arguments& args) {
+  const int row = bound.vector.GetVecArrayIndex(&args.Indices());
+  if (row != 0) Fail(row < 0 ? status::kUnresolved : status::kOutOfRange);
 }
 
-}  // namespace
+VeData& Data(const Bound& bound, const Arguments& args) {
+  CheckRow(bound, args);
+  if (bound.binding.IsStale()) Fail(status::kNoRow);
+  if (!bound.binding.IsAttached()) Fail(status::kFailed);
+  return *bound.binding.Data();
+}
+
+VeData* FindData(Arguments& args, unsigned book, unsigned column) {
+  const CStringUTF8 name = args.Text(book);
+  VeDataSources& sources = VeDataSources::Get();
+  return args.IsText(column) ? sources.FindData(name.c_str(), args.Text(column).c_str())
+                             : sources.FindData(name.c_str(), args.Int(column));
+}
+
+VeData* DataOf(const Layer& layer) {
+  return dynamic_cast<VeData*>(layer.container->SourceOf(layer.number));
+}
+
+VeData* SourceArgument(Arguments& args) {
+  if (args.Count() == 2) return FindData(args, 0, 1);
+  return args.IsText(0) ? FindNamed(args.Text(0).View()) : DataOf(RequiredVector(args, 0));
+}
+
+void AttachNew(DataBinding& binding, unsigned type_id, const Layer& elements) {
+  const VeRef<VeTempDataset> data =
+      VeTempDataset::Create(type_id, static_cast<std::int64_t>(elements.Size()));
+  if (!data) Fail(status::kCannotResize);
+  binding.Attach(data.Get());
+  Check(binding.Store(0, LayerElements(elements).Span()));
+}
 
 // Attach(string book, string column), Attach(string book, int column), Attach(string name) with a
 // name "[book]column", Attach(vector other) to the column that the other is attached to: 1, or 0,

@@ -32,4 +32,19 @@ int IsValid(const Bound& bound, CTCall* call);
 int SetUpperBound(const Bound& bound, CTCall* call);
 int SetLowerBound(const Bound& bound, CTCall* call);
 
+// --- What members of other bound vectors are made of ---
+
+// Ends the handler with 28 for a row of the object other than its only one.
+void CheckRow(const Bound& bound, const member::Arguments& args);
+// The column: ends the handler with 1 while nothing is attached, -1 when it was removed.
+VeData& Data(const Bound& bound, const member::Arguments& args);
+// Null when there is no such column. The column argument is a name or a position.
+VeData* FindData(member::Arguments& args, unsigned book, unsigned column);
+// The column that a layer is a view of; null for none.
+VeData* DataOf(const Layer& layer);
+// The column that all arguments together name, as Attach has it.
+VeData* SourceArgument(member::Arguments& args);
+// Attaches to data of the vector's own of the type, with these elements.
+void AttachNew(DataBinding& binding, unsigned type_id, const Layer& elements);
+
 }  // namespace vela::dataset

@@ -8,7 +8,6 @@ namespace {
 
 using Vector = TCAllVectorNonTemplBase;
 using vela::member::Method;
-using vela::member::Unbuilt;
 
 const CClassMember kVectorMembers[] = {
     Method("SetSize", &Vector::SetSize),
@@ -48,25 +47,25 @@ const CClassMember kVectorMembers[] = {
     Method("GetUpperBound", static_cast<int (Vector::*)(CTCall*)>(&Vector::GetUpperBound)),
     Method("GetLowerBound", &Vector::GetLowerBound),
     Method("RemoveAll", &Vector::RemoveAll),
-    Unbuilt("GetSourceRange"),
-    Unbuilt("HasX"),
-    Unbuilt("AttachX"),
-    Unbuilt("GetRectPoints"),
+    Method("GetSourceRange", static_cast<int (Vector::*)(CTCall*)>(&Vector::GetSourceRange)),
+    Method("HasX", &Vector::HasX),
+    Method("AttachX", &Vector::AttachX),
+    Method("GetRectPoints", &Vector::GetRectPoints),
     Method("GetName", &Vector::GetName),
-    Unbuilt("Update"),
+    Method("Update", static_cast<int (Vector::*)(CTCall*)>(&Vector::Update)),
     Method("TrimLeft", &Vector::TrimLeft),
     Method("TrimRight", &Vector::TrimRight),
     Method("Trim", &Vector::Trim),
-    Unbuilt("CopyX"),
+    Method("CopyX", &Vector::CopyX),
     Method("CopyData", &Vector::CopyData),
     Method("Replace", &Vector::Replace),
-    Unbuilt("UpdateRowColRanges"),
+    Method("UpdateRowColRanges", &Vector::UpdateRowColRanges),
     Method("InsertValue", &Vector::InsertValue),
-    Unbuilt("GetSourceDataRange"),
+    Method("GetSourceDataRange", &Vector::GetSourceDataRange),
     Method("GetOutputComment", &Vector::GetOutputComment),
     Method("SetOutputComment", &Vector::SetOutputComment),
     Method("Abs", &Vector::Abs),
-    Unbuilt("CopySourceDataRange"),
+    Method("CopySourceDataRange", &Vector::CopySourceDataRange),
     Method("Pattern", &Vector::Pattern),
     Method("Merge", &Vector::Merge),
     Method("Product", &Vector::Product),

@@ -12,6 +12,7 @@
 #include "frame/member/arguments.h"
 #include "frame/member/table.h"
 #include "kernel/removal.h"
+#include "vector/source_range.h"
 
 namespace vela {
 struct ArrayLayout;
@@ -32,6 +33,7 @@ class TCAllVectorNonTemplBase
  public:
   explicit TCAllVectorNonTemplBase(unsigned type_word);
 
+  using Base::GetSourceRange;
   using Base::GetString;
   using Base::GetUpperBound;
   using Base::IsValid;
@@ -57,7 +59,9 @@ class TCAllVectorNonTemplBase
   // Sets the row's size to exactly size, keeping what fits: 0, or 278 with nothing changed.
   virtual int RawResize(int row, std::int64_t size);
   virtual int Append(CTCall* call);
+  virtual int GetSourceRange(CTCall* call);
   virtual int Replace(CTCall* call);
+  virtual int UpdateRowColRanges(CTCall* call);
   virtual int InsertValue(CTCall* call);
   // As RawResize; the elements below lower become the missing value. 28 for a lower bound below 0.
   virtual int ResizeWithLowerBound(int row, std::int64_t size, int lower);
@@ -76,7 +80,12 @@ class TCAllVectorNonTemplBase
   virtual int Uniform(CTCall* call);
   virtual int Normal(CTCall* call);
   virtual int Wrap(CTCall* call);
+  virtual int CopyX(CTCall* call);
   virtual int CopyData(CTCall* call);
+  virtual int HasX(CTCall* call);
+  virtual int AttachX(CTCall* call);
+  virtual int GetRectPoints(CTCall* call);
+  virtual int Update(CTCall* call);
   virtual int TrimLeft(CTCall* call);
   virtual int TrimRight(CTCall* call);
   virtual int IsValid(CTCall* call);
@@ -101,6 +110,8 @@ class TCAllVectorNonTemplBase
   virtual int Find(CTCall* call);
   virtual int Trim(CTCall* call);
   virtual int Merge(CTCall* call);
+  virtual int GetSourceDataRange(CTCall* call);
+  virtual int CopySourceDataRange(CTCall* call);
   virtual int Product(CTCall* call);
 
   // The members that every typed vector and StringArray has in a table of its own.
@@ -114,6 +125,9 @@ class TCAllVectorNonTemplBase
 
   std::size_t RowSize(int row) const { return SizeOf(row); }
   int ResizeLayer(int row, const vela::LayerShape& shape, vela::Contents contents) override;
+
+  // The column of X values that stand beside the row's elements; null without.
+  virtual VeData* XData() const { return nullptr; }
 
   // --- For the host ---
 
@@ -191,4 +205,5 @@ class TCAllVectorNonTemplBase
   int FillParts(CTCall* call, Part&& part);
 
   CStringUTF8 output_comment_;
+  std::unique_ptr<VectorSourceDataRangeHolder> source_range_;
 };

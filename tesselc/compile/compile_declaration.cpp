@@ -18,7 +18,16 @@ Symbol& Compiler::DeclareVariable(const Identifier& name, const StaticType& type
                                   bool is_reference) {
   const bool global = context_.levels.empty();
   auto& symbols = global ? globals_.symbols : context_.levels.back().symbols;
-  const auto [entry, added] = symbols.try_emplace(name.text);
+  auto [entry, added] = symbols.try_emplace(name.text);
+  if (!added && global && options_.interactive) {
+    // The same storage, where functions may refer to it; a new one for another type.
+    Symbol& known = entry->second;
+    known.is_const = is_const;
+    if (known.type == type) return known;
+    symbols.erase(entry);
+    entry = symbols.try_emplace(name.text).first;
+    added = true;
+  }
   if (!added) Fail(name.range, "there is a variable '" + name.text + "' already");
   if (global && functions_.contains(name.text)) {
     symbols.erase(entry);

@@ -14,13 +14,34 @@ std::vector<Diagnostic> Compiler::TakeDiagnostics() {
   return std::move(diagnostics_);
 }
 
+StaticType Compiler::TypeOfGlobal(std::string_view name) const {
+  const auto found = globals_.symbols.find(name);
+  return found == globals_.symbols.end() ? StaticType{} : found->second.type;
+}
+
+std::vector<std::string> Compiler::GlobalNames() const {
+  std::vector<std::string> names;
+  for (const auto& symbol : globals_.symbols) names.push_back(symbol.first);
+  for (const auto& function : functions_) names.push_back(function.first);
+  return names;
+}
+
 CompiledScript Compiler::Compile(const Program& program) {
+  const auto functions = functions_;
+  const auto symbols = globals_.symbols;
   CompiledScript script;
   DeclareFunctions(program, script);
   CompileTopLevel(program, script);
   for (Signature& signature : script.functions) {
     if (signature.declaration->body) CompileBody(signature);
   }
+  for (auto& redefined : redefined_) CompileBody(*redefined.first);
+  if (HasErrors(diagnostics_)) {
+    for (auto& [known, former] : redefined_) *known = std::move(former);
+    functions_ = functions;
+    globals_.symbols = symbols;
+  }
+  redefined_.clear();
   const auto found = functions_.find("main");
   if (found != functions_.end()) script.main = &found->second->compiled;
   return script;
@@ -116,8 +137,18 @@ void Compiler::DeclareFunction(const Function& function, CompiledScript& script)
     Fail(function.name.range, "'" + name + "' was declared with other types before");
   }
   if (!function.body) return;
-  if (known.declaration->body) Fail(function.name.range, "'" + name + "' is defined already");
-  known = std::move(signature);
+  if (!known.declaration->body) {
+    known = std::move(signature);
+  } else if (options_.interactive) {
+    Redefine(known, std::move(signature));
+  } else {
+    Fail(function.name.range, "'" + name + "' is defined already");
+  }
+}
+
+// In its place, as calls refer to it.
+void Compiler::Redefine(Signature& known, Signature&& signature) {
+  redefined_.emplace_back(&known, std::exchange(known, std::move(signature)));
 }
 
 void Compiler::CompileTopLevel(const Program& program, CompiledScript& script) {

@@ -79,6 +79,9 @@ NodePtr Compiler::Visit(const Declaration& declaration, const SourceRange&) {
 NodePtr Compiler::Visit(const ExpressionStatement& statement, const SourceRange& range) {
   Value value = CompileValue(*statement.expression);
   if (!value.node) Fail(range, "NULL is no statement");
+  if (!statement.terminated && !value.type.IsVoid()) {
+    return MakeEcho({value.carrier, std::move(value.node)}, range);
+  }
   return std::move(value.node);
 }
 

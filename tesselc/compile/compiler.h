@@ -96,6 +96,8 @@ struct Signature {
 struct CompilerOptions {
   PowerFunction power = nullptr;  // of the ^ operator
   unsigned char fill = 0;         // the bytes of a number that was declared without a value
+  // At a prompt: names may be declared anew, and a last expression without ';' shows its value.
+  bool interactive = false;
 };
 
 // The result of compiling a script. It refers to the globals it was compiled with.
@@ -111,9 +113,15 @@ class Compiler {
  public:
   Compiler(Globals& globals, const CompilerOptions& options);
 
+  // At a prompt, for one program after the other: a script refers to the programs and scripts
+  // before it. One with mistakes leaves the names that were known before.
   CompiledScript Compile(const Program& program);
   // In the order of the text.
   std::vector<Diagnostic> TakeDiagnostics();
+
+  // The type of a global variable, void for none; the names of variables and functions.
+  StaticType TypeOfGlobal(std::string_view name) const;
+  std::vector<std::string> GlobalNames() const;
 
  private:
   // --- compile_program.cpp
@@ -122,6 +130,7 @@ class Compiler {
   void CompileBody(Signature& signature);
   void CompileTopLevel(const Program& program, CompiledScript& script);
   void DeclareParameters(Signature& signature);
+  void Redefine(Signature& known, Signature&& signature);
 
   // --- compile_statement.cpp
   NodePtr CompileStatement(const Statement& statement);
@@ -315,6 +324,7 @@ class Compiler {
   Globals& globals_;
   CompilerOptions options_;
   std::map<std::string, Signature*, std::less<>> functions_;
+  std::vector<std::pair<Signature*, Signature>> redefined_;  // with what they were before
   Context context_;
   std::vector<Diagnostic> diagnostics_;
 };

@@ -4,6 +4,7 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 #else
+#include <csignal>
 #include <pthread.h>
 #endif
 
@@ -67,6 +68,10 @@ int RunOnUsualStack(const std::function<int()>& work) {
   const bool started = pthread_create(&thread, &attributes, RunWork, &shared) == 0;
   pthread_attr_destroy(&attributes);
   if (!started) return work();
+  // Signals are for the thread that works: they end its reading, and find it where it is.
+  sigset_t all;
+  sigfillset(&all);
+  pthread_sigmask(SIG_BLOCK, &all, nullptr);
   pthread_join(thread, nullptr);
   return shared.result;
 #endif

@@ -21,6 +21,25 @@ void Write(std::string_view text, Frame& frame, const SourceRange& where) {
   }
 }
 
+void Append(std::string& line, const PrintArgument& argument, Frame& frame,
+            const SourceRange& where) {
+  WithCarrier(argument.carrier, [&](auto t) {
+    using T = typename decltype(t)::type;
+    const T value = ValueOf<T>(*argument.value, frame);
+    if constexpr (std::is_same_v<T, CStringUTF8>) {
+      line += value.View();
+    } else if constexpr (std::is_same_v<T, ObjectValue>) {
+      AppendDisplay(line, value, where);
+    } else if constexpr (std::is_integral_v<T> && std::is_signed_v<T>) {
+      AppendDisplay(line, static_cast<std::int64_t>(value));
+    } else if constexpr (std::is_integral_v<T>) {
+      AppendDisplay(line, static_cast<std::uint64_t>(value));
+    } else {
+      AppendDisplay(line, value);
+    }
+  });
+}
+
 class Print final : public Node {
  public:
   Print(std::vector<PrintArgument> arguments, SourceRange where)
@@ -29,7 +48,7 @@ class Print final : public Node {
     std::string line;
     for (std::size_t i = 0; i < arguments_.size(); ++i) {
       if (i > 0) line += ' ';
-      Append(line, arguments_[i], frame);
+      Append(line, arguments_[i], frame, where_);
     }
     line += '\n';
     Write(line, frame, where_);
@@ -37,25 +56,29 @@ class Print final : public Node {
   }
 
  private:
-  void Append(std::string& line, const PrintArgument& argument, Frame& frame) {
-    WithCarrier(argument.carrier, [&](auto t) {
-      using T = typename decltype(t)::type;
-      const T value = ValueOf<T>(*argument.value, frame);
-      if constexpr (std::is_same_v<T, CStringUTF8>) {
-        line += value.View();
-      } else if constexpr (std::is_same_v<T, ObjectValue>) {
-        AppendDisplay(line, value, where_);
-      } else if constexpr (std::is_integral_v<T> && std::is_signed_v<T>) {
-        AppendDisplay(line, static_cast<std::int64_t>(value));
-      } else if constexpr (std::is_integral_v<T>) {
-        AppendDisplay(line, static_cast<std::uint64_t>(value));
-      } else {
-        AppendDisplay(line, value);
-      }
-    });
+  std::vector<PrintArgument> arguments_;
+  SourceRange where_;
+};
+
+class Echo final : public Node {
+ public:
+  Echo(PrintArgument value, SourceRange where) : value_(std::move(value)), where_(where) {}
+  Flow Exec(Frame& frame) override {
+    constexpr std::size_t kScreenful = 1600;
+    std::string text;
+    Append(text, value_, frame, where_);
+    if (text.size() > kScreenful) {
+      std::size_t end = kScreenful;
+      while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+      text.replace(end, text.npos, " ...");
+    }
+    text += '\n';
+    Write(text, frame, where_);
+    return Flow::kNext;
   }
 
-  std::vector<PrintArgument> arguments_;
+ private:
+  PrintArgument value_;
   SourceRange where_;
 };
 
@@ -91,6 +114,10 @@ class Printf final : public Expr<Printf, int> {
 
 NodePtr MakePrint(std::vector<PrintArgument> arguments, SourceRange where) {
   return std::make_unique<Print>(std::move(arguments), where);
+}
+
+NodePtr MakeEcho(PrintArgument value, SourceRange where) {
+  return std::make_unique<Echo>(std::move(value), where);
 }
 
 NodePtr MakePrintf(NodePtr format, std::vector<PrintArgument> arguments, SourceRange where) {

@@ -47,6 +47,7 @@ constexpr const char* kHelp =
     "Runs a Tessel C script.\n"
     "Usage: tesselc [OPTIONS] SCRIPT [ARGUMENTS]\n"
     "       tesselc [OPTIONS] -e CODE [ARGUMENTS]\n"
+    "       tesselc [OPTIONS]                       a prompt\n"
     "\n"
     "Options:\n"
     "  -h, --help                  Show this and end\n"

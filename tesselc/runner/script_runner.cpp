@@ -1,11 +1,14 @@
 #include "tesselc/runner/script_runner.h"
 
+#include <deque>
 #include <new>
 #include <utility>
 
 #include "frame/interface/script_object.h"
 #include "tesselc/compile/compiler.h"
 #include "tesselc/parser.h"
+#include "tesselc/prompt/prompt_help.h"
+#include "tesselc/prompt/prompt_text.h"
 #include "tesselc/run/interrupt.h"
 #include "tesselc/run/run.h"
 #include "tesselc/run/terminal.h"
@@ -105,15 +108,19 @@ bool ScriptRunner::LoadLibrary() {
   return true;
 }
 
+CompilerOptions ScriptRunner::MakeCompilerOptions() const {
+  CompilerOptions options;
+  options.power = library_.GetExports().power;
+  options.fill = options_.debug_mode > 0 ? 0xCC : 0;
+  return options;
+}
+
 int ScriptRunner::Run(FileId file) {
   if (!options_.check_only && !LoadLibrary()) return kMistake;
   ParseResult parsed = ParseProgram(sources_, file);
   Globals globals;
   DeclareArguments(globals);
-  CompilerOptions compiler_options;
-  compiler_options.power = library_.GetExports().power;
-  compiler_options.fill = options_.debug_mode > 0 ? 0xCC : 0;
-  Compiler compiler(globals, compiler_options);
+  Compiler compiler(globals, MakeCompilerOptions());
   CompiledScript script;
   if (parsed.ok()) {
     script = compiler.Compile(parsed.program);
@@ -124,37 +131,76 @@ int ScriptRunner::Run(FileId file) {
   return options_.check_only ? kSuccess : Execute(script, globals);
 }
 
-int ScriptRunner::Execute(CompiledScript& script, Globals& globals) {
+ScriptRunner::Outcome ScriptRunner::Try(const std::function<int()>& work) {
   try {
-    tesselc::Run run(library_, output_);
-    FillArguments(run, globals, options_.arguments);
-    int code = kSuccess;
-    try {
-      const InterruptScope interruptible(output_);
-      CallTopLevel(run, script.top_level);
-      if (script.main) code = CallTopLevel(run, *script.main);
-    } catch (const ExitRequest& request) {
-      code = request.code;
-    }
-    // Objects can still write while they go.
-    globals.ReleaseObjects();
-    output_.Flush();
-    if (output_.failure().empty()) return code;
-    ReportError("cannot write the output: " + output_.failure());
-    return code != kSuccess ? code : int{kScriptFailed};
+    const InterruptScope interruptible(output_);
+    return {work(), false, {}};
+  } catch (const ExitRequest& request) {
+    return {request.code, true, {}};
   } catch (const ScriptError& error) {
-    globals.ReleaseObjects();
-    output_.WriteError(
-        Format({error.where(), error.message(), NotesOf(error, sources_)}, sources_, colours_));
+    const Diagnostic diagnostic{error.where(), error.message(), NotesOf(error, sources_)};
+    return {kScriptFailed, false, Format(diagnostic, sources_, colours_)};
   } catch (const Interrupted& interrupted) {
-    globals.ReleaseObjects();
     const SourceRange where = interrupted.where.value_or(SourceRange{});
-    output_.WriteError(Format({where, "interrupted"}, sources_, colours_));
-    return interrupted.exit_code;
+    return {interrupted.exit_code, false, Format({where, "interrupted"}, sources_, colours_)};
   } catch (const std::bad_alloc&) {
-    ReportError("out of memory");
+    return {kScriptFailed, false, "tesselc: error: out of memory\n"};
   }
-  return kScriptFailed;
+}
+
+int ScriptRunner::Execute(CompiledScript& script, Globals& globals) {
+  tesselc::Run run(library_, output_);
+  const Outcome outcome = Try([&] {
+    FillArguments(run, globals, options_.arguments);
+    CallTopLevel(run, script.top_level);
+    return script.main ? CallTopLevel(run, *script.main) : int{kSuccess};
+  });
+  return End(globals, outcome);
+}
+
+int ScriptRunner::End(Globals& globals, const Outcome& outcome) {
+  // Objects can still write while they go.
+  globals.ReleaseObjects();
+  output_.Flush();
+  if (!outcome.report.empty()) output_.WriteError(outcome.report);
+  if (output_.failure().empty()) return outcome.exit_code;
+  ReportError("cannot write the output: " + output_.failure());
+  return outcome.exit_code != kSuccess ? outcome.exit_code : int{kScriptFailed};
+}
+
+int ScriptRunner::RunPrompt(LineEditor& lines) {
+  if (!LoadLibrary()) return kMistake;
+  Globals globals;
+  DeclareArguments(globals);
+  CompilerOptions compiler_options = MakeCompilerOptions();
+  compiler_options.interactive = true;
+  Compiler compiler(globals, compiler_options);
+  tesselc::Run run(library_, output_);
+  FillArguments(run, globals, options_.arguments);
+  lines.SetCompleter([&](std::string_view text) { return CompleteName(text, compiler); });
+  if (lines.IsInteractive()) output_.Write(kGreeting);
+  // Later programs refer to earlier ones.
+  std::deque<Program> programs;
+  std::deque<CompiledScript> scripts;
+  PromptText text(lines, sources_, output_);
+  while (const auto file =
+             text.Next([&](std::string_view line) { return ShowHelp(line, compiler, output_); })) {
+    ParseResult parsed = ParsePrompt(sources_, *file);
+    if (!parsed.ok()) {
+      Report(parsed.diagnostics);
+      continue;
+    }
+    const Program& program = programs.emplace_back(std::move(parsed.program));
+    CompiledScript& script = scripts.emplace_back(compiler.Compile(program));
+    const std::vector<Diagnostic> diagnostics = compiler.TakeDiagnostics();
+    Report(diagnostics);
+    if (HasErrors(diagnostics)) continue;
+    const Outcome outcome = Try([&] { return CallTopLevel(run, script.top_level); });
+    if (outcome.is_exit) return End(globals, outcome);
+    if (!outcome.report.empty()) output_.WriteError(outcome.report);
+    output_.Flush();
+  }
+  return End(globals, {kSuccess, true, {}});
 }
 
 }  // namespace tesselc

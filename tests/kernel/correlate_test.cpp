@@ -66,6 +66,7 @@ TYPED_TEST(CorrelateTest, SumsProductsOfWindows) {
                                          {23, 9, 3},
                                          {17, 70, 5},
                                          {40, 19, 7},
+                                         {31, 90, 15},
                                          {3, 5, 16}}) {
     for (const EdgeMode mode : {EdgeMode::kZeros, EdgeMode::kMirror, EdgeMode::kRepeat}) {
       for (int kind = 0; kind < 5; ++kind) {

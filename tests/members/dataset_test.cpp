@@ -267,7 +267,7 @@ TEST_F(DatasetTest, FollowsWhatTheHostDoes) {
   column.SetLowerBound(0);
   EXPECT_EQ(dataset->Operate2(nullptr, operation::kAssign, {plain.Get(), 0}, 0), 0);
   EXPECT_EQ(column.GetLowerBound(), 1);
-  ExpectValues(dataset, {kM, 2});
+  ExpectValues(dataset, {1, 2});
 }
 
 TEST_F(DatasetTest, KeepsTextsFromNumbers) {
@@ -332,6 +332,71 @@ TEST_F(DatasetTest, CreatesColumns) {
   EXPECT_EQ(Call(dataset, "SetText", 1, "-1e3-2i").Int(), 1);
   EXPECT_TRUE(Worksheets::Find("b")->IsModified());
   EXPECT_EQ(ValuesOf<OneTCcomplex>(dataset)[1], OneTCcomplex(-1000, -2));
+}
+
+TEST_F(DatasetTest, CurvesKeepTheirPointsTogether) {
+  Column("x", kTypeShort, {3, 1, 2, 1});
+  Column("y", kTypeFloat, {30, 10, 20, 11});
+  Column("m", kTypeDouble, {kM, 5});
+  const ObjectRef curve = Make(kTypeFloat | kFlagCurve), x = VectorOf<double>({});
+  EXPECT_EQ(Call(curve, "Sort", 1).status, status::kFailed);
+  EXPECT_EQ(Call(curve, "Attach", "b", "y").Int(), 1);
+  EXPECT_EQ(Call(curve, "HasX").Int(), 0);
+  EXPECT_EQ(Call(curve, "CopyX", x).Int(), -1);
+  EXPECT_EQ(TextOf(curve), "[b]y(1:0-3)");
+  EXPECT_EQ(Call(curve, "Attach", "b", "y", "z").Int(), 0);
+  EXPECT_EQ(Call(curve, "AttachX", "b", "x").Int(), 1);
+  EXPECT_EQ(TextOf(curve), "[b]x, [b]y(1:0-3)");
+  EXPECT_EQ(Call(curve, "Sort", 1).Int(), 1);
+  EXPECT_EQ(Call(curve, "CopyX", x).Int(), 0);
+  ExpectValues(x, {1, 1, 2, 3});
+  EXPECT_EQ(ValuesOf<float>(curve), (std::vector<float>{10, 11, 20, 30}));
+  const ObjectRef found = VectorOf<unsigned>({});
+  EXPECT_EQ(Call(curve, "GetRectPoints", 1, 2, 10.5, 20, found).Int(), 2);
+  EXPECT_EQ(ValuesOf<unsigned>(found), (Indices{1, 2}));
+  EXPECT_EQ(Call(curve, "GetRectPoints", kNan, 2, 0, 20, curve).Int(), 0);
+  EXPECT_EQ(Call(curve, "SetSize", 3).Int(), 1);
+  EXPECT_EQ(Call(curve, "SetXBounds", 2, 9).Int(), 1);
+  // A copy has X values of its own; points without both values stay.
+  const ObjectRef other = Make(kTypeFloat | kFlagCurve);
+  EXPECT_EQ(
+      Call(other, "ConstructInit", VectorOf<double>({kM, 2, 1}), VectorOf<int>({7, 8, 9, 6})).Int(),
+      1);
+  const ObjectRef copy(other->CreateCopy());
+  EXPECT_EQ(Call(copy, "Sort", 0).Int(), 1);
+  EXPECT_EQ(ValuesOf<float>(copy), (std::vector<float>{8, 9, 7, 6}));
+  EXPECT_EQ(ValuesOf<float>(other), (std::vector<float>{7, 8, 9, 6}));
+  EXPECT_EQ(Call(curve, "Attach", other).Int(), 1);
+  EXPECT_EQ(Call(curve, "HasX").Int(), 1);
+  // X goes stale by itself.
+  EXPECT_EQ(Call(curve, "Attach", "b", "y", "m").Int(), 1);
+  EXPECT_EQ(Call(Attached("m"), "Destroy").Int(), 1);
+  EXPECT_EQ(Call(curve, "Sort", 1).status, status::kNoRow);
+  EXPECT_EQ(Call(curve, "HasX").Int(), 0);
+  EXPECT_EQ(Call(curve, "GetSize").Int(), 3);
+}
+
+TEST_F(DatasetTest, VectorsKnowWhereTheyComeFrom) {
+  Column("x", kTypeDouble, {1, 2, 3});
+  const ObjectRef dataset = Attached("x"), text = Make(kTypeString);
+  ObjectRef plain = VectorOf<double>({1});
+  const ObjectRef lower = Make(kTypeInt), upper = Make(kTypeInt);
+  EXPECT_EQ(Call(dataset, "GetSourceRange", text).Int(), 0);
+  EXPECT_EQ(TextOf(text), "[b]x[1:3]");
+  EXPECT_EQ(Call(plain, "GetSourceRange", text).Int(), 0);
+  EXPECT_EQ(TextOf(text), "");
+  EXPECT_EQ(Call(plain, "UpdateRowColRanges").status, status::kUnsupported);
+  EXPECT_EQ(Call(plain, "AttachX", "b", "x").status, status::kUnsupported);
+  EXPECT_EQ(Call(plain, "GetSourceDataRange", lower, upper).Int(), 0);
+  EXPECT_EQ(Call(plain, "CopySourceDataRange", dataset).Int(), 0);
+  const ObjectRef heir = VectorOf<double>({});
+  EXPECT_EQ(Call(heir, "CopySourceDataRange", plain).Int(), 0);
+  plain = {};
+  EXPECT_EQ(Call(heir, "GetSourceDataRange", lower, upper).Int(), 1);
+  EXPECT_EQ(ValueOf<int>(upper), 2);
+  EXPECT_EQ(Call(dataset, "SetSize", 2).Int(), 1);
+  EXPECT_EQ(Call(heir, "GetSourceDataRange", lower, upper).Int(), 0);
+  EXPECT_EQ(ValueOf<int>(upper), -1);
 }
 
 }  // namespace

@@ -327,6 +327,7 @@ void Values() {
       VARIANT copy = NewInteger(VT_I2, 3);
       PrintCode("copy" + name, VariantCopy(&copy, &value));
       Print("copy" + name + " is " + NameOf(copy.vt));
+      VariantClear(&copy);
       PrintCode("clear" + name, VariantClear(&value));
       Print("clear" + name + " is " + NameOf(value.vt));
     }

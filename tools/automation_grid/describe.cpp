@@ -97,6 +97,20 @@ std::string DecimalText(const DECIMAL& value) {
                    value.scale);
 }
 
+std::string BytesText(SAFEARRAY* array) {
+  LONG least = 0;
+  LONG most = -1;
+  if (FAILED(SafeArrayGetLBound(array, 1, &least))) return "?";
+  SafeArrayGetUBound(array, 1, &most);
+  std::string text = NumberText(least) + ".." + NumberText(most);
+  for (LONG i = least; i <= most; ++i) {
+    BYTE byte = 0;
+    SafeArrayGetElement(array, &i, &byte);
+    text += " " + HexText(byte);
+  }
+  return text;
+}
+
 // What the default property of an object holds.
 std::string PropertyText(IDispatch* object) {
   if (object == nullptr) return "null";
@@ -153,6 +167,7 @@ std::string Describe(const VARIANT& value) {
     VariantClear(&target);
     return "&" + text;
   }
+  if (value.vt == (VT_ARRAY | VT_UI1)) return name + ":" + BytesText(value.parray);
   if (value.vt & VT_ARRAY) return name;
   if (value.vt == VT_DISPATCH) return name + ":" + PropertyText(value.pdispVal);
   switch (value.vt) {

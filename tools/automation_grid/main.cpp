@@ -48,9 +48,8 @@ bool IsNoType(const VARIANT& value) {
 
 template <typename Function>
 void ForEachPair(Function function) {
-  auto samples = Samples();
-  for (auto& left : samples) {
-    for (auto& right : samples) {
+  for (auto& left : Samples()) {
+    for (auto& right : Samples()) {
       if (!IsNoType(left) || !IsNoType(right)) function(left, right);
     }
   }
@@ -127,6 +126,12 @@ void RunComparison() {
                                u"ss",
                                u"\u00E6",
                                u"ae",
+                               u"\u00C6",
+                               u"AE",
+                               u"\u0153",
+                               u"oe",
+                               u"\u00FE",
+                               u"th",
                                u"\u00F8",
                                u"z",
                                u"\u03B1",

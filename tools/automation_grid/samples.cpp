@@ -190,15 +190,20 @@ VARIANT NewText(const char16_t* text) {
   return value;
 }
 
-std::vector<VARIANT> Samples() {
-  Values values = {NewInteger(VT_EMPTY, 0), NewInteger(VT_NULL, 0)};
-  AddIntegers(values);
-  AddReals(values);
-  AddExactNumbers(values);
-  AddTexts(values);
-  AddReferences(values);
-  AddObjects(values);
-  AddOthers(values);
+std::vector<VARIANT>& Samples() {
+  // Never destroyed, so that what they own stays in reach of leak checks.
+  static Values& values = *[] {
+    auto* const all = new Values{NewInteger(VT_EMPTY, 0), NewInteger(VT_NULL, 0)};
+    Values& made = *all;
+    AddIntegers(made);
+    AddReals(made);
+    AddExactNumbers(made);
+    AddTexts(made);
+    AddReferences(made);
+    AddObjects(made);
+    AddOthers(made);
+    return all;
+  }();
   return values;
 }
 

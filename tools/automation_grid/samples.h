@@ -13,9 +13,8 @@ VARIANT NewReal(VARTYPE type, double number);
 VARIANT NewDecimal(bool negative, ULONG high, ULONGLONG low, BYTE scale);
 VARIANT NewText(const char16_t* text);
 
-// Values of every type, edges among them: what every pair of is tried. They live as long as the
-// program, and so does what they refer to.
-std::vector<VARIANT> Samples();
+// Values of every type, edges among them, of which every pair is tried. Nobody changes them.
+std::vector<VARIANT>& Samples();
 // More of those that conversions read.
 const std::vector<const char16_t*>& Texts();
 const std::vector<double>& Numbers();

@@ -48,14 +48,18 @@ void CopyElements(const ConstElementSpan& from, const ElementSpan& to) {
   });
 }
 
+void RepeatElements(const ElementSpan& elements, std::size_t count) {
+  while (count < elements.size) {
+    const std::size_t part = std::min(count, elements.size - count);
+    ConvertElements(elements.Part(0, part), elements.Part(count, part));
+    count += part;
+  }
+}
+
 void FillElements(const ElementSpan& to, const ConstElementSpan& value) {
   if (to.size == 0) return;
   ConvertElements(value, to.Part(0, 1));
-  for (std::size_t filled = 1; filled < to.size;) {
-    const std::size_t count = std::min(filled, to.size - filled);
-    ConvertElements(to.Part(0, count), to.Part(filled, count));
-    filled += count;
-  }
+  RepeatElements(to, 1);
 }
 
 }  // namespace vela

@@ -157,6 +157,9 @@ void ConvertElements(const ConstElementSpan& from, const ElementSpan& to);
 // As ConvertElements, on worker threads where the parallel element copy finds that worth while.
 void CopyElements(const ConstElementSpan& from, const ElementSpan& to);
 
+// The first `count` elements, at least one, over and over, up to the end.
+void RepeatElements(const ElementSpan& elements, std::size_t count);
+
 // Makes every element of to the one value, converted.
 void FillElements(const ElementSpan& to, const ConstElementSpan& value);
 

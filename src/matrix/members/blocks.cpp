@@ -292,12 +292,7 @@ int TCAllMatrixNonTemplBase::DuplicateBlock(CTCall* call) {
     const std::size_t count = own.Size();
     own.Resize(LayerShape{(copies + 1) * shape.rows, shape.cols});
     const LayerElements elements(own);
-    const ElementSpan& all = elements.Span();
-    for (std::size_t filled = count; filled < all.size;) {
-      const std::size_t part = std::min(filled, all.size - filled);
-      vela::ConvertElements(all.Part(0, part), all.Part(filled, part));
-      filled += part;
-    }
+    if (count > 0) vela::RepeatElements(elements.Span(), count);
     elements.Commit();
     args.Return(1);
   });

@@ -52,13 +52,10 @@ namespace {
 
 // Only doubles can be missing, alone or as the parts of complex values.
 bool HoldsMissing(const ElementSpan& elements) {
-  std::span<const double> values = elements.As<const double>();
-  if (elements.type_id == kTypeComplex) {
-    values = {values.data(), 2 * elements.size};
-  } else if (elements.type_id != kTypeDouble) {
-    return false;
-  }
-  return kernel::FindEqual<double>(values, kMissingValue, 0, {.first_only = true}, {}) > 0;
+  const std::size_t parts = elements.type_id == kTypeComplex  ? 2
+                            : elements.type_id == kTypeDouble ? 1
+                                                              : 0;
+  return kernel::HoldsMissing({static_cast<const double*>(elements.data), parts * elements.size});
 }
 
 }  // namespace

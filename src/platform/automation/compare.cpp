@@ -1,6 +1,9 @@
 // VarCmp: numbers compare as numbers, whatever their types, and lie before every text.
 #if !defined(_WIN32)
 
+#include <cmath>
+#include <limits>
+
 #include "platform/automation/number.h"
 #include "platform/automation/operand.h"
 #include "platform/automation/text_order.h"
@@ -13,6 +16,11 @@ HRESULT Order(int order) { return order < 0 ? VARCMP_LT : order > 0 ? VARCMP_GT 
 HRESULT CompareReals(double left, double right) {
   // NaN lies behind everything.
   return left < right ? VARCMP_LT : left == right ? VARCMP_EQ : VARCMP_GT;
+}
+
+// As an operand that knows its number to 24 bits would have it.
+double AsSingle(double value) {
+  return std::fabs(value) > std::numeric_limits<float>::max() ? value : static_cast<float>(value);
 }
 
 // VT_EMPTY is an empty text.
@@ -28,8 +36,7 @@ HRESULT CompareNumbers(const VARIANT& left, const VARIANT& right) {
   if (SUCCEEDED(code)) code = ReadNumber(right, b);
   if (FAILED(code)) return code;
   if (left.vt == VT_R4 || right.vt == VT_R4) {
-    // No better than the operand that knows its number to 24 bits.
-    return CompareReals(static_cast<float>(ToReal(a)), static_cast<float>(ToReal(b)));
+    return CompareReals(AsSingle(ToReal(a)), AsSingle(ToReal(b)));
   }
   const auto* x = std::get_if<ExactNumber>(&a);
   const auto* y = std::get_if<ExactNumber>(&b);

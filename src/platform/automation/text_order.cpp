@@ -12,11 +12,15 @@
 namespace vela::platform {
 namespace {
 
-// Unlike the root locale: punctuation in the order of its codes, then the signs of mathematics.
+// Unlike the root locale: apostrophe and hyphen before white space, punctuation in the order of its
+// codes, then the signs of mathematics; and letters that stand for two are those two.
 constexpr char16_t kRules[] =
+    u"&[before 1]'\t' < '' < '-' "
     u"& ' ' < '!' < '\"' < '#' < '$' < '%' < '&' < '(' < ')' < '*' < ',' < '.' < '/' < ':' < ';' < "
     u"'?' < '@' < '[' < '\\\\' < ']' < '^' < '_' < '`' < '{' < '|' < '}' < '~' < '+' < '<' < '=' < "
-    u"'>'";
+    u"'>' & ss = \u00DF & ae = \u00E6 & AE = \u00C6 & oe = \u0153 & OE = \u0152 & th = \u00FE & TH "
+    u"= "
+    u"\u00DE";
 
 const UCollator* Collator() {
   static const UCollator* const collator = [] {
@@ -27,12 +31,14 @@ const UCollator* Collator() {
   return collator;
 }
 
+constexpr int kControlRank = 1;
+
 // The rank of a unit that decides last; 0 for every other.
 int MinorRank(char16_t unit) {
-  if (unit == u'-') return 3;
-  if (unit == u'\'') return 2;
+  if (unit == u'-') return kControlRank + 2;
+  if (unit == u'\'') return kControlRank + 1;
   const bool control = unit < u'\t' || (unit > u'\r' && unit < u' ') || unit == 0x7F;
-  return control || unit == 0xAD ? 1 : 0;
+  return control || unit == 0xAD ? kControlRank : 0;
 }
 
 struct Minor {
@@ -41,13 +47,13 @@ struct Minor {
   char16_t unit;
 };
 
-// Takes the units with a rank out of text.
-std::vector<Minor> TakeMinors(std::u16string& text) {
+// Takes the units with a rank out of text; words: hyphens and apostrophes too.
+std::vector<Minor> TakeMinors(std::u16string& text, bool words) {
   std::vector<Minor> minors;
   std::u16string kept;
   for (const char16_t unit : text) {
     const int rank = MinorRank(unit);
-    if (rank == 0) {
+    if (rank == 0 || (rank > kControlRank && !words)) {
       kept += unit;
     } else {
       minors.push_back({kept.size(), rank, unit});
@@ -83,7 +89,7 @@ void RemoveCharacters(std::u16string& text, Belongs belongs) {
 }
 
 bool IsSymbol(UChar32 character) {
-  return (U_GET_GC_MASK(character) & (U_GC_P_MASK | U_GC_S_MASK)) != 0;
+  return (U_GET_GC_MASK(character) & (U_GC_P_MASK | U_GC_S_MASK | U_GC_Z_MASK | U_GC_CC_MASK)) != 0;
 }
 
 bool IsAccent(UChar32 character) { return u_charType(character) == U_NON_SPACING_MARK; }
@@ -150,8 +156,8 @@ int CompareTexts(std::u16string_view left, std::u16string_view right, ULONG flag
   Apply(flags, a);
   Apply(flags, b);
   const bool words = (flags & SORT_STRINGSORT) == 0;
-  const auto minors_a = words ? TakeMinors(a) : std::vector<Minor>();
-  const auto minors_b = words ? TakeMinors(b) : std::vector<Minor>();
+  const auto minors_a = TakeMinors(a, words);
+  const auto minors_b = TakeMinors(b, words);
   const UCollationResult order =
       ucol_strcoll(collator, a.data(), static_cast<std::int32_t>(a.size()), b.data(),
                    static_cast<std::int32_t>(b.size()));

@@ -64,6 +64,16 @@ HRESULT BytesToText(SAFEARRAY* array, VARIANT& value) {
   return S_OK;
 }
 
+// And back.
+HRESULT TextToBytes(BSTR text, VARIANT& value) {
+  const UINT size = SysStringByteLen(text);
+  value.parray = SafeArrayCreateVector(VT_UI1, 0, size);
+  if (value.parray == nullptr) return E_OUTOFMEMORY;
+  std::copy_n(reinterpret_cast<const char*>(text), size, static_cast<char*>(value.parray->pvData));
+  value.vt = VT_ARRAY | VT_UI1;
+  return S_OK;
+}
+
 HRESULT ToText(const VARIANT& source, USHORT flags, VARIANT& value) {
   std::string text;
   HRESULT result = S_OK;
@@ -123,6 +133,9 @@ HRESULT Convert(const VARIANT& source, USHORT flags, VARTYPE type, VARIANT& valu
   if (source.vt == type) return VariantCopy(&value, &source);
   if (source.vt == (VT_ARRAY | VT_UI1) && type == VT_BSTR) {
     return BytesToText(source.parray, value);
+  }
+  if (source.vt == VT_BSTR && type == (VT_ARRAY | VT_UI1)) {
+    return TextToBytes(source.bstrVal, value);
   }
   if ((source.vt | type) & VT_ARRAY || type == VT_ERROR || source.vt == VT_ERROR ||
       source.vt == VT_RECORD) {
