@@ -39,6 +39,10 @@ const Table kTables[] = {
     {"matrix", "matrixbase", {}},
     {"MatrixObject", "matrixbase", kMatrixObjectNames},
     {"Picture", "", kPictureNames},
+    {"DeviceContext", "", Words("SetSize GetWidth GetHeight Clear Line GetPixel Save")},
+    {"host", "",
+     Words("PictureFromMatrix MatrixFromPicture BitmapFromMatrix IconFromMatrix MetafileFromLines "
+           "EnhMetafileFromLines DeleteHandle")},
 };
 
 TEST(Catalogue, NamesEveryMember) {
