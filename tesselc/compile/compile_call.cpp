@@ -4,7 +4,6 @@
 #include "tesselc/run/builtins.h"
 #include "tesselc/run/container_mathematics.h"
 #include "tesselc/run/elements.h"
-#include "tesselc/run/worksheet_functions.h"
 
 namespace tesselc {
 
@@ -109,26 +108,6 @@ std::vector<PrintArgument> Compiler::CompilePrinted(const std::vector<Expression
   return printed;
 }
 
-Value Compiler::CallWorksheetFunction(const WorksheetFunction& function, const Call& call) {
-  const std::size_t given = call.arguments.size(), most = function.parameters.size();
-  if (given < function.least || given > most) {
-    std::string count = std::to_string(function.least);
-    if (function.least != most) count += " to " + std::to_string(most);
-    Fail(call.function.range, "'" + call.function.text + "' takes " + count +
-                                  (most == 1 ? " argument" : " arguments") + ", not " +
-                                  std::to_string(given));
-  }
-  std::vector<NodePtr> arguments;
-  for (std::size_t i = 0; i < given; ++i) {
-    const SourceRange& range = call.arguments[i]->range;
-    Value value = CompileValue(*call.arguments[i]);
-    arguments.push_back(function.parameters[i] == 't'
-                            ? ToText(std::move(value), range)
-                            : ToNumber(std::move(value), TypeName::kInt, range));
-  }
-  return MakeValue(TypeName::kInt, MakeWorksheetCall(function, std::move(arguments)));
-}
-
 Value Compiler::CallBuiltin(const Call& call, const SourceRange& range) {
   const std::string& name = call.function.text;
   const auto& arguments = call.arguments;
@@ -160,9 +139,6 @@ Value Compiler::CallBuiltin(const Call& call, const SourceRange& range) {
   if (name == "clock") {
     need(0);
     return MakeValue(TypeName::kDouble, MakeClock());
-  }
-  if (const WorksheetFunction* function = FindWorksheetFunction(name)) {
-    return CallWorksheetFunction(*function, call);
   }
   const MathFunction* function = FindMathFunction(name);
   if (!function) return CallHost(call);

@@ -24,8 +24,6 @@
 
 namespace tesselc {
 
-struct WorksheetFunction;
-
 // A compiled expression.
 struct Value {
   StaticType type;
@@ -279,7 +277,6 @@ class Compiler {
                      const SourceRange& range);
   Value MathOnContainers(const MathFunction& function, std::vector<Value> arguments,
                          const SourceRange& range);
-  Value CallWorksheetFunction(const WorksheetFunction& function, const Call& call);
   Value CallBuiltin(const tesselc::Call& call, const SourceRange& range);
   Value CallHost(const tesselc::Call& call);
   std::vector<PrintArgument> CompilePrinted(const std::vector<ExpressionPtr>& arguments,
