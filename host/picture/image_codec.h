@@ -13,8 +13,8 @@ enum class ImageFormat { kPng, kJpeg, kBmp, kGif, kTiff };
 
 using Bytes = std::span<const unsigned char>;
 
-// The format that the first bytes tell, if it is one of these and the file does not end early as
-// far as its structure shows.
+// The format that the first bytes tell, if it is one of these, the header gives a size that an
+// image may have, and the file does not end early as far as its structure shows.
 std::optional<ImageFormat> FindImageFormat(Bytes file);
 
 // A larger image is refused before there is memory for it.

@@ -1,6 +1,8 @@
-// Telling image files apart by their structure.
+// Telling image files apart by their structure. Decoders are trusted with the pixels only: some
+// believe any size, and show what there is of a file that ends early, each in its own way.
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <string_view>
 
 #include "host/picture/image_codec.h"
@@ -10,19 +12,17 @@ namespace {
 
 using namespace std::string_view_literals;
 
-struct Signature {
-  std::string_view bytes;
-  ImageFormat format;
-};
-constexpr Signature kSignatures[] = {
-    {"\x89PNG\r\n\x1a\n"sv, ImageFormat::kPng},
-    {"\xff\xd8\xff"sv, ImageFormat::kJpeg},
-    {"BM"sv, ImageFormat::kBmp},
-    {"GIF87a"sv, ImageFormat::kGif},
-    {"GIF89a"sv, ImageFormat::kGif},
-    {"II*\0"sv, ImageFormat::kTiff},
-    {"MM\0*"sv, ImageFormat::kTiff},
-};
+// Numbers of up to four bytes; what lies behind the end of the file is 0.
+std::uint32_t Little(Bytes file, std::size_t at, int bytes) {
+  std::uint32_t value = 0;
+  for (int i = bytes; i-- > 0;) value = value << 8 | (at + i < file.size() ? file[at + i] : 0u);
+  return value;
+}
+std::uint32_t Big(Bytes file, std::size_t at, int bytes) {
+  std::uint32_t value = 0;
+  for (int i = 0; i < bytes; ++i) value = value << 8 | (at + i < file.size() ? file[at + i] : 0u);
+  return value;
+}
 
 bool Contains(Bytes file, std::string_view wanted) {
   return std::search(file.begin(), file.end(), wanted.begin(), wanted.end(),
@@ -30,10 +30,74 @@ bool Contains(Bytes file, std::string_view wanted) {
          file.end();
 }
 
-std::uint32_t Little(Bytes file, std::size_t at, int bytes) {
-  std::uint32_t value = 0;
-  for (int i = 0; i < bytes; ++i) value |= std::uint32_t{file[at + i]} << 8 * i;
-  return value;
+bool IsPng(Bytes png) {
+  return IsImageSize(Big(png, 16, 4), Big(png, 20, 4)) && Contains(png, "IEND\xae\x42\x60\x82"sv);
+}
+
+bool IsJpeg(Bytes jpeg) {
+  constexpr std::uint32_t kMarker = 0xFF, kFirstFrame = 0xC0, kLastFrame = 0xCF;
+  constexpr std::uint32_t kOthers[] = {0xC4, 0xC8, 0xCC};  // among the frames, but none
+  for (std::size_t at = 2; at + 4 <= jpeg.size() && jpeg[at] == kMarker;) {
+    const std::uint32_t kind = jpeg[at + 1];
+    if (kind == kMarker) {
+      ++at;
+      continue;
+    }
+    const bool is_frame = kind >= kFirstFrame && kind <= kLastFrame &&
+                          std::ranges::find(kOthers, kind) == std::end(kOthers);
+    if (is_frame) {
+      return IsImageSize(Big(jpeg, at + 7, 2), Big(jpeg, at + 5, 2)) &&
+             Contains(jpeg, "\xff\xd9"sv);
+    }
+    at += 2 + Big(jpeg, at + 2, 2);
+  }
+  return false;
+}
+
+// Where the run of blocks that begins there ends; each is as long as its first byte says, and the
+// last is empty.
+std::size_t EndOfBlocks(Bytes gif, std::size_t at) {
+  while (at < gif.size() && gif[at] != 0) at += 1u + gif[at];
+  return at + 1;
+}
+
+std::size_t ColorBytes(std::uint32_t flags) { return (flags & 0x80) != 0 ? 6u << (flags & 7) : 0; }
+
+// Every image counts: decoders read them all.
+bool IsGif(Bytes gif) {
+  constexpr unsigned char kExtension = '!', kImage = ',', kEnd = ';';
+  if (!IsImageSize(Little(gif, 6, 2), Little(gif, 8, 2))) return false;
+  std::size_t at = 13 + ColorBytes(Little(gif, 10, 1));
+  for (bool has_image = false; at < gif.size();) {
+    if (gif[at] == kEnd) return has_image;
+    if (gif[at] == kImage) {
+      has_image = true;
+      if (!IsImageSize(Little(gif, at + 5, 2), Little(gif, at + 7, 2))) return false;
+      at = EndOfBlocks(gif, at + 11 + ColorBytes(Little(gif, at + 9, 1)));
+    } else if (gif[at] == kExtension) {
+      at = EndOfBlocks(gif, at + 2);
+    } else {
+      return false;
+    }
+  }
+  return false;
+}
+
+// The decoder finds what is missing at the end.
+bool IsTiff(Bytes tiff) {
+  constexpr std::uint32_t kWidth = 256, kHeight = 257, kShort = 3;
+  const auto number = tiff[0] == 'I' ? Little : Big;
+  const std::size_t directory = number(tiff, 4, 4);
+  std::uint32_t width = 0, height = 0;
+  for (std::uint32_t i = 0; i < number(tiff, directory, 2); ++i) {
+    const std::size_t entry = directory + 2 + std::size_t{12} * i;
+    const std::uint32_t tag = number(tiff, entry, 2);
+    const std::uint32_t value =
+        number(tiff, entry + 8, number(tiff, entry + 2, 2) == kShort ? 2 : 4);
+    if (tag == kWidth) width = value;
+    if (tag == kHeight) height = value;
+  }
+  return IsImageSize(width, height);
 }
 
 // The fields of a BMP file's header. The oldest kind has no more than a size and the bits per
@@ -69,7 +133,7 @@ struct BmpHeader {
 };
 
 // Whether a BMP file's header makes sense, and the colours and pixels that it promises are there.
-bool HasPixels(Bytes bmp) {
+bool IsBmp(Bytes bmp) {
   constexpr std::int64_t kBits[] = {1, 4, 8, 16, 24, 32};
   constexpr std::uint32_t kPlain = 0, kRuns8 = 1, kRuns4 = 2, kMasks = 3;
   BmpHeader header;
@@ -91,21 +155,20 @@ bool HasPixels(Bytes bmp) {
   return header.pixels_at + pixels <= bmp.size();
 }
 
-// Decoders show what there is of a file that ends early, each in its own way. Of TIFF they do not.
-bool HasEnd(ImageFormat format, Bytes file) {
-  switch (format) {
-    case ImageFormat::kPng:
-      return Contains(file, "IEND\xae\x42\x60\x82"sv);
-    case ImageFormat::kJpeg:
-      return Contains(file, "\xff\xd9"sv);
-    case ImageFormat::kGif:
-      return Contains(file, "\0;"sv);
-    case ImageFormat::kBmp:
-      return HasPixels(file);
-    default:
-      return true;
-  }
-}
+struct Signature {
+  std::string_view bytes;
+  ImageFormat format;
+  bool (*is_sound)(Bytes file);
+};
+constexpr Signature kSignatures[] = {
+    {"\x89PNG\r\n\x1a\n"sv, ImageFormat::kPng, IsPng},
+    {"\xff\xd8\xff"sv, ImageFormat::kJpeg, IsJpeg},
+    {"BM"sv, ImageFormat::kBmp, IsBmp},
+    {"GIF87a"sv, ImageFormat::kGif, IsGif},
+    {"GIF89a"sv, ImageFormat::kGif, IsGif},
+    {"II*\0"sv, ImageFormat::kTiff, IsTiff},
+    {"MM\0*"sv, ImageFormat::kTiff, IsTiff},
+};
 
 }  // namespace
 
@@ -113,7 +176,7 @@ std::optional<ImageFormat> FindImageFormat(Bytes file) {
   const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
   for (const Signature& signature : kSignatures) {
     if (!text.starts_with(signature.bytes)) continue;
-    if (HasEnd(signature.format, file)) return signature.format;
+    if (signature.is_sound(file)) return signature.format;
     return std::nullopt;
   }
   return std::nullopt;

@@ -182,6 +182,11 @@ TEST(Picture, TravelsInAutomationValues) {
   EXPECT_EQ(Width(target), 79);
   EXPECT_EQ(ReferencesTo(target), 2u);
 
+  OLECHAR name[] = {'h', 'E', 'i', 'g', 'h', 't', 0};
+  LPOLESTR names[] = {name};
+  DISPID id = 0;
+  EXPECT_EQ(value.pdispVal->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
+  EXPECT_EQ(id, 5);
   const struct {
     DISPID id;
     VARTYPE type;
@@ -302,12 +307,23 @@ TEST(Picture, LoadsImageFilesAndRefusesDamagedOnes) {
     EXPECT_EQ(Width(picture), 159);
   }
   const ObjectRef picture = Make(kTypePicture);
-  // 60,000 x 60,000 pixels in the header, whose check sum does not matter any more.
-  std::string png = Contents(seeds / "png");
-  png.replace(16, 8, std::string("\0\0\xEA\x60\0\0\xEA\x60", 8));
-  std::string bmp = Contents(seeds / "bmp");
-  bmp.replace(18, 8, std::string("\x60\xEA\0\0\x60\xEA\0\0", 8));
-  for (const std::string& contents : {png, bmp, std::string(), std::string("<svg/>")}) {
+  // 60,000 x 60,000 pixels in the header, where it says so in each format.
+  const struct {
+    const char* format;
+    std::size_t place;
+    std::string size;
+  } huge[] = {{"png", 16, std::string("\0\0\xEA\x60\0\0\xEA\x60", 8)},
+              {"jpeg", 163, "\xEA\x60\xEA\x60"},
+              {"bmp", 18, std::string("\x60\xEA\0\0\x60\xEA\0\0", 8)},
+              {"gif", 6, "\x60\xEA\x60\xEA"},
+              {"gif", 30, "\x60\xEA\x60\xEA"},
+              {"tiff", 96, "\x60\xEA"}};
+  for (const auto& h : huge) {
+    std::string contents = Contents(seeds / h.format);
+    contents.replace(h.place, h.size.size(), h.size);
+    EXPECT_EQ(load(picture, contents), 0) << h.format;
+  }
+  for (const std::string& contents : {std::string(), std::string("<svg/>")}) {
     EXPECT_EQ(load(picture, contents), 0);
   }
   fs::remove_all(folder);
