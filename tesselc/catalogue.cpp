@@ -127,7 +127,20 @@ bool Catalogue::PrintMembers(std::ostream& out, std::string_view filter) const {
     if (shown != chain.front()) out << "\n";
     PrintClass(out, *shown);
   }
-  return !chain.empty();
+  return !chain.empty() || PrintMembersNamed(out, filter);
+}
+
+bool Catalogue::PrintMembersNamed(std::ostream& out, std::string_view name) const {
+  bool found = false;
+  for (const CatalogueClass& owner : classes_) {
+    if (owner.Find(name) == nullptr) continue;
+    out << (found ? "\n" : "") << owner.name << "\n";
+    found = true;
+    for (const CatalogueMember& member : owner.members) {
+      if (member.name == name) PrintMember(out, member);
+    }
+  }
+  return found;
 }
 
 }  // namespace tesselc

@@ -62,13 +62,15 @@ class Catalogue {
   // Every name an object of the class answers to, sorted, each once: for completion.
   std::vector<std::string_view> MemberNames(std::string_view class_name) const;
 
-  // Signatures and documentation. The filter is empty for everything, "type", or "type.member";
-  // a type's bases are included. False, with nothing printed, when nothing fits.
+  // Signatures and documentation. The filter is empty for everything, "type", "type.member", or the
+  // name of a member or function, of whatever type; a type's bases are included. False, with
+  // nothing printed, when nothing fits.
   bool PrintMembers(std::ostream& out, std::string_view filter) const;
 
  private:
   Catalogue() = default;
 
+  bool PrintMembersNamed(std::ostream& out, std::string_view name) const;
   // The class and its bases, in the order in which a name is looked up.
   std::vector<const CatalogueClass*> Chain(std::string_view class_name) const;
 

@@ -56,7 +56,7 @@ constexpr const char* kHelp =
     "  --check                     Check the script, but do not run it\n"
     "  --werror                    Refuse a script with warnings\n"
     "  --debug-mode N              The library's debug mode\n"
-    "  --members [TYPE[.MEMBER]]   Show the members of a type, or of all, and end\n";
+    "  --members [TYPE[.MEMBER]]   Show the members of a type, or of all, or one; and end\n";
 
 enum Option : int { kCheck = 256, kDebugMode, kMembers, kVersion, kWarningsAreErrors };
 

@@ -42,7 +42,11 @@ const Table kTables[] = {
     {"DeviceContext", "", Words("SetSize GetWidth GetHeight Clear Line GetPixel Save")},
     {"host", "",
      Words("PictureFromMatrix MatrixFromPicture BitmapFromMatrix IconFromMatrix MetafileFromLines "
-           "EnhMetafileFromLines DeleteHandle")},
+           "EnhMetafileFromLines DeleteHandle OpenWorksheet SaveWorksheet CloseWorksheet "
+           "UndoWorksheet CountColumns IsWorksheetModified")},
+    {"functions", "",
+     Words("print printf assert exit clock abs sqrt exp log log10 sin cos tan asin acos atan atan2 "
+           "sinh cosh tanh floor ceil round fmod pow min max isnan ismissing")},
 };
 
 TEST(Catalogue, NamesEveryMember) {
