@@ -12,19 +12,6 @@
 
 namespace {
 
-// The array of a value that holds or refers to one, else null.
-SAFEARRAY* ArrayIn(const VARIANT& value) {
-  if ((value.vt & VT_ARRAY) == 0) return nullptr;
-  if ((value.vt & VT_BYREF) == 0) return value.parray;
-  return value.pparray != nullptr ? *value.pparray : nullptr;
-}
-
-double AsDouble(const VARIANT& value) {
-  VariantNumber number;
-  if (NumberOfVariant(value, number) != status::kOk) return kMissingValue;
-  return std::visit([](auto n) { return static_cast<double>(n); }, number);
-}
-
 int ReadParts(SAFEARRAY* array, std::span<double> parts) {
   VARTYPE type = VT_EMPTY;
   LONG lower = 0, upper = -1;
@@ -44,7 +31,7 @@ int ReadParts(SAFEARRAY* array, std::span<double> parts) {
                                               : &element.llVal;
     if (FAILED(SafeArrayGetElement(array, &index, target))) return status::kBadValue;
     if (type != VT_VARIANT) element.vt = type;
-    parts[static_cast<std::size_t>(i)] = AsDouble(element);
+    parts[static_cast<std::size_t>(i)] = DoubleOfVariant(element);
   }
   return status::kOk;
 }
@@ -91,6 +78,12 @@ int NumberOfVariant(const VARIANT& value, VariantNumber& number) {
     default:
       return status::kBadValue;
   }
+}
+
+double DoubleOfVariant(const VARIANT& value) {
+  VariantNumber number;
+  if (NumberOfVariant(value, number) != status::kOk) return kMissingValue;
+  return std::visit([](auto n) { return static_cast<double>(n); }, number);
 }
 
 int PartsOfVariant(const VARIANT& value, std::span<double> parts) {

@@ -5,6 +5,13 @@
 
 #include "platform/automation.h"
 
+// The array of a value that holds or refers to one, else null.
+inline SAFEARRAY* ArrayIn(const VARIANT& value) {
+  if ((value.vt & VT_ARRAY) == 0) return nullptr;
+  if ((value.vt & VT_BYREF) == 0) return value.parray;
+  return value.pparray != nullptr ? *value.pparray : nullptr;
+}
+
 // A failed automation call, thrown.
 struct AutomationError {
   HRESULT code;

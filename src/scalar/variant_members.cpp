@@ -144,7 +144,7 @@ int TCVariantObj::SetOneVariantInArray(CTCall* call) {
 
 int TCVariantObj::GetNumDimensions(CTCall* call) {
   return Run(call, NoArguments(), [&](Arguments& args) {
-    SAFEARRAY* array = vela::ArrayIn(Addressed(args));
+    SAFEARRAY* array = ArrayIn(Addressed(args));
     if (array == nullptr) Fail(status::kBadValue);
     args.Return(SafeArrayGetDim(array));
   });
@@ -152,7 +152,7 @@ int TCVariantObj::GetNumDimensions(CTCall* call) {
 
 int TCVariantObj::GetSize(CTCall* call) {
   return Run(call, Exactly(1), [&](Arguments& args) {
-    SAFEARRAY* array = vela::ArrayIn(Addressed(args));
+    SAFEARRAY* array = ArrayIn(Addressed(args));
     const int dimension = args.Int(0);
     if (array == nullptr || dimension < 1 ||
         static_cast<UINT>(dimension) > SafeArrayGetDim(array)) {

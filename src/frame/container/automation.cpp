@@ -62,7 +62,7 @@ int TCAllTensorsBase::SetVariantArray(const MSOINDICES* at, const VARIANT* value
   if (value == nullptr) return status::kBadArguments;
   int number;
   if (const int error = LocateLayer(at, number); error != status::kOk) return error;
-  const auto shape = vela::ShapeOfArray(vela::ArrayIn(*value));
+  const auto shape = vela::ShapeOfArray(ArrayIn(*value));
   if (!shape) return status::kBadValue;
   const vela::Layer layer{this, number};
   if (vela::IsReal(layer)) {
@@ -89,7 +89,7 @@ int TCAllTensorsBase::GetIntoVariant(const MSOINDICES* at, VARIANT* value) {
 int TCAllTensorsBase::SetFromVariant(const MSOINDICES* at, const VARIANT* value) {
   if (value == nullptr) return status::kBadArguments;
   if (!IsWhole(at)) return TesselCObject::SetFromVariant(at, value);
-  if (vela::ArrayIn(*value) != nullptr) return SetVariantArray(at, value);
+  if (ArrayIn(*value) != nullptr) return SetVariantArray(at, value);
   if (vela::ElementWidth(GetInternalDataTypeID()) == 0) return status::kBadValue;
   VariantNumber number;
   if (const int error = NumberOfVariant(*value, number); error != status::kOk) return error;

@@ -68,19 +68,7 @@ class Cells {
   LayerShape shape_;
 };
 
-double AsDouble(const VARIANT& value) {
-  VariantNumber number;
-  if (NumberOfVariant(value, number) != status::kOk) return kMissingValue;
-  return std::visit([](auto n) { return static_cast<double>(n); }, number);
-}
-
 }  // namespace
-
-SAFEARRAY* ArrayIn(const VARIANT& value) {
-  if ((value.vt & VT_ARRAY) == 0) return nullptr;
-  if ((value.vt & VT_BYREF) == 0) return value.parray;
-  return value.pparray != nullptr ? *value.pparray : nullptr;
-}
 
 std::optional<LayerShape> ShapeOfArray(SAFEARRAY* array) {
   switch (array != nullptr ? SafeArrayGetDim(array) : 0) {
@@ -115,7 +103,8 @@ std::optional<ArrayNumbers> ReadArray(const VARIANT& value) {
                                              static_cast<std::size_t>(shape->Size()))};
   if (!is_element) {
     const std::span<double> out = numbers.elements.Span().As<double>();
-    ForEachValue(value, [&](std::size_t i, const VARIANT& cell) { out[i] = AsDouble(cell); });
+    ForEachValue(value,
+                 [&](std::size_t i, const VARIANT& cell) { out[i] = DoubleOfVariant(cell); });
     return numbers;
   }
   const Cells cells(value, array, *shape);

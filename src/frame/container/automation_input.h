@@ -21,8 +21,6 @@ struct ArrayNumbers {
 // std::bad_alloc.
 std::optional<ArrayNumbers> ReadArray(const VARIANT& value);
 
-// The array of a variant that holds or refers to one, else null.
-SAFEARRAY* ArrayIn(const VARIANT& value);
 // The shape of an array of one dimension, which is one row, or of two.
 std::optional<LayerShape> ShapeOfArray(SAFEARRAY* array);
 // Calls store(i, cell) for every element, row by row, with a variant that shows it and is not to be

@@ -13,7 +13,7 @@ namespace {
 const VARIANT* ArrayOperand(const tagMSOOBJVECT& operand) {
   if (operand.object == nullptr || operand.object->IsVariantArraySource() == 0) return nullptr;
   const VARIANT* value = operand.object->GetVariantAddress(&operand.indices);
-  return value != nullptr && vela::ArrayIn(*value) != nullptr ? value : nullptr;
+  return value != nullptr && ArrayIn(*value) != nullptr ? value : nullptr;
 }
 
 }  // namespace

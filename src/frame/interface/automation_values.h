@@ -16,6 +16,8 @@ using VariantNumber = std::variant<double, std::int64_t, std::uint64_t>;
 // days). Empty, null and error values are the missing value, and so is a text that is no number; an
 // array or object has none.
 VELAHOST_API int NumberOfVariant(const VARIANT& value, VariantNumber& number);
+// The same as a double, missing where there is none.
+VELAHOST_API double DoubleOfVariant(const VARIANT& value);
 // The elements of a one-dimensional array that are numbers, at most parts.size() of them, as many
 // as it has; a value that is no array is one number. The other parts stay as they are.
 VELAHOST_API int PartsOfVariant(const VARIANT& value, std::span<double> parts);
