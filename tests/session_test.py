@@ -5,9 +5,11 @@ are interrupted, which must stop, tell where, and lose no output.
     session_test.py RUNNER [EMULATOR]
 """
 
+import pathlib
 import signal
 import subprocess
 import sys
+import tempfile
 import time
 
 # What is typed, and what comes out of it.
@@ -35,9 +37,11 @@ PROMPT = [
     ("exit(x + 3)", ""),
 ]
 
-LOOP = 'print("before");\nint n;\nwhile (1) {\n  n++;\n}\n'
+# The script tells by a file that it runs.
+BEGIN = 'print("before"); file f; f.Open(args[0], file::modeCreate | file::modeWrite); f.Close();\n'
+LOOP = BEGIN + 'int n;\nwhile (1) {\n  n++;\n}\n'
 # One call that outlasts the time a script is given to stop.
-CALL = 'print("before");\nmatrix<double> m(200000, 60);\nm += 1;\nm.MedianFilter(401);\n'
+CALL = BEGIN + 'matrix<double> m(200000, 60);\nm += 1;\n' + 'm.MedianFilter(401);\n' * 4
 CASES = [
     (LOOP, signal.SIGINT, 130, "standard input:3:1: error: interrupted"),
     (LOOP, signal.SIGTERM, 143, "standard input:3:1: error: interrupted"),
@@ -46,11 +50,15 @@ CASES = [
 
 
 def run(runner, script, sent):
-    process = subprocess.Popen([runner, "-"], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                               stderr=subprocess.PIPE, text=True)
-    process.stdin.write(script)
-    process.stdin.close()
-    time.sleep(1)
+    with tempfile.TemporaryDirectory() as folder:
+        marker = pathlib.Path(folder, "runs")
+        process = subprocess.Popen([runner, "-", marker], stdin=subprocess.PIPE,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        process.stdin.write(script)
+        process.stdin.close()
+        while not marker.exists() and process.poll() is None:
+            time.sleep(0.05)
+    time.sleep(0.5)
     process.send_signal(sent)
     output, error = process.stdout.read(), process.stderr.read()
     return process.wait(timeout=20), output, error
