@@ -8,6 +8,8 @@ namespace vela {
 namespace {
 
 CComVariant ObjectVariant(const tagMSOOBJVECT& source) {
+  // The copy of a variant tells why it failed.
+  if (const VARIANT* value = source.object->GetVariantAddress(&source.indices)) return *value;
   CComVariant made;
   member::Check(source.object->GetIntoVariant(&source.indices, &made));
   return made;

@@ -32,6 +32,7 @@ CComVariant VariantOf(const T& value) {
 }
 
 // An argument of any type: status 8 for NULL, else the status of an object that has no value.
+// Throws AutomationError where a variant cannot be copied.
 CComVariant VariantArgument(member::Arguments& args, unsigned arg);
 
 // The operand of an operator, an object or a plain value.

@@ -61,6 +61,14 @@ int DepthOf(const VARIANT& value, int deepest = kDeepestArray + 1) {
   return 1 + inner;
 }
 
+// What a failed copy leaves in its place.
+CComVariant FailureValue(HRESULT code) {
+  CComVariant value;
+  value.vt = VT_ERROR;
+  value.scode = code;
+  return value;
+}
+
 // A count of elements as the array functions take it; a negative one is more than there can be.
 SAFEARRAYBOUND Bound(int count, int lower) { return {static_cast<ULONG>(count), lower}; }
 
@@ -131,13 +139,21 @@ int TCVariantObj::SetOneVariantInArray(CTCall* call) {
     const std::size_t count1 = BoundsOf(value.parray, 1).Size();
     const std::size_t count2 = dimensions == 2 ? BoundsOf(value.parray, 2).Size() : 1;
     const auto first = static_cast<std::size_t>(index1), second = static_cast<std::size_t>(index2);
-    CComVariant element = vela::VariantArgument(args, 0);
     if (first >= count1 || second >= count2) return args.Return(0);
-    if (DepthOf(element) >= kDeepestArray) Fail(status::kBadValue);
-    const LockedArray cells(value.parray);
-    VARIANT& cell = static_cast<VARIANT*>(cells.Get())[count1 * second + first];
-    CComVariant::Check(VariantClear(&cell));
-    cell = element.Detach();
+    const auto store = [&](CComVariant&& element) {
+      const LockedArray cells(value.parray);
+      VARIANT& cell = static_cast<VARIANT*>(cells.Get())[count1 * second + first];
+      CComVariant::Check(VariantClear(&cell));
+      cell = element.Detach();
+    };
+    try {
+      CComVariant element = vela::VariantArgument(args, 0);
+      if (DepthOf(element) >= kDeepestArray) Fail(status::kBadValue);
+      store(std::move(element));
+    } catch (const AutomationError& error) {
+      store(FailureValue(error.code));
+      throw;
+    }
     args.Return(1);
   });
 }

@@ -43,7 +43,8 @@ class TCVariantObj
   int CreateAsArray(CTCall* call);
   // (_VARIANT var, int index1, int index2): copies var into an element of an array of variants,
   // indices counted from 0; 1, or 0 for an index that is too large. Status 8 for a negative index
-  // and for a value nested deeper than 100 arrays.
+  // and for a value nested deeper than 100 arrays. A copy that fails leaves the element an error
+  // value with the failure's code: status 287, or 278 without memory.
   int SetOneVariantInArray(CTCall* call);
   int GetNumDimensions(CTCall* call);
   // (int dimension): its number of elements; 0 where its upper bound is -1. Dimensions count from

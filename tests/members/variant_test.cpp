@@ -88,6 +88,13 @@ TEST(Variant, ArraysOfVariants) {
   EXPECT_EQ(Call(array, "GetSubVariant", 0, array).Int(), 1);
   EXPECT_EQ(TextIn(array), "{{0, 2, 4}, {1, \"x\", \"x\"}}");
   EXPECT_EQ(Call(ArrayOfVariants(2), "SetOneVariantInArray", 1, 0, 1).Int(), 0);
+
+  const ObjectRef malformed = VariantOf(1);
+  malformed->GetVariantAddress(nullptr)->vt = 15;  // no automation type
+  EXPECT_EQ(Call(array, "SetOneVariantInArray", malformed, 1, 0).status, status::kAutomationFailed);
+  EXPECT_EQ(Call(array, "GetSubVariant", 1, out).Int(), 1);
+  EXPECT_EQ(out->GetVariantAddress(nullptr)->vt, VT_ERROR);
+  EXPECT_EQ(out->GetVariantAddress(nullptr)->scode, DISP_E_BADVARTYPE);
 }
 
 TEST(Variant, NestsNoDeeperThanTheStackAllows) {

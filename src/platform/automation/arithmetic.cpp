@@ -103,12 +103,17 @@ void StoreInteger(Integer number, Rank rank, VARIANT& result) {
   result.dblVal = static_cast<double>(number);
 }
 
+// Both as numbers of a type, which own nothing.
+HRESULT ReadBoth(const VARIANT& left, const VARIANT& right, VARTYPE type, VARIANT& a, VARIANT& b) {
+  const HRESULT code = ReadAs(left, type, a);
+  return FAILED(code) ? code : ReadAs(right, type, b);
+}
+
 HRESULT OperateOnIntegers(Operation operation, Rank rank, const VARIANT& left, const VARIANT& right,
                           VARIANT& result) {
   VARIANT a = {};
   VARIANT b = {};
-  HRESULT code = ReadAs(left, VT_I8, a);
-  if (SUCCEEDED(code)) code = ReadAs(right, VT_I8, b);
+  const HRESULT code = ReadBoth(left, right, VT_I8, a, b);
   if (FAILED(code)) return code;
   StoreInteger(Compute(operation, Integer{a.llVal}, Integer{b.llVal}), rank, result);
   return S_OK;
@@ -118,8 +123,7 @@ HRESULT OperateOnReals(Operation operation, Rank rank, const VARIANT& left, cons
                        VARIANT& result) {
   VARIANT a = {};
   VARIANT b = {};
-  HRESULT code = ReadAs(left, VT_R8, a);
-  if (SUCCEEDED(code)) code = ReadAs(right, VT_R8, b);
+  const HRESULT code = ReadBoth(left, right, VT_R8, a, b);
   if (FAILED(code)) return code;
   if (operation == Operation::kDivide && b.dblVal == 0) {
     return a.dblVal == 0 ? DISP_E_OVERFLOW : DISP_E_DIVBYZERO;
@@ -139,8 +143,7 @@ HRESULT OperateOnExact(Operation operation, VARTYPE type, const VARIANT& left, c
                        VARIANT& result) {
   VARIANT a = {};
   VARIANT b = {};
-  HRESULT code = ReadAs(left, type, a);
-  if (SUCCEEDED(code)) code = ReadAs(right, type, b);
+  HRESULT code = ReadBoth(left, right, type, a, b);
   Number left_number;
   Number right_number;
   if (SUCCEEDED(code)) code = ReadNumber(a, left_number);
